@@ -1,0 +1,20 @@
+# One interface target carries what every target of this project compiles with.
+add_library(folioweld_flags INTERFACE)
+target_compile_options(folioweld_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion
+                                                 -Wshadow -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # GCC 12 reports overlapping copies inside its own std::string where there are none (its bug 105651).
+  target_compile_options(folioweld_flags INTERFACE -Wno-restrict)
+endif()
+target_include_directories(folioweld_flags INTERFACE ${PROJECT_SOURCE_DIR})
+
+if(FOLIOWELD_SANITIZE)
+  target_compile_options(folioweld_flags INTERFACE -fsanitize=${FOLIOWELD_SANITIZE}
+                                                   -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(folioweld_flags INTERFACE -fsanitize=${FOLIOWELD_SANITIZE})
+endif()
+
+if(FOLIOWELD_COVERAGE)
+  target_compile_options(folioweld_flags INTERFACE --coverage -fprofile-update=atomic)
+  target_link_options(folioweld_flags INTERFACE --coverage)
+endif()
