@@ -1,0 +1,336 @@
+#include "platform/posix_api.h"
+
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <sys/random.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace folioweld {
+
+namespace {
+
+SystemError LastError() {
+  return SystemError{errno == 0 ? EIO : errno};
+}
+
+SystemError Outcome(int result) {
+  return result < 0 ? LastError() : SystemError{};
+}
+
+int FlagsFor(OpenMode mode) {
+  // Without O_NONBLOCK the open of a pipe would wait for its other end.
+  constexpr int kAlways = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+  switch (mode) {
+    case OpenMode::ReadExisting:
+      return kAlways | O_RDONLY;
+    case OpenMode::WriteKeep:
+      return kAlways | O_WRONLY | O_CREAT | O_NOFOLLOW;
+    case OpenMode::ReadWriteExisting:
+      return kAlways | O_RDWR | O_NOFOLLOW;
+    case OpenMode::TruncateExisting:
+      return kAlways | O_WRONLY | O_TRUNC | O_NOFOLLOW;
+    case OpenMode::CreateNewPrivate:
+      return kAlways | O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW;
+    case OpenMode::ReadWriteCreatePrivate:
+      return kAlways | O_RDWR | O_CREAT | O_NOFOLLOW;
+  }
+  return kAlways | O_RDONLY;
+}
+
+mode_t ModeFor(OpenMode mode) {
+  return mode == OpenMode::WriteKeep ? 0666 : 0600;
+}
+
+FileKind KindOf(mode_t mode) {
+  if (S_ISREG(mode)) return FileKind::Regular;
+  if (S_ISDIR(mode)) return FileKind::Directory;
+  if (S_ISLNK(mode)) return FileKind::Link;
+  return FileKind::Other;
+}
+
+FileInformation FromStat(const struct stat& status) {
+  FileInformation information;
+  information.Kind = KindOf(status.st_mode);
+  information.Identity = {status.st_dev, status.st_ino};
+  information.Size = status.st_size;
+  information.WriteSeconds = status.st_mtim.tv_sec;
+  information.WriteNanoseconds = status.st_mtim.tv_nsec;
+  information.Links = status.st_nlink;
+  information.OwnerCanWrite = (status.st_mode & S_IWUSR) != 0;
+  return information;
+}
+
+SystemResult<std::size_t> Transferred(ssize_t result) {
+  if (result < 0) return LastError();
+  return static_cast<std::size_t>(result);
+}
+
+volatile std::sig_atomic_t g_stopSignal = 0;
+/// Reading and writing end of the pipe that wakes whoever waits for a stop signal.
+int g_stopPipe[2] = {-1, -1};
+
+extern "C" void RememberStopSignal(int signal) {
+  const int interrupted = errno;
+  g_stopSignal = signal;
+  // A full pipe is readable already.
+  if (g_stopPipe[1] >= 0) static_cast<void>(::write(g_stopPipe[1], "!", 1) < 0);
+  errno = interrupted;
+}
+
+/// Puts the null device where a standard stream was closed: the next file opened would take its number, and
+/// what is written to standard error would land in a document.
+void FillStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (::fcntl(stream, F_GETFD) < 0 && errno == EBADF) static_cast<void>(::open("/dev/null", O_RDWR) < 0);
+  }
+}
+
+extern "C" void PassOver(int /*signal*/) {}
+
+/// Handled and not ignored: a program started from here gets the system's own way back.
+void PassOverSignal(int signal) {
+  struct sigaction present {};
+  if (::sigaction(signal, nullptr, &present) < 0 || present.sa_handler != SIG_DFL) return;
+  struct sigaction action {};
+  action.sa_handler = PassOver;
+  ::sigemptyset(&action.sa_mask);
+  action.sa_flags = SA_RESTART;
+  static_cast<void>(::sigaction(signal, &action, nullptr));
+}
+
+}  // namespace
+
+PosixApi::PosixApi() {
+  FillStandardStreams();
+  PassOverSignal(SIGXFSZ);
+  PassOverSignal(SIGPIPE);
+}
+
+std::string SystemError::Words() const {
+  return std::strerror(Code);
+}
+
+WindowsAPI& RealSystem() {
+  static PosixApi system;
+  return system;
+}
+
+SystemResult<PosixApi::Handle> PosixApi::CreateFile(const std::string& path, OpenMode mode) {
+  const int file = ::open(path.c_str(), FlagsFor(mode), ModeFor(mode));
+  if (file < 0) return LastError();
+  return file;
+}
+
+SystemResult<std::size_t> PosixApi::ReadFile(Handle file, std::int64_t offset, char* bytes,
+                                             std::size_t count) {
+  return Transferred(::pread(file, bytes, count, offset));
+}
+
+SystemResult<std::size_t> PosixApi::WriteFile(Handle file, std::int64_t offset, const char* bytes,
+                                              std::size_t count) {
+  return Transferred(::pwrite(file, bytes, count, offset));
+}
+
+SystemResult<std::size_t> PosixApi::CopyFileRange(Handle from, std::int64_t fromOffset, Handle to,
+                                                  std::int64_t toOffset, std::size_t count) {
+  off64_t in = fromOffset;
+  off64_t out = toOffset;
+  return Transferred(::copy_file_range(from, &in, to, &out, count, 0));
+}
+
+SystemResult<FileInformation> PosixApi::GetFileInformationByHandle(Handle file) {
+  struct stat status {};
+  if (::fstat(file, &status) < 0) return LastError();
+  return FromStat(status);
+}
+
+SystemError PosixApi::SetEndOfFile(Handle file, std::int64_t size) {
+  return Outcome(::ftruncate(file, size));
+}
+
+SystemError PosixApi::FlushFileBuffers(Handle file) {
+  return Outcome(::fsync(file));
+}
+
+SystemError PosixApi::LockFile(Handle file) {
+  return Outcome(::flock(file, LOCK_EX));
+}
+
+SystemError PosixApi::TryLockFile(Handle file) {
+  return Outcome(::flock(file, LOCK_EX | LOCK_NB));
+}
+
+SystemError PosixApi::CloseHandle(Handle file) {
+  // An interrupted close has closed the file all the same on this system.
+  const SystemError error = Outcome(::close(file));
+  return error.Code == EINTR ? SystemError{} : error;
+}
+
+SystemResult<FileInformation> PosixApi::GetFileAttributes(const std::string& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) < 0) return LastError();
+  return FromStat(status);
+}
+
+SystemResult<FileInformation> PosixApi::GetLinkAttributes(const std::string& path) {
+  struct stat status {};
+  if (::lstat(path.c_str(), &status) < 0) return LastError();
+  return FromStat(status);
+}
+
+SystemError PosixApi::SetFileAttributesNormal(const std::string& path) {
+  struct stat status {};
+  if (::lstat(path.c_str(), &status) < 0) return LastError();
+  return Outcome(::fchmodat(AT_FDCWD, path.c_str(), (status.st_mode & 07777) | S_IWUSR, AT_SYMLINK_NOFOLLOW));
+}
+
+SystemError PosixApi::DeleteFile(const std::string& path) {
+  return Outcome(::unlink(path.c_str()));
+}
+
+SystemError PosixApi::MoveFile(const std::string& from, const std::string& to, Replace replace) {
+  if (replace == Replace::Yes) return Outcome(::rename(from.c_str(), to.c_str()));
+  return Outcome(::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE));
+}
+
+SystemError PosixApi::CreateDirectory(const std::string& path) {
+  return Outcome(::mkdir(path.c_str(), 0700));
+}
+
+SystemResult<PosixApi::Search> PosixApi::FindFirstFile(const std::string& folder) {
+  DIR* directory = ::opendir(folder.c_str());
+  if (directory == nullptr) return LastError();
+  return static_cast<Search>(directory);
+}
+
+SystemResult<std::optional<std::string>> PosixApi::FindNextFile(Search search) {
+  errno = 0;
+  const struct dirent* entry = ::readdir(static_cast<DIR*>(search));
+  if (entry != nullptr) return std::optional<std::string>(entry->d_name);
+  if (errno != 0) return LastError();
+  return std::optional<std::string>();
+}
+
+void PosixApi::FindClose(Search search) {
+  ::closedir(static_cast<DIR*>(search));
+}
+
+SystemResult<std::string> PosixApi::GetCurrentDirectory() {
+  char* text = ::getcwd(nullptr, 0);
+  if (text == nullptr) return LastError();
+  std::string folder(text);
+  std::free(text);
+  return folder;
+}
+
+SystemError PosixApi::SetCurrentDirectory(const std::string& folder) {
+  return Outcome(::chdir(folder.c_str()));
+}
+
+std::optional<std::string> PosixApi::GetEnvironmentVariable(const std::string& name) {
+  const char* value = std::getenv(name.c_str());
+  if (value == nullptr) return std::nullopt;
+  return std::string(value);
+}
+
+SystemResult<std::uint32_t> PosixApi::RandomNumber() {
+  std::uint32_t number = 0;
+  const ssize_t count = ::getrandom(&number, sizeof number, 0);
+  if (count != static_cast<ssize_t>(sizeof number)) return LastError();
+  return number;
+}
+
+SystemResult<LocalTime> PosixApi::FileTimeToLocalTime(std::int64_t seconds) {
+  const std::time_t moment = seconds;
+  struct tm parts {};
+  if (::localtime_r(&moment, &parts) == nullptr) return LastError();
+  return LocalTime{parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday,
+                   parts.tm_hour,        parts.tm_min,     parts.tm_sec};
+}
+
+std::int64_t PosixApi::MillisecondsNow() {
+  struct timespec now {};
+  ::clock_gettime(CLOCK_MONOTONIC, &now);
+  return static_cast<std::int64_t>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
+}
+
+SystemResult<std::string> PosixApi::GetModuleFileName() {
+  std::string path(PATH_MAX, '\0');
+  const ssize_t length = ::readlink("/proc/self/exe", path.data(), path.size());
+  if (length < 0) return LastError();
+  path.resize(static_cast<std::size_t>(length));
+  return path;
+}
+
+SystemError PosixApi::ReplaceProcess(const std::string& program, const std::vector<std::string>& arguments) {
+  std::vector<char*> pointers;
+  pointers.reserve(arguments.size() + 1);
+  for (const std::string& argument : arguments) pointers.push_back(const_cast<char*>(argument.c_str()));
+  pointers.push_back(nullptr);
+  return Outcome(::execv(program.c_str(), pointers.data()));
+}
+
+SystemResult<bool> PosixApi::PollProcess(Process child) {
+  const pid_t ended = ::waitpid(child, nullptr, WNOHANG);
+  if (ended < 0) return LastError();
+  return ended == 0;
+}
+
+SystemError PosixApi::TerminateProcess(Process process) {
+  // 0 and below would reach whole groups of processes.
+  return process > 0 ? Outcome(::kill(process, SIGTERM)) : SystemError{ESRCH};
+}
+
+bool PosixApi::ErrorOutputIsTerminal() {
+  return ::isatty(STDERR_FILENO) == 1;
+}
+
+int PosixApi::TerminalColumns() {
+  struct winsize size {};
+  if (::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) < 0 || size.ws_col == 0) return 80;
+  return size.ws_col;
+}
+
+SystemResult<std::size_t> PosixApi::WriteErrorOutput(const char* bytes, std::size_t count) {
+  return Transferred(::write(STDERR_FILENO, bytes, count));
+}
+
+SystemError PosixApi::CatchStopSignals() {
+  // Without the pipe the signals are still remembered.
+  if (g_stopPipe[0] < 0) static_cast<void>(::pipe2(g_stopPipe, O_CLOEXEC | O_NONBLOCK) < 0);
+  g_stopSignal = 0;
+  char earlier = 0;
+  while (g_stopPipe[0] >= 0 && ::read(g_stopPipe[0], &earlier, 1) > 0) continue;
+  struct sigaction action {};
+  action.sa_handler = RememberStopSignal;
+  ::sigemptyset(&action.sa_mask);
+  action.sa_flags = SA_RESTART;
+  for (const int signal : {SIGINT, SIGTERM}) {
+    if (const SystemError error = Outcome(::sigaction(signal, &action, nullptr))) return error;
+  }
+  // A run that is to outlive its terminal, as under nohup, is not stopped by the terminal's end.
+  struct sigaction present {};
+  if (const SystemError error = Outcome(::sigaction(SIGHUP, nullptr, &present))) return error;
+  return present.sa_handler == SIG_IGN ? SystemError{} : Outcome(::sigaction(SIGHUP, &action, nullptr));
+}
+
+int PosixApi::StopSignal() {
+  return g_stopSignal;
+}
+
+PosixApi::Handle PosixApi::StopSignalHandle() {
+  return g_stopPipe[0];
+}
+
+}  // namespace folioweld

@@ -1,0 +1,148 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/system_result.h"
+
+namespace folioweld {
+
+/// How `WindowsAPI::CreateFile` opens a path. Nothing here ever blocks on a pipe or a device, and nothing
+/// that is opened for writing is reached through a symbolic link in the last component of its path.
+enum class OpenMode {
+  ReadExisting,           ///< reading, existing files only
+  WriteKeep,              ///< writing, created when missing (mode 0666 less the umask), contents kept
+  ReadWriteExisting,      ///< reading and writing, existing files only
+  TruncateExisting,       ///< writing, existing files only, emptied by the open
+  CreateNewPrivate,       ///< writing, fails when the name exists, mode 0600
+  ReadWriteCreatePrivate  ///< reading and writing, created when missing with mode 0600
+};
+
+/// Which file it is, however many names lead to it.
+struct FileIdentity {
+  std::uint64_t Device = 0;
+  std::uint64_t File = 0;
+
+  friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
+};
+
+enum class FileKind { Regular, Directory, Link, Other };
+
+struct FileInformation {
+  FileKind Kind = FileKind::Other;
+  FileIdentity Identity;
+  std::int64_t Size = 0;          ///< bytes
+  std::int64_t WriteSeconds = 0;  ///< last write, seconds since the epoch
+  std::int64_t WriteNanoseconds = 0;
+  std::uint64_t Links = 1;  ///< how many names the file has
+  bool OwnerCanWrite = true;
+};
+
+/// A moment in the local time zone.
+struct LocalTime {
+  int Year = 0;   ///< full, as in 2026
+  int Month = 0;  ///< 1 to 12
+  int Day = 0;
+  int Hour = 0;
+  int Minute = 0;
+  int Second = 0;
+};
+
+/// The only place that talks to the operating system. Every call can be made to fail in a test by deriving
+/// from this class; `PosixApi` is the real one. Paths are the system's bytes. Calls are not retried here:
+/// an interrupted or short call is reported as it happened and its caller goes on.
+class WindowsAPI {
+ public:
+  /// A file descriptor; the caller closes it with `CloseHandle`.
+  using Handle = int;
+  /// An open folder listing; the caller closes it with `FindClose`.
+  using Search = void*;
+  /// A process id.
+  using Process = int;
+
+  WindowsAPI() = default;
+  WindowsAPI(const WindowsAPI&) = delete;
+  WindowsAPI& operator=(const WindowsAPI&) = delete;
+  virtual ~WindowsAPI() = default;
+
+  // Open files. Positions are 0-based byte offsets.
+  virtual SystemResult<Handle> CreateFile(const std::string& path, OpenMode mode) = 0;
+  /// May read less than asked for; 0 bytes means the end of the file.
+  virtual SystemResult<std::size_t> ReadFile(Handle file, std::int64_t offset, char* bytes,
+                                             std::size_t count) = 0;
+  /// May write less than asked for.
+  virtual SystemResult<std::size_t> WriteFile(Handle file, std::int64_t offset, const char* bytes,
+                                              std::size_t count) = 0;
+  /// Copies bytes from file to file inside the system, where it can; may copy less than asked for.
+  virtual SystemResult<std::size_t> CopyFileRange(Handle from, std::int64_t fromOffset, Handle to,
+                                                  std::int64_t toOffset, std::size_t count) = 0;
+  virtual SystemResult<FileInformation> GetFileInformationByHandle(Handle file) = 0;
+  virtual SystemError SetEndOfFile(Handle file, std::int64_t size) = 0;
+  virtual SystemError FlushFileBuffers(Handle file) = 0;
+  /// Waits until no other process holds the lock; closing the handle gives it back.
+  virtual SystemError LockFile(Handle file) = 0;
+  /// The same without waiting: EWOULDBLOCK when another process holds the lock.
+  virtual SystemError TryLockFile(Handle file) = 0;
+  /// The handle is gone afterwards, whatever the result.
+  virtual SystemError CloseHandle(Handle file) = 0;
+
+  // Paths.
+  /// What the path leads to, links followed.
+  virtual SystemResult<FileInformation> GetFileAttributes(const std::string& path) = 0;
+  /// What the name itself is; a link is reported as a link.
+  virtual SystemResult<FileInformation> GetLinkAttributes(const std::string& path) = 0;
+  /// Lets the owner write the file again; never follows a link.
+  virtual SystemError SetFileAttributesNormal(const std::string& path) = 0;
+  virtual SystemError DeleteFile(const std::string& path) = 0;
+  enum class Replace { No, Yes };
+  virtual SystemError MoveFile(const std::string& from, const std::string& to, Replace replace) = 0;
+  /// Makes a folder that only its owner can enter.
+  virtual SystemError CreateDirectory(const std::string& path) = 0;
+
+  // Folders.
+  virtual SystemResult<Search> FindFirstFile(const std::string& folder) = 0;
+  /// The next name ("." and ".." included), or nothing at the end.
+  virtual SystemResult<std::optional<std::string>> FindNextFile(Search search) = 0;
+  virtual void FindClose(Search search) = 0;
+  virtual SystemResult<std::string> GetCurrentDirectory() = 0;
+  virtual SystemError SetCurrentDirectory(const std::string& folder) = 0;
+
+  // The process and its surroundings.
+  virtual std::optional<std::string> GetEnvironmentVariable(const std::string& name) = 0;
+  virtual SystemResult<std::uint32_t> RandomNumber() = 0;
+  virtual SystemResult<LocalTime> FileTimeToLocalTime(std::int64_t seconds) = 0;
+  /// Monotonic.
+  virtual std::int64_t MillisecondsNow() = 0;
+  /// The full path of the running program.
+  virtual SystemResult<std::string> GetModuleFileName() = 0;
+  /// Becomes the other program; comes back only when that failed.
+  virtual SystemError ReplaceProcess(const std::string& program,
+                                     const std::vector<std::string>& arguments) = 0;
+  /// Whether a child process still runs. One that ended is taken leave of here, so that nothing of it stays
+  /// behind; asking about it again is an error.
+  virtual SystemResult<bool> PollProcess(Process child) = 0;
+  /// Asks a process to end, in the way that it may refuse or take its time over.
+  virtual SystemError TerminateProcess(Process process) = 0;
+
+  // The terminal. Standard output is never written.
+  virtual bool ErrorOutputIsTerminal() = 0;
+  /// Columns of the terminal, or 80 when they cannot be had.
+  virtual int TerminalColumns() = 0;
+  virtual SystemResult<std::size_t> WriteErrorOutput(const char* bytes, std::size_t count) = 0;
+  /// From now on SIGINT, SIGTERM and, unless it is ignored, SIGHUP are only remembered, see `StopSignal`.
+  virtual SystemError CatchStopSignals() = 0;
+  /// The stop signal that came last, 0 when none came.
+  virtual int StopSignal() = 0;
+  /// Becomes readable when a stop signal comes, for a program that waits instead of asking. It belongs to the
+  /// system and stays open; -1 before `CatchStopSignals`, or when none could be had.
+  virtual Handle StopSignalHandle() = 0;
+};
+
+/// The real system; it lives as long as the program.
+WindowsAPI& RealSystem();
+
+}  // namespace folioweld
