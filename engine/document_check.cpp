@@ -1,0 +1,170 @@
+// The acceptance test for input files.
+
+#include <algorithm>
+
+#include "engine/conversions.h"
+#include "engine/merge_job.h"
+#include "engine/pass_guard.h"
+
+namespace folioweld {
+
+using namespace Conversions;
+
+namespace {
+
+constexpr std::string_view kHeaderStart = "%PDF-";
+constexpr std::string_view kStartXref = "startxref";
+constexpr std::string_view kEndOfFile = "%%EOF";
+constexpr std::string_view kXref = "xref";
+constexpr std::int16_t kLineBuffer = 16;
+constexpr std::int16_t kLineTries = 1;
+constexpr std::int16_t kTailSize = 40;
+constexpr std::int32_t kShortestHeader = 8;
+constexpr std::int32_t kShortestSecondLine = 5;
+
+/// What the test found.
+struct Outline {
+  std::string Header;
+  std::string SecondLine;
+  std::int32_t XrefStart = -1;
+};
+
+/// Checks one file; a broken rule is raised.
+class OutlineCheck {
+ public:
+  OutlineCheck(FileModule& files, std::int16_t fileNumber, Outline& outline)
+      : files_(files), fileNumber_(fileNumber), outline_(outline) {}
+
+  void Run() {
+    CheckHeader();
+    CheckSecondLine();
+    CheckTail();
+    CheckXref();
+  }
+
+ private:
+  [[noreturn]] static void Refuse(std::int64_t offset, std::string rule) {
+    throw RuleBroken({0, -1, offset, std::move(rule)});
+  }
+
+  /// Reads a line's first 16 bytes; a longer line is told by them.
+  [[nodiscard]] std::string ReadLine(std::int32_t position, const char* what) {
+    std::string line;
+    const std::int32_t code =
+        files_.ReadLineFromRandomFile(fileNumber_, position, kLineBuffer, kLineTries, line, false);
+    if (code < 0 && code != kNoLineEnd) Refuse(position - 1, std::string(what) + " cannot be read");
+    return line;
+  }
+
+  void CheckHeader() {
+    outline_.Header = ReadLine(1, "the header line");
+    if (outline_.Header.substr(0, kHeaderStart.size()) != kHeaderStart) {
+      Refuse(0, "the file does not begin with \"%PDF-\"");
+    }
+    if (static_cast<std::int32_t>(outline_.Header.size()) < kShortestHeader) {
+      Refuse(0, "the header line is shorter than 8 characters");
+    }
+  }
+
+  void CheckSecondLine() {
+    const auto position = static_cast<std::int32_t>(outline_.Header.size()) + 1;
+    outline_.SecondLine = ReadLine(position, "the second line");
+    if (outline_.SecondLine.substr(0, 1) != "%" ||
+        static_cast<std::int32_t>(outline_.SecondLine.size()) < kShortestSecondLine) {
+      Refuse(position - 1, "the second line is no comment of at least 5 characters");
+    }
+  }
+
+  void CheckTail() {
+    const std::int32_t length = files_.FileLength(fileNumber_);
+    if (length < 0) Refuse(-1, "the file is too long or its length cannot be had");
+    if (length < kTailSize) Refuse(length, "the file is shorter than 40 bytes");
+    const std::int32_t tailOffset = length - kTailSize;
+    std::string tail;
+    if (files_.ReadBlock(fileNumber_, tailOffset + 1, kTailSize, tail) != kTailSize) {
+      Refuse(tailOffset, "the last 40 bytes cannot be read");
+    }
+    const std::size_t endOfFile = tail.find(kEndOfFile);
+    if (endOfFile == std::string::npos) Refuse(tailOffset, "no \"%%EOF\" stands in the last 40 bytes");
+    const std::size_t startXref = tail.find(kStartXref);
+    if (startXref == std::string::npos) Refuse(tailOffset, "no \"startxref\" stands in the last 40 bytes");
+    const std::size_t numberStart = startXref + kStartXref.size();
+    std::int16_t digits = 0;
+    // The first of each counts, so "%%EOF" can stand first: then there is nothing between them.
+    const std::string between =
+        endOfFile < numberStart ? "" : tail.substr(numberStart, endOfFile - numberStart);
+    xrefOffset_ = ParseLeadingNumber(between, digits);
+    if (digits == 0) {
+      Refuse(tailOffset + static_cast<std::int64_t>(startXref),
+             "no number stands between \"startxref\" and \"%%EOF\"");
+    }
+  }
+
+  void CheckXref() {
+    std::string bytes;
+    const auto wanted = static_cast<std::int16_t>(kXref.size() + 2);
+    const std::int16_t count = files_.ReadBlock(fileNumber_, CheckedAdd(xrefOffset_, 1), wanted, bytes);
+    if (count < 0) Refuse(xrefOffset_, "\"startxref\" leads beyond the end of the file");
+    if (bytes.substr(0, kXref.size()) != kXref) {
+      Refuse(xrefOffset_,
+             "\"startxref\" does not lead to a cross-reference table (\"xref\"); cross-reference "
+             "streams are not handled");
+    }
+    std::int32_t start = xrefOffset_ + static_cast<std::int32_t>(kXref.size());
+    // Each of the next two bytes may be a carriage return or a line feed, in any order.
+    for (std::size_t i = kXref.size(); i < bytes.size(); ++i) {
+      if (bytes[i] == '\r' || bytes[i] == '\n') start = CheckedAdd(start, 1);
+    }
+    outline_.XrefStart = start;
+  }
+
+  FileModule& files_;
+  std::int16_t fileNumber_;
+  Outline& outline_;
+  std::int32_t xrefOffset_ = -1;
+};
+
+}  // namespace
+
+void CheckDocumentStructure(MergeState& state, FileModule& files, std::int16_t fileNumber, std::int16_t slot,
+                            std::int32_t& result, PassFailure& why) {
+  const bool recorded = slot == 1 || slot == 2;
+  result = -1;
+  why = {};
+  Outline outline;
+  try {
+    OutlineCheck(files, fileNumber, outline).Run();
+    result = outline.XrefStart;
+  } catch (const RuleBroken& broken) {
+    why = broken.Failure();
+  } catch (const std::exception& error) {
+    why.Rule = error.what();
+  }
+  if (recorded) {
+    const bool accepted = result > 0;
+    why.DocumentSlot = accepted ? std::int16_t{0} : slot;
+    state.DocXrefStart(slot) = result;
+    state.DocHeader(slot) = accepted ? outline.Header + "\r" : std::string();
+    state.DocSecondLine(slot) = accepted ? outline.SecondLine + "\r\n" : std::string();
+  }
+}
+
+bool IsThisDocumentApdf(FileModule& files, const std::string& sFileSpecif, PassFailure* why) {
+  PassFailure reason;
+  std::int32_t result = -1;
+  const std::int16_t fileNumber =
+      sFileSpecif.empty() ? std::int16_t{-1} : files.OpenForBinaryRead(sFileSpecif);
+  if (sFileSpecif.empty()) {
+    reason.Rule = "no file is named";
+  } else if (fileNumber < 1) {
+    reason.Rule = "the file cannot be opened: " + files.LastError().Words();
+  } else {
+    MergeState untouched;
+    CheckDocumentStructure(untouched, files, fileNumber, -1, result, reason);
+    static_cast<void>(files.Close(fileNumber));
+  }
+  if (why != nullptr) *why = reason;
+  return result > 0;
+}
+
+}  // namespace folioweld

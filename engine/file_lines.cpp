@@ -1,0 +1,148 @@
+// The positioned reads of FileModule: lines and blocks.
+
+#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+
+#include "engine/activity_log.h"
+#include "engine/conversions.h"
+#include "engine/file_module.h"
+
+namespace folioweld {
+
+namespace {
+
+constexpr char kLogPrefix[] = "[ReadLineFromRandomFile]=>";
+
+bool IsLineEnd(char c) {
+  return c == '\r' || c == '\n';
+}
+
+/// The highest bit of every one of the eight bytes that is the repeated one, and of none before the first
+/// such.
+constexpr std::uint64_t MarksOf(std::uint64_t bytes, std::uint64_t repeated) {
+  const std::uint64_t difference = bytes ^ repeated;
+  return (difference - 0x0101010101010101U) & ~difference & 0x8080808080808080U;
+}
+
+std::size_t FindLineEnd(std::string_view bytes, std::size_t from) {
+  // Eight bytes at a look as long as none of them ends the line.
+  for (std::uint64_t eight = 0; from + sizeof eight <= bytes.size(); from += sizeof eight) {
+    std::memcpy(&eight, bytes.data() + from, sizeof eight);
+    const std::uint64_t marks = MarksOf(eight, 0x0D0D0D0D0D0D0D0DU) | MarksOf(eight, 0x0A0A0A0A0A0A0A0AU);
+    if (marks == 0) continue;
+    if constexpr (std::endian::native != std::endian::little) break;
+    return from + static_cast<std::size_t>(std::countr_zero(marks)) / 8;
+  }
+  while (from < bytes.size() && !IsLineEnd(bytes[from])) ++from;
+  return from;
+}
+
+std::size_t SkipLineEnds(std::string_view bytes) {
+  std::size_t first = 0;
+  while (first < bytes.size() && IsLineEnd(bytes[first])) ++first;
+  return first;
+}
+
+}  // namespace
+
+std::int32_t FileModule::CheckRead(std::int16_t fileNumber, std::int64_t position, std::int16_t count,
+                                   std::int32_t& available) const {
+  available = 0;
+  if (fileNumber < 0 || position < 0 || count < 1) return kBadArguments;
+  const std::int32_t length = FileLength(fileNumber);
+  if (length < 0) return kNoLength;
+  if (position > length) return kBeyondEnd;
+  if (position == 0) return kSeekFailed;
+  available = static_cast<std::int32_t>(std::min<std::int64_t>(count, length - position + 1));
+  return 0;
+}
+
+std::int32_t FileModule::ReadLineChunk(std::int16_t fileNumber, std::int32_t position,
+                                       std::int16_t bufferSize, std::string& line, std::int32_t& lineStart,
+                                       bool /*logging*/) {
+  line.clear();
+  lineStart = -1;
+  std::int32_t available = 0;
+  std::string_view bytes;
+  std::int32_t code = CheckRead(fileNumber, position, bufferSize, available);
+  if (code == 0) code = ViewBytes(fileNumber, position, available, bytes);
+  if (code < 0) return code;
+  const std::size_t first = SkipLineEnds(bytes);
+  const std::size_t end = FindLineEnd(bytes, first);
+  const std::int64_t start = position + static_cast<std::int64_t>(first);
+  // Behind the line ends at the end of the longest file there is no position any more.
+  if (start > std::numeric_limits<std::int32_t>::max()) return kBeyondEnd;
+  line.assign(bytes.substr(first, end - first));
+  lineStart = static_cast<std::int32_t>(start);
+  return end < bytes.size() ? lineStart : static_cast<std::int32_t>(kNoLineEnd);
+}
+
+std::int32_t FileModule::ContinueLine(std::int16_t fileNumber, std::int64_t position, std::int16_t bufferSize,
+                                      std::string& line) {
+  std::int32_t available = 0;
+  std::string_view bytes;
+  std::int32_t code = CheckRead(fileNumber, position, bufferSize, available);
+  if (code == 0) code = ViewBytes(fileNumber, position, available, bytes);
+  if (code < 0) return code;
+  const std::size_t end = FindLineEnd(bytes, 0);
+  line.append(bytes.substr(0, end));
+  return end < bytes.size() ? 0 : static_cast<std::int32_t>(kNoLineEnd);
+}
+
+std::int32_t FileModule::ReadLineFromRandomFile(std::int16_t fileNumber, std::int32_t position,
+                                                std::int16_t bufferSize, std::int16_t mostTries,
+                                                std::string& line, bool logging) {
+  std::int32_t lineStart = -1;
+  std::int16_t tries = 1;
+  std::int32_t code = ReadLineChunk(fileNumber, position, bufferSize, line, lineStart, logging);
+  const auto behindLine = [&] { return lineStart + static_cast<std::int64_t>(line.size()); };
+  while (code == kNoLineEnd && tries < mostTries) {
+    ++tries;
+    if (line.empty()) {
+      // Nothing but line ends so far: the line begins somewhere behind them.
+      code = ReadLineChunk(fileNumber, lineStart, bufferSize, line, lineStart, logging);
+    } else {
+      code = ContinueLine(fileNumber, behindLine(), bufferSize, line);
+    }
+  }
+  if (code == kNoLineEnd && !line.empty()) {
+    // A line that fills the last buffer to its border is complete when its end stands right behind it.
+    std::string none;
+    if (ContinueLine(fileNumber, behindLine(), 1, none) == 0) code = 0;
+  }
+  if (logging && tries >= 2) LogRetries(bufferSize, tries, code);
+  if (code >= 0) return lineStart;
+  if (code != kNoLineEnd) line.clear();
+  return code;
+}
+
+void FileModule::LogRetries(std::int16_t bufferSize, std::int16_t tries, std::int32_t code) {
+  const std::int32_t grown = std::int32_t{tries} * bufferSize;
+  if (log_ == nullptr || grown > std::numeric_limits<std::int16_t>::max()) return;
+  if (code >= 0) {
+    log_->AddLogLine(kLogPrefix +
+                     ("*** Warning! *** Buffer size had to be increased from " + std::to_string(bufferSize) +
+                      " to " + std::to_string(grown) + " *** Warning! <="));
+  } else if (code == kNoLineEnd) {
+    log_->AddLogLine(kLogPrefix +
+                     ("***** WARNING!!! ***** Buffer size remained too small although I retried " +
+                      std::to_string(tries) + " times ***** WARNING!!! <="));
+  }
+}
+
+std::int16_t FileModule::ReadBlock(std::int16_t fileNumber, std::int32_t position, std::int16_t count,
+                                   std::string& bytes) {
+  bytes.clear();
+  std::int32_t available = 0;
+  std::string_view view;
+  std::int32_t code = CheckRead(fileNumber, position, count, available);
+  if (code == 0) code = ViewBytes(fileNumber, position, available, view);
+  if (code < 0) return static_cast<std::int16_t>(code);
+  bytes.assign(view);
+  return static_cast<std::int16_t>(available);
+}
+
+}  // namespace folioweld

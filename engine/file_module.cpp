@@ -1,0 +1,192 @@
+#include "engine/file_module.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <limits>
+#include <optional>
+#include <utility>
+
+#include "engine/input_buffer.h"
+#include "engine/output_buffer.h"
+#include "platform/retry.h"
+
+namespace folioweld {
+
+struct FileModule::OpenFile {
+  WindowsAPI::Handle Handle = -1;
+  FileInformation Information;  ///< as it was when opened
+  std::optional<InputBuffer> Input;
+  std::optional<OutputBuffer> Output;
+};
+
+FileModule::FileModule(WindowsAPI& system) : system_(system) {}
+
+FileModule::~FileModule() {
+  for (std::size_t i = 0; i < files_.size(); ++i) Close(static_cast<std::int16_t>(i + 1));
+}
+
+std::int16_t FileModule::OpenForBinaryRead(const std::string& path) {
+  const auto handle = RetryInterrupted([&] { return system_.CreateFile(path, OpenMode::ReadExisting); });
+  if (!handle.Ok()) return Refuse(-1, handle.Error());
+  const auto information = system_.GetFileInformationByHandle(handle.Value());
+  if (!information.Ok()) return Refuse(handle.Value(), information.Error());
+  if (information.Value().Kind == FileKind::Directory) return Refuse(handle.Value(), SystemError{EISDIR});
+  if (information.Value().Kind != FileKind::Regular) return Refuse(handle.Value(), SystemError{EINVAL});
+  auto file = std::make_unique<OpenFile>();
+  file->Handle = handle.Value();
+  file->Information = information.Value();
+  file->Input.emplace(system_, file->Handle, file->Information.Size);
+  return Store(std::move(file));
+}
+
+std::int16_t FileModule::OpenForBinaryWrite(const std::string& path) {
+  const auto handle = RetryInterrupted([&] { return system_.CreateFile(path, OpenMode::WriteKeep); });
+  if (!handle.Ok()) return Refuse(-1, handle.Error());
+  const auto information = system_.GetFileInformationByHandle(handle.Value());
+  if (!information.Ok()) {
+    RemoveEmpty(path);
+    return Refuse(handle.Value(), information.Error());
+  }
+  if (information.Value().Kind != FileKind::Regular) return Refuse(handle.Value(), SystemError{EINVAL});
+  if (IsOpenInput(information.Value().Identity)) return Refuse(handle.Value(), SystemError{EBUSY});
+  // Two programs that write one output would leave a mixture of both. Where files cannot be locked at all,
+  // there is nothing that could be done.
+  const SystemError lock = RetryInterrupted([&] { return system_.TryLockFile(handle.Value()); });
+  if (lock.Code == EWOULDBLOCK) return Refuse(handle.Value(), SystemError{EBUSY});
+  // Emptied only now that it is known not to be an input, and only when there is something to empty: a file
+  // system may take any cut to nothing for the start of a replacement and write it to the disk when it is
+  // closed.
+  const SystemError error = information.Value().Size == 0
+                                ? SystemError{}
+                                : RetryInterrupted([&] { return system_.SetEndOfFile(handle.Value(), 0); });
+  if (error) return Refuse(handle.Value(), error);
+  auto file = std::make_unique<OpenFile>();
+  file->Handle = handle.Value();
+  file->Information = information.Value();
+  file->Output.emplace(system_, file->Handle);
+  return Store(std::move(file));
+}
+
+bool FileModule::Close(std::int16_t fileNumber) {
+  OpenFile* const file = Find(fileNumber);
+  if (file == nullptr) return fileNumber < 1;
+  const SystemError flushError = file->Output ? file->Output->Flush() : SystemError{};
+  const SystemError closeError = system_.CloseHandle(file->Handle);
+  files_[static_cast<std::size_t>(fileNumber) - 1].reset();
+  if (flushError) return Fail(flushError);
+  if (closeError) return Fail(closeError);
+  return true;
+}
+
+void FileModule::Abandon(std::int16_t fileNumber, const std::string& path, bool& stillNamed) {
+  stillNamed = false;
+  OpenFile* const file = Find(fileNumber);
+  if (file == nullptr) return;
+  stillNamed = IsNamed(fileNumber, path);
+  // Best effort: the deletion that follows reports what remains.
+  static_cast<void>(RetryInterrupted([&] { return system_.SetEndOfFile(file->Handle, 0); }));
+  static_cast<void>(system_.CloseHandle(file->Handle));
+  files_[static_cast<std::size_t>(fileNumber) - 1].reset();
+}
+
+bool FileModule::IsNamed(std::int16_t fileNumber, const std::string& path) {
+  const OpenFile* const file = Find(fileNumber);
+  const auto named = system_.GetLinkAttributes(path);
+  if (!named.Ok()) return Fail(named.Error());
+  return file != nullptr && named.Value().Identity == file->Information.Identity;
+}
+
+std::int32_t FileModule::FileLength(std::int16_t fileNumber) const {
+  const OpenFile* const file = Find(fileNumber);
+  if (file == nullptr || file->Information.Size > std::numeric_limits<std::int32_t>::max()) return kNoLength;
+  return static_cast<std::int32_t>(file->Information.Size);
+}
+
+bool FileModule::InputIsUnchanged(std::int16_t fileNumber) {
+  const OpenFile* const file = Find(fileNumber);
+  if (file == nullptr) return false;
+  const auto now = system_.GetFileInformationByHandle(file->Handle);
+  if (!now.Ok()) return Fail(now.Error());
+  return now.Value().Size == file->Information.Size &&
+         now.Value().WriteSeconds == file->Information.WriteSeconds &&
+         now.Value().WriteNanoseconds == file->Information.WriteNanoseconds;
+}
+
+bool FileModule::WriteAt(std::int16_t fileNumber, std::string_view text, std::int32_t offset) {
+  OpenFile* const file = Find(fileNumber);
+  if (file == nullptr || !file->Output || offset < 0) return Fail(SystemError{EBADF});
+  const SystemError error = file->Output->Write(offset, text);
+  return !error || Fail(error);
+}
+
+bool FileModule::CopyBlock(std::int16_t inputNumber, std::int32_t inputOffset, std::int16_t outputNumber,
+                           std::int32_t outputOffset, std::int32_t count) {
+  OpenFile* const input = Find(inputNumber);
+  OpenFile* const output = Find(outputNumber);
+  if (input == nullptr || !input->Input || output == nullptr || !output->Output)
+    return Fail(SystemError{EBADF});
+  if (inputOffset < 0 || outputOffset < 0 || count < 1) return Fail(SystemError{EINVAL});
+  if (inputOffset + std::int64_t{count} > input->Information.Size) return Fail(SystemError{EIO});
+  const SystemError error =
+      output->Output->Copy(outputOffset, *input->Input, input->Handle, inputOffset, count);
+  return !error || Fail(error);
+}
+
+bool FileModule::Flush(std::int16_t fileNumber) {
+  OpenFile* const file = Find(fileNumber);
+  if (file == nullptr || !file->Output) return Fail(SystemError{EBADF});
+  const SystemError error = file->Output->Flush();
+  return !error || Fail(error);
+}
+
+std::int32_t FileModule::ViewBytes(std::int16_t fileNumber, std::int64_t position, std::int32_t count,
+                                   std::string_view& bytes) {
+  OpenFile* const file = Find(fileNumber);
+  if (file == nullptr || !file->Input) return kReadFailed;
+  const auto view = file->Input->View(position - 1, count);
+  if (!view.Ok()) {
+    lastError_ = view.Error();
+    return kReadFailed;
+  }
+  bytes = view.Value();
+  return 0;
+}
+
+FileModule::OpenFile* FileModule::Find(std::int16_t fileNumber) const {
+  if (fileNumber < 1 || static_cast<std::size_t>(fileNumber) > files_.size()) return nullptr;
+  return files_[static_cast<std::size_t>(fileNumber) - 1].get();
+}
+
+std::int16_t FileModule::Store(std::unique_ptr<OpenFile> file) {
+  auto place = std::find(files_.begin(), files_.end(), nullptr);
+  if (place == files_.end()) place = files_.insert(files_.end(), nullptr);
+  *place = std::move(file);
+  return static_cast<std::int16_t>(place - files_.begin() + 1);
+}
+
+std::int16_t FileModule::Refuse(WindowsAPI::Handle handle, SystemError error) {
+  // Closing cannot lose anything here: nothing was written.
+  if (handle >= 0) static_cast<void>(system_.CloseHandle(handle));
+  lastError_ = error;
+  return -1;
+}
+
+/// Takes back a file that an open has just made, as far as that can be told.
+void FileModule::RemoveEmpty(const std::string& path) {
+  const auto made = system_.GetLinkAttributes(path);
+  if (!made.Ok() || made.Value().Kind != FileKind::Regular || made.Value().Size > 0) return;
+  static_cast<void>(system_.DeleteFile(path));
+}
+
+bool FileModule::Fail(SystemError error) {
+  lastError_ = error;
+  return false;
+}
+
+bool FileModule::IsOpenInput(const FileIdentity& identity) const {
+  return std::any_of(files_.begin(), files_.end(), [&](const std::unique_ptr<OpenFile>& file) {
+    return file && file->Input && file->Information.Identity == identity;
+  });
+}
+
+}  // namespace folioweld

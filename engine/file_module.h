@@ -1,0 +1,145 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/windows_api.h"
+
+namespace folioweld {
+
+class ActivityLog;
+
+/// Result codes of the positioned reads.
+enum FileReadCode : std::int32_t {
+  kBeyondEnd = -1,     ///< the position lies beyond the end of the file
+  kNoLineEnd = -2,     ///< no line end within the bytes read
+  kBadArguments = -3,  ///< negative handle, negative position, or a size below 1
+  kNoLength = -4,      ///< the file's length could not be had, or is above 2,147,483,647
+  kSeekFailed = -5,
+  kReadFailed = -6
+};
+
+/// Open files by number, positioned reads of lines and blocks, gathered writes, and a few whole-file
+/// operations. Nothing here raises an error or shows a message: every failure is a code or false, and
+/// `LastError` has the system's own words for it.
+///
+/// File numbers are 1 and up; a file belongs to whoever opened it until `Close`. A position is 1-based (the
+/// first byte of a file is position 1), an offset is 0-based. Under the callers' block sizes lies a buffer
+/// per file, so that a read or write near the last one costs a copy and no system call; a whole file is
+/// never loaded.
+class FileModule {
+ public:
+  explicit FileModule(WindowsAPI& system);
+  FileModule(const FileModule&) = delete;
+  FileModule& operator=(const FileModule&) = delete;
+  /// Closes what is still open, as it stands.
+  ~FileModule();
+
+  // Open files.
+
+  /// Opens a regular file for reading and remembers its length. -1 when it cannot be opened.
+  [[nodiscard]] std::int16_t OpenForBinaryRead(const std::string& path);
+
+  /// Opens a regular file for writing, created when missing and emptied otherwise. -1, with the file as it
+  /// was, when it cannot be opened, is reached through a link or is the file behind one of the file numbers
+  /// that are open for reading, under whatever name. EBUSY when another program is writing it.
+  [[nodiscard]] std::int16_t OpenForBinaryWrite(const std::string& path);
+
+  /// Writes out what is gathered and closes. False when the last bytes could not be written or the system
+  /// reports an error for the close; the number is free afterwards in any case. A number below 1 is no error.
+  bool Close(std::int16_t fileNumber);
+
+  /// Gives an output up: what was written is emptied again and what is gathered is forgotten. The number is
+  /// free afterwards. Whether the path still named that very file just before is told in `stillNamed`, so
+  /// that a file that took its place is not deleted in its stead.
+  void Abandon(std::int16_t fileNumber, const std::string& path, bool& stillNamed);
+
+  /// Whether the path names that very open file; false also when that cannot be told.
+  [[nodiscard]] bool IsNamed(std::int16_t fileNumber, const std::string& path);
+
+  /// The length remembered when the file was opened, or a negative code.
+  [[nodiscard]] std::int32_t FileLength(std::int16_t fileNumber) const;
+
+  /// Whether an open input still has the length and the time of the last write that it had when opened.
+  [[nodiscard]] bool InputIsUnchanged(std::int16_t fileNumber);
+
+  /// Takes over the text for the given offset of an output; false when the file is not open for writing or
+  /// bytes gathered before could not be written.
+  [[nodiscard]] bool WriteAt(std::int16_t fileNumber, std::string_view text, std::int32_t offset);
+
+  /// Takes over a block of an input for the given offset of an output. Blocks that follow each other in
+  /// both files are gathered and copied together, at the latest by `Flush` or `Close`, so a failed read or
+  /// write may show at a later call.
+  [[nodiscard]] bool CopyBlock(std::int16_t inputNumber, std::int32_t inputOffset, std::int16_t outputNumber,
+                               std::int32_t outputOffset, std::int32_t count);
+
+  /// Writes out everything gathered.
+  [[nodiscard]] bool Flush(std::int16_t fileNumber);
+
+  // Positioned reads. On every negative code the line or block is emptied, but for `kNoLineEnd` of
+  // `ReadLineFromRandomFile` and `ReadLineChunk`, which give the bytes gathered.
+
+  /// One buffer's worth: the line that begins at or, behind line ends, after the position, without its line
+  /// end. Returns its start (also in `lineStart`), or a code with `lineStart` -1. With `kNoLineEnd` the start
+  /// is still given; where all bytes were line ends, it is the position behind them.
+  std::int32_t ReadLineChunk(std::int16_t fileNumber, std::int32_t position, std::int16_t bufferSize,
+                             std::string& line, std::int32_t& lineStart, bool logging);
+
+  /// A line of up to `bufferSize` x `mostTries` bytes. Returns the position of its first character, or a
+  /// code; `kNoLineEnd` when it is still incomplete after the last try.
+  std::int32_t ReadLineFromRandomFile(std::int16_t fileNumber, std::int32_t position, std::int16_t bufferSize,
+                                      std::int16_t mostTries, std::string& line, bool logging);
+
+  /// Up to `count` bytes, every value kept. Returns how many, fewer only at the end of the file, or a code.
+  std::int16_t ReadBlock(std::int16_t fileNumber, std::int32_t position, std::int16_t count,
+                         std::string& bytes);
+
+  // Whole files.
+
+  /// The path can be opened for reading and is no folder.
+  [[nodiscard]] bool FileExists(const std::string& path);
+  /// Removes the name, of a read-only file too, or empties the file when it cannot be removed; never follows
+  /// a link, and a file with further names keeps its mode and its contents. No result: ask `FileExists` where
+  /// it matters.
+  void DeleteFile(const std::string& path);
+  /// Empties an existing file; true when that worked.
+  bool TruncateFile(const std::string& path);
+  /// Sets the end of an existing file.
+  [[nodiscard]] bool SetFileSize(const std::string& path, std::int32_t size);
+
+  // What else the callers ask about files.
+
+  /// The system's error of the last failed operation.
+  [[nodiscard]] SystemError LastError() const { return lastError_; }
+  [[nodiscard]] WindowsAPI& System() { return system_; }
+
+  /// Where the line reader's warnings go; may be null.
+  void SetLog(ActivityLog* log) { log_ = log; }
+
+ private:
+  struct OpenFile;
+
+  OpenFile* Find(std::int16_t fileNumber) const;
+  std::int16_t Store(std::unique_ptr<OpenFile> file);
+  std::int16_t Refuse(WindowsAPI::Handle handle, SystemError error);
+  void RemoveEmpty(const std::string& path);
+  bool Fail(SystemError error);
+  [[nodiscard]] bool IsOpenInput(const FileIdentity& identity) const;
+  std::int32_t CheckRead(std::int16_t fileNumber, std::int64_t position, std::int16_t count,
+                         std::int32_t& available) const;
+  std::int32_t ViewBytes(std::int16_t fileNumber, std::int64_t position, std::int32_t count,
+                         std::string_view& bytes);
+  std::int32_t ContinueLine(std::int16_t fileNumber, std::int64_t position, std::int16_t bufferSize,
+                            std::string& line);
+  void LogRetries(std::int16_t bufferSize, std::int16_t tries, std::int32_t code);
+
+  WindowsAPI& system_;
+  ActivityLog* log_ = nullptr;
+  SystemError lastError_;
+  std::vector<std::unique_ptr<OpenFile>> files_;
+};
+
+}  // namespace folioweld

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <string>
+
+#include "engine/file_module.h"
+
+namespace folioweld {
+
+/// Walks the lines of an open file, empty ones left out. Lines of up to 100,000 bytes are read whole.
+class LineCursor {
+ public:
+  static constexpr std::int16_t kBufferSize = 1000;
+  static constexpr std::int16_t kMostTries = 100;
+
+  /// `position` is 1-based.
+  LineCursor(FileModule& files, std::int16_t fileNumber, std::int32_t position)
+      : files_(files), fileNumber_(fileNumber), next_(position) {}
+
+  /// Reads the next line into `Line`; false at the end of the file, for a line that is too long and on
+  /// errors.
+  [[nodiscard]] bool Next() {
+    code_ = files_.ReadLineFromRandomFile(fileNumber_, next_, kBufferSize, kMostTries, Line, false);
+    if (code_ < 1) return false;
+    // Behind the last byte of the longest readable file there is no position to go to.
+    next_ =
+        static_cast<std::int32_t>(std::min(std::int64_t{code_} + static_cast<std::int64_t>(Line.size()) + 1,
+                                           std::int64_t{std::numeric_limits<std::int32_t>::max()}));
+    return true;
+  }
+
+  /// Goes on at another 1-based position, with the memory that the last line took.
+  void GoTo(std::int32_t position) {
+    next_ = position;
+    code_ = 0;
+  }
+
+  /// 0-based offset of the line's first byte, or of where a failed read began.
+  [[nodiscard]] std::int32_t Offset() const { return (code_ < 1 ? next_ : code_) - 1; }
+
+  /// Why the last read failed, in words.
+  [[nodiscard]] std::string Problem() const {
+    if (code_ == kBeyondEnd) return "the file ends here";
+    if (code_ == kNoLineEnd) return "a line is longer than 100000 bytes or has no end";
+    return "the file cannot be read: " + files_.LastError().Words();
+  }
+
+  std::string Line;
+
+ private:
+  FileModule& files_;
+  std::int16_t fileNumber_;
+  std::int32_t next_;
+  std::int32_t code_ = 0;
+};
+
+}  // namespace folioweld

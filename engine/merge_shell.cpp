@@ -1,0 +1,38 @@
+#include "engine/merge_shell.h"
+
+#include <utility>
+
+namespace folioweld {
+
+const std::string& MergeShell::StatusText(int line) const {
+  return statusTexts_.at(static_cast<std::size_t>(line));
+}
+
+void MergeShell::SetStatusText(int line, std::string text) {
+  if (text.size() > kLongestStatusText) text.erase(0, text.size() - kLongestStatusText);
+  statusTexts_.at(static_cast<std::size_t>(line)) = std::move(text);
+  StatusTextChanged(line);
+}
+
+void MergeShell::AppendStatusText(int line, const std::string& text) {
+  SetStatusText(line, StatusText(line) + text);
+}
+
+void MergeShell::ShowMessage(MessageIcon /*icon*/, const std::string& /*title*/,
+                             const std::string& /*text*/) {}
+
+std::string MergeShell::AskForOutputFile(const OutputQuestion& /*question*/) {
+  return {};
+}
+
+std::string MergeShell::BrowseForFolder(const std::string& /*title*/, const std::string& /*initialFolder*/) {
+  return {};
+}
+
+void MergeShell::ShowOutput(const std::string& /*path*/) {}
+
+void MergeShell::Notice(const std::string& /*line*/) {}
+
+void MergeShell::StatusTextChanged(int /*line*/) {}
+
+}  // namespace folioweld

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace folioweld {
+
+/// The icon of a message box, and with it the weight of the message.
+enum class MessageIcon { Exclamation, Critical, Plain };
+
+/// A save dialog's question.
+struct OutputQuestion {
+  std::string Title;
+  std::string DefaultExtension;
+  std::string Filter;
+  std::string InitialName;
+};
+
+/// What a running job shows and asks. The base class keeps the status lines and does nothing else, so that
+/// a job runs without anybody watching. The window, the windowless run and the tests implement it. Every
+/// call is made on the one thread of the program.
+class MergeShell {
+ public:
+  MergeShell() = default;
+  MergeShell(const MergeShell&) = delete;
+  MergeShell& operator=(const MergeShell&) = delete;
+  virtual ~MergeShell() = default;
+
+  /// Lets pending events be handled; a cancel becomes visible in `MergeState::AbortRequested` here. Called
+  /// for every line read, so it has to be cheap when there is nothing to do.
+  virtual void Yield() {}
+
+  /// A status line that grows beyond this many bytes loses its beginning: it gets longer with every section
+  /// of a document, and a hundred thousand of them would cost the square of their number.
+  static constexpr std::size_t kLongestStatusText = 8192;
+
+  /// The status lines (`txtDoing`): 0 = first input, 1 = second input, 2 = output.
+  [[nodiscard]] const std::string& StatusText(int line) const;
+  void SetStatusText(int line, std::string text);
+  void AppendStatusText(int line, const std::string& text);
+
+  /// The file names changed.
+  virtual void RefreshControls() {}
+  /// Locks the two input-picking buttons while the inputs are opened.
+  virtual void DisableInputPicking() {}
+  /// "CANCEL (abort)", hourglass, Go locked.
+  virtual void EnterRunningState() {}
+  /// "Exit", ordinary pointer, Go and the input-picking buttons unlocked.
+  virtual void LeaveRunningState() {}
+
+  /// A message box; comes back when it was answered.
+  virtual void ShowMessage(MessageIcon icon, const std::string& title, const std::string& text);
+  /// A save dialog; empty = cancelled.
+  virtual std::string AskForOutputFile(const OutputQuestion& question);
+  /// A folder picker; empty = cancelled.
+  virtual std::string BrowseForFolder(const std::string& title, const std::string& initialFolder);
+  /// Shows the finished output and waits for it as the user chose.
+  virtual void ShowOutput(const std::string& path);
+
+  /// A line about a refused document or a failed merge, whether or not the log is shown.
+  virtual void Notice(const std::string& line);
+
+ protected:
+  /// A status line changed.
+  virtual void StatusTextChanged(int line);
+
+ private:
+  std::array<std::string, 3> statusTexts_;
+};
+
+}  // namespace folioweld

@@ -1,0 +1,120 @@
+#include "engine/merge_state.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "engine/conversions.h"
+
+namespace folioweld {
+
+namespace {
+
+/// The number after "%PDF-", read as far as it is one, as whole and fractional digits: 1.10 is 1.1.
+double VersionOf(const std::string& header) {
+  if (header.size() <= 5) return 0;
+  return Conversions::LenientNumber(std::string_view(header).substr(5));
+}
+
+void ChooseOutputHeader(MergeState& state) {
+  std::string header;
+  std::string secondLine;
+  if (state.DocUsed(2) && VersionOf(state.DocHeader(2)) > VersionOf(state.DocHeader(1))) {
+    header = state.DocHeader(2);
+    secondLine = state.DocSecondLine(2);
+  } else if (state.DocUsed(1) || state.DocUsed(2)) {
+    header = state.DocHeader(1);
+    secondLine = state.DocSecondLine(1);
+  }
+  state.DocHeader(3) = Conversions::TrimRightSet(header, Conversions::kWhiteSpace);
+  state.DocHeader(3) += '\r';
+  state.DocSecondLine(3) = Conversions::TrimRightSet(secondLine, Conversions::kWhiteSpace);
+  state.DocSecondLine(3) += "\r\n";
+}
+
+void ResetSectionTables(MergeState& state) {
+  for (auto* table :
+       {&state.TrailerEntry, &state.TrailerFirstLine, &state.TrailerLastLine, &state.TrailerSize,
+        &state.TrailerRoot, &state.TrailerInfo, &state.TrailerPrev, &state.TrailerEncrypt}) {
+    table->Reset();
+  }
+  state.TrailerId.Reset();
+}
+
+void ResetNames(MergeState& state) {
+  state.NameEntries.Reset(1);
+  state.NameEntryCount = 0;
+  state.DictionaryTexts.Reset();
+}
+
+void ResetObjects(MergeState& state) {
+  state.ObjLines.Reset(1);
+  state.ObjLineCount = 0;
+  state.ObjLineLast = -1;
+  state.Objects.Reset(1);
+}
+
+void ResetTrailerLines(MergeState& state) {
+  state.PageKids.Reset(1);
+  state.PageKidsExtra.Reset(1);
+  state.PageKidsCount = 0;
+  state.PageKidsLast = -1;
+  state.OutputTrailerText.clear();
+}
+
+}  // namespace
+
+MergeState::MergeState() {
+  for (std::int32_t slot = 1; slot <= 3; ++slot) {
+    DocFileNumber(slot) = -1;
+    DocXrefStart(slot) = -1;
+    DocRootNumber(slot) = -1;
+    DocInfoNumber(slot) = -1;
+  }
+}
+
+void ResetMergeState(MergeState& state) {
+  state.MergeStatus = 2;
+  state.Failure = {};
+  ChooseOutputHeader(state);
+  ResetNames(state);
+  ResetSectionTables(state);
+  for (std::int32_t slot = 1; slot <= 3; ++slot) {
+    state.DocXrefCount(slot) = 0;
+    state.DocObjectCount(slot) = 0;
+    state.DocRootNumber(slot) = -1;
+    state.DocInfoNumber(slot) = -1;
+  }
+  state.DocEncrypted(1) = false;
+  state.DocEncrypted(2) = false;
+  state.ObjectsInDoc1 = 0;
+  state.ObjectsInDoc2 = 0;
+  state.ObjectsTotal = 0;
+  ResetObjects(state);
+  ResetTrailerLines(state);
+  state.MissingLengths.Reset(1);
+  state.MissingLengthCount = 0;
+  state.DictDepth = 0;
+}
+
+std::int32_t TableIndexOf(const MergeState& state, std::int32_t objectNumber, std::int32_t slot) {
+  switch (slot) {
+    case 1:
+      return objectNumber;
+    case 2:
+      return CheckedAdd(objectNumber, state.DocObjectCount(1));
+    case 3:
+      return CheckedAdd(objectNumber, CheckedAdd(state.DocObjectCount(1), state.DocObjectCount(2)));
+    default:
+      return 0;
+  }
+}
+
+std::int32_t AppendObjLine(MergeState& state, std::string line) {
+  const std::int32_t index = state.ObjLineCount;
+  if (index > state.ObjLines.UpperBound()) state.ObjLines.Grow(CheckedAdd(index, 63));
+  state.ObjLines[index] = std::move(line);
+  state.ObjLineCount = index + 1;
+  return index;
+}
+
+}  // namespace folioweld

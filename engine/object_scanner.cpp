@@ -1,0 +1,312 @@
+// Pass #2 of an input: PdfReader::ScanObjects.
+
+#include <algorithm>
+#include <utility>
+
+#include "engine/conversions.h"
+#include "engine/line_cursor.h"
+#include "engine/pass_guard.h"
+#include "engine/pdf_reader.h"
+#include "engine/pdf_scanner.h"
+
+namespace folioweld {
+
+using namespace Conversions;
+
+namespace {
+
+constexpr std::string_view kStream = "stream";
+constexpr std::string_view kEndObject = "endobj";
+/// The generation that marks a free slot.
+constexpr std::int32_t kFreeGeneration = 65535;
+/// Objects between two changes of the status line.
+constexpr std::int32_t kObjectsPerCaption = 100;
+/// An arbitrary fixed number that marks the filler object in the second input's slot 0.
+constexpr char kFillerValue[] = "19540716";
+/// Objects stand beside each other in a file, so their texts cannot be much longer than the file; only
+/// objects that run into each other again and again can, and those would cost the square of its length.
+constexpr std::int64_t kTextAllowance = 16 * 1024 * 1024;
+constexpr std::int64_t kTextPerByte = 4;
+
+constexpr std::size_t kShareForLongerNumbers = 8;
+
+bool EndsWith(std::string_view text, std::string_view end) {
+  return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+}
+
+/// The text of one object as gathered from its lines.
+struct ObjectText {
+  std::string Text;                 ///< from the header to the closing keyword
+  std::int32_t KeywordOffset = -1;  ///< 0-based file offset of the last "stream" of the last line; -1 = none
+  bool HasStream = false;
+};
+
+/// Reads one object after the other; a broken rule is raised.
+class ObjectScan {
+ public:
+  ObjectScan(MergeState& state, FileModule& files, MergeShell& shell, PdfReader& reader, std::int16_t slot)
+      : state_(state),
+        files_(files),
+        shell_(shell),
+        reader_(reader),
+        slot_(slot),
+        fileNumber_(state.DocFileNumber(slot)),
+        start_(slot == 2 ? state.DocObjectCount(1) : 0),
+        textLeft_(kTextAllowance + kTextPerByte * files.FileLength(fileNumber_)),
+        captionPrefix_(shell.StatusText(slot - 1)),
+        lines_(files, fileNumber_, 1) {}
+
+  void Run() {
+    if (slot_ == 2) state_.ObjLineLast = state_.ObjLineCount;
+    const std::int32_t end = CheckedAdd(start_, state_.DocObjectCount(slot_)) - 1;
+    std::int32_t countdown = 1;
+    for (std::int32_t i = start_; i <= end; ++i) {
+      if (--countdown == 0) {
+        ShowProgress(i, end);
+        countdown = kObjectsPerCaption;
+      }
+      shell_.Yield();
+      number_ = i - start_;
+      offset_ = -1;
+      if (state_.AbortRequested) Fail(kCancelled);
+      DescribeOrFail(i);
+    }
+    ShowProgress(end, end);
+  }
+
+ private:
+  [[noreturn]] void Fail(std::string rule) { throw RuleBroken({slot_, number_, offset_, std::move(rule)}); }
+
+  /// One "+" for every tenth that is done, the percentage, and the index.
+  void ShowProgress(std::int32_t index, std::int32_t end) {
+    const std::int64_t total = std::int64_t{end} - start_ + 1;
+    const std::int64_t done = index == end ? total : index - start_;
+    const std::int64_t percent = total > 0 ? done * 100 / total : 100;
+    shell_.SetStatusText(slot_ - 1, captionPrefix_ +
+                                        std::string(static_cast<std::size_t>(percent / 10), '+') + " " +
+                                        std::to_string(percent) + "% (" + std::to_string(index) + ")");
+  }
+
+  /// An overflow or an index outside a table is told with the object that it was met in, too.
+  void DescribeOrFail(std::int32_t index) {
+    try {
+      DescribeSlot(index);
+    } catch (const IndexError& error) {
+      Fail(error.what());
+    } catch (const OverflowError& error) {
+      Fail(error.what());
+    }
+  }
+
+  void DescribeSlot(std::int32_t index) {
+    const ObjectEntry& entry = state_.Objects[index];
+    if (entry.ObjNumber != number_ || entry.ObjState != kListed) {
+      Fail("no cross-reference section of the document lists the object");
+    }
+    if (entry.Generation != kFreeGeneration) {
+      DescribeObject(index);
+    } else if (slot_ == 2 && index == start_) {
+      MakeFiller(index);
+    } else {
+      state_.Objects[index].ObjState = kNoObject;
+    }
+  }
+
+  /// The second input's object 0 stands in the middle of the joined numbering, where a real object has to be.
+  void MakeFiller(std::int32_t index) {
+    const std::int32_t first = AppendObjLine(state_, std::string("0") + " 0 obj" + "\r");
+    const std::int32_t last = AppendObjLine(state_, std::string(kFillerValue) + "\r");
+    ObjectEntry& entry = state_.Objects[index];
+    entry.FirstLine = first;
+    entry.LastLine = last;
+    entry.ObjState = kWithoutStream;
+    entry.ValueText = kFillerValue;
+    entry.Generation = 0;
+    entry.EntryType = 'n';
+  }
+
+  void DescribeObject(std::int32_t index) {
+    offset_ = state_.Objects[index].OutOffset;
+    ObjectText& object = object_;
+    object.Text.clear();
+    GatherText(index, object);
+    std::int32_t generation = -1;
+    const std::int32_t behind = ParseObjectHeader(object.Text, 1, number_, generation);
+    if (behind < 1) {
+      Fail("the object does not begin with its header \"" + std::to_string(number_) + " generation obj\"");
+    }
+    const std::size_t keywordLength = object.HasStream ? kStream.size() : kEndObject.size();
+    const auto bodyStart = static_cast<std::size_t>(behind) - 1;
+    // The header's keyword and the closing one may not overlap, as in "1 0 obj" without a body.
+    if (object.Text.size() < bodyStart + keywordLength) Fail("the object has no value");
+    const std::string_view body = TrimBlanks(
+        std::string_view(object.Text).substr(bodyStart, object.Text.size() - bodyStart - keywordLength));
+    StoreLines(index, body, object.HasStream);
+    if (object.HasStream) LocateStream(index, object.KeywordOffset);
+    DescribeBody(index, body);
+    if (object.HasStream) TakeStreamLength(index);
+  }
+
+  /// Gathers lines until the text ends with "stream" or "endobj".
+  void GatherText(std::int32_t index, ObjectText& object) {
+    LineCursor& lines = lines_;
+    lines.GoTo(CheckedAdd(state_.Objects[index].OutOffset, 1));
+    std::int64_t behind = state_.Objects[index].OutOffset;
+    for (;;) {
+      shell_.Yield();
+      const bool read = lines.Next();
+      shell_.Yield();
+      if (state_.AbortRequested) Fail(kCancelled);
+      if (!read) {
+        offset_ = lines.Offset();
+        Fail(lines.Problem() + " before the object is complete");
+      }
+      // The bytes between the lines count, too: they have been read as well.
+      const std::int64_t end = lines.Offset() + static_cast<std::int64_t>(lines.Line.size());
+      textLeft_ -= end - std::exchange(behind, end);
+      if (textLeft_ < 0) Fail("the objects of the document run into each other");
+      AppendTrimmed(object.Text, lines.Line);
+      object.HasStream = EndsWith(object.Text, kStream);
+      if (object.HasStream) {
+        object.KeywordOffset = lines.Offset() + static_cast<std::int32_t>(lines.Line.rfind(kStream));
+        return;
+      }
+      if (EndsWith(object.Text, kEndObject)) return;
+    }
+  }
+
+  /// The same as trimming text, carriage return and line together, without touching the old text again.
+  static void AppendTrimmed(std::string& text, std::string_view line) {
+    const std::string_view added = text.empty() ? TrimBlanks(line) : TrimRightSet(line, kWhiteSpace);
+    if (added.empty()) return;
+    if (!text.empty()) text += '\r';
+    text += added;
+  }
+
+  void StoreLines(std::int32_t index, std::string_view body, bool hasStream) {
+    const std::int32_t generation = state_.Objects[index].Generation;
+    const std::int32_t first =
+        AppendObjLine(state_, (std::to_string(number_) + ' ').append(std::to_string(generation)) + " obj\r");
+    std::string line;
+    // The second input's numbers become longer; room for that keeps the line where it is.
+    line.reserve(body.size() + 1 + (slot_ == 2 ? body.size() / kShareForLongerNumbers : 0));
+    line += body;
+    line += hasStream ? '\n' : '\r';
+    const std::int32_t last = AppendObjLine(state_, std::move(line));
+    ObjectEntry& entry = state_.Objects[index];
+    entry.FirstLine = first;
+    entry.LastLine = last;
+    entry.ObjState = hasStream ? kWithStream : kWithoutStream;
+  }
+
+  void LocateStream(std::int32_t index, std::int32_t keywordOffset) {
+    std::string bytes;
+    const auto wanted = static_cast<std::int16_t>(kStream.size() + 2);
+    offset_ = keywordOffset;
+    const std::int16_t count = files_.ReadBlock(fileNumber_, CheckedAdd(keywordOffset, 1), wanted, bytes);
+    if (count < 0) Fail("the stream cannot be read: " + files_.LastError().Words());
+    const std::string_view lineEnd = std::string_view(bytes).substr(std::min(bytes.size(), kStream.size()));
+    std::int32_t start = CheckedAdd(keywordOffset, static_cast<std::int32_t>(kStream.size()));
+    if (lineEnd.substr(0, 1) == "\n") {
+      start = CheckedAdd(start, 1);
+    } else if (lineEnd == "\r\n") {
+      start = CheckedAdd(start, 2);
+    } else {
+      Fail("\"stream\" is followed by neither a line feed nor a carriage return and a line feed");
+    }
+    state_.Objects[index].StreamStart = start;
+  }
+
+  void DescribeBody(std::int32_t index, std::string_view body) {
+    ObjectEntry& entry = state_.Objects[index];
+    if (body.substr(0, 2) == "<<") {
+      entry.ObjAux = reader_.JoinAndParseDictionary(state_.ObjLines, entry.LastLine, entry.LastLine);
+      // The parser ends early on a cancel; what it left out would look like a broken dictionary.
+      if (state_.AbortRequested) Fail(kCancelled);
+    } else if (!IsCharInSet(body, 1, kDelimiters)) {
+      std::int16_t digits = 0;
+      const std::int32_t value = ParseDecimalToken(body, digits);
+      if (digits == 0)
+        Fail("the object's value is neither a plain number, a dictionary, an array, a string nor a name");
+      entry.ValueText = std::to_string(value);
+      entry.ObjState = kPlainNumber;
+    } else {
+      std::string& line = state_.ObjLines[entry.LastLine];
+      line = std::string(TrimRightSet(line, kWhiteSpace));
+    }
+  }
+
+  /// The first "/Length" of the dictionary counts.
+  void TakeStreamLength(std::int32_t index) {
+    std::int32_t row = state_.Objects[index].ObjAux;
+    while (row >= 0 && state_.NameEntries[row].NameText != "/Length") row = state_.NameEntries[row].NameId;
+    if (row < 0) Fail("the stream's dictionary has no /Length");
+    const std::string_view value = TrimBlanks(state_.NameEntries[row].NameValue);
+    std::int16_t digits = 0;
+    const std::int32_t number = ParseDecimalToken(value, digits);
+    if (digits == 0) Fail("the stream's /Length is no number");
+    ObjectEntry& entry = state_.Objects[index];
+    if (value.back() != 'R') {
+      entry.StreamLength = number;
+      entry.LengthRefNumber = -1;
+      return;
+    }
+    std::int16_t generationDigits = 0;
+    entry.LengthRefNumber = number;
+    entry.LengthRefGeneration =
+        ParseLeadingNumber(value.substr(static_cast<std::size_t>(digits)), generationDigits);
+    entry.StreamLength = -1;
+    AppendMissingLength(index);
+  }
+
+  void AppendMissingLength(std::int32_t index) {
+    const std::int32_t row = state_.MissingLengthCount;
+    if (row > state_.MissingLengths.UpperBound()) {
+      state_.MissingLengths.Grow(CheckedAdd(row, std::max(row / 2, 15)));
+    }
+    const ObjectEntry& entry = state_.Objects[index];
+    state_.MissingLengths[row] = {index,
+                                  entry.LastLine,
+                                  TableIndexOf(state_, entry.LengthRefNumber, slot_),
+                                  entry.LengthRefNumber,
+                                  entry.LengthRefGeneration,
+                                  slot_};
+    state_.MissingLengthCount = row + 1;
+  }
+
+  MergeState& state_;
+  FileModule& files_;
+  MergeShell& shell_;
+  PdfReader& reader_;
+  std::int16_t slot_;
+  std::int16_t fileNumber_;
+  std::int32_t start_;
+  std::int64_t textLeft_;
+  std::string captionPrefix_;
+  LineCursor lines_;
+  ObjectText object_;  ///< of one object after the other, so that its memory is used again
+  std::int32_t number_ = -1;
+  std::int64_t offset_ = -1;
+};
+
+}  // namespace
+
+std::int32_t ParseObjectHeader(std::string_view text, std::int32_t start, std::int32_t expectedNumber,
+                               std::int32_t& generation) {
+  NumberPairKeyword found;
+  const std::int32_t behind = ParseNumberPairKeyword(text, start, kObjectKeyword, found);
+  generation = found.SecondNumber;
+  if (found.KeywordIndex < 0 || found.FirstNumber != expectedNumber) return 0;
+  // The keyword may be the last thing in the text.
+  return behind == 0 ? static_cast<std::int32_t>(text.size()) + 1 : behind;
+}
+
+bool PdfReader::ScanObjects(std::int16_t slot) {
+  if (slot != 1 && slot != 2) return false;
+  return RunGuarded(state_, slot, [&] {
+    ObjectScan(state_, files_, shell_, *this, slot).Run();
+    return true;
+  });
+}
+
+}  // namespace folioweld

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string_view>
+
+#include "engine/input_buffer.h"
+#include "platform/windows_api.h"
+
+namespace folioweld {
+
+/// Gathers what is written to an open file into large writes. Copied ranges stay descriptions until they
+/// end, so that long streams are copied inside the system and never pass through the program.
+class OutputBuffer {
+ public:
+  /// The handle stays the caller's.
+  OutputBuffer(WindowsAPI& system, WindowsAPI::Handle file);
+
+  SystemError Write(std::int64_t offset, std::string_view bytes);
+
+  /// `source` reads `from` and has to live until the next call that is not a `Copy` from the same file.
+  SystemError Copy(std::int64_t offset, InputBuffer& source, WindowsAPI::Handle from, std::int64_t fromOffset,
+                   std::int64_t count);
+
+  SystemError Flush();
+
+ private:
+  struct Range {
+    InputBuffer* Source = nullptr;
+    WindowsAPI::Handle From = -1;
+    std::int64_t FromOffset = 0;
+    std::int64_t Count = 0;
+  };
+
+  [[nodiscard]] std::int64_t End() const;
+  /// Writes out what is gathered when nothing can be added to it.
+  SystemError MakeRoom();
+  /// The memory that the next `wanted` bytes go to, or as many of them as there is room for; never none after
+  /// `MakeRoom`.
+  [[nodiscard]] std::span<char> Room(std::size_t wanted);
+  SystemError Gather(std::string_view bytes);
+  SystemError WriteGathered();
+  SystemError SettleRange();
+  SystemError CopyThroughMemory(Range range);
+  SystemError CopyInsideSystem(Range& range);
+
+  WindowsAPI& system_;
+  WindowsAPI::Handle file_;
+  std::unique_ptr<char[]> gathered_;
+  std::size_t size_ = 0;
+  std::int64_t start_ = 0;  ///< file offset of the first gathered byte
+  Range range_;             ///< what follows the gathered bytes
+  bool canCopyInside_ = true;
+};
+
+}  // namespace folioweld

@@ -1,0 +1,186 @@
+// Output pass #4 of PdfBuilder: the file, byte by byte at explicit positions.
+
+#include <algorithm>
+#include <span>
+
+#include "engine/conversions.h"
+#include "engine/pass_guard.h"
+#include "engine/pdf_builder.h"
+
+namespace folioweld {
+
+using namespace Conversions;
+
+namespace {
+
+constexpr std::int32_t kBlockSize = 1000;
+constexpr std::int32_t kFreeGeneration = 65535;
+/// Blocks copied between two looks at the user's wishes.
+constexpr std::int32_t kBlocksPerYield = 1000;
+
+/// Puts the right-most digits of the number, zeros in front, into all of `places`.
+void PutDigits(std::span<char> places, std::int32_t value) {
+  for (auto place = places.rbegin(); place != places.rend(); ++place, value /= 10) {
+    *place = static_cast<char>('0' + value % 10);
+  }
+}
+
+/// Writes the parts of the file one behind the other; a broken rule is raised.
+class FileWriting {
+ public:
+  FileWriting(MergeState& state, FileModule& files, PdfBuilder& builder, MergeShell& shell)
+      : state_(state), files_(files), builder_(builder), shell_(shell) {}
+
+  std::int32_t Run() {
+    Write(state_.DocHeader(3) + state_.DocSecondLine(3));
+    // Slot 0 is never written, so an object that claims it becomes the head of the free entries.
+    if (IsWritten(state_.Objects[0])) MakeFree(state_.Objects[0]);
+    for (index_ = 1; index_ < state_.ObjectsTotal; ++index_) {
+      CheckAbort();
+      if (IsWritten(state_.Objects[index_])) {
+        WriteObject(state_.Objects[index_]);
+      } else {
+        MakeFree(state_.Objects[index_]);
+      }
+    }
+    index_ = -1;
+    const std::int32_t xrefOffset = position_;
+    WriteXref();
+    Write(state_.OutputTrailerText);
+    Write(std::to_string(xrefOffset) + "\r\n%%EOF\r\n");
+    if (!files_.Flush(state_.DocFileNumber(3))) FailWrite();
+    return position_;
+  }
+
+ private:
+  [[noreturn]] void FailWrite() {
+    throw RuleBroken({3, index_, position_, "the output cannot be written: " + files_.LastError().Words()});
+  }
+
+  void CheckAbort() {
+    if (YieldAndCheckAbort(shell_, state_)) throw RuleBroken({3, index_, position_, kCancelled});
+  }
+
+  static bool IsWritten(const ObjectEntry& entry) {
+    return entry.ObjState != kNoObject && entry.ObjState != kListed && entry.FirstLine >= 0 &&
+           entry.LastLine >= 0;
+  }
+
+  static void MakeFree(ObjectEntry& entry) {
+    entry.OutOffset = 0;
+    entry.Generation = kFreeGeneration;
+    entry.EntryType = 'f';
+  }
+
+  void Write(std::string_view text) {
+    const std::int32_t behind = builder_.WriteTextAt(text, position_);
+    if (behind < 1) FailWrite();
+    position_ = behind;
+  }
+
+  void WriteObject(ObjectEntry& entry) {
+    entry.OutOffset = position_;
+    // Line indices are 16 bits wide here, which limits how many objects an output can hold; kept on purpose.
+    const std::int32_t last = CheckedInt16(entry.LastLine);
+    for (std::int32_t j = CheckedInt16(entry.FirstLine); j <= last; ++j) WriteLine(state_.ObjLines[j]);
+    if (entry.ObjState == kWithStream) WriteStream(entry);
+    Write("endobj\r\n");
+  }
+
+  /// The line with one carriage return in place of whatever blanks and line ends it has.
+  void WriteLine(const std::string& line) {
+    const std::size_t length = TrimRightSet(line, kWhiteSpace).size();
+    // Most lines are kept with that carriage return already.
+    if (length < line.size() && line[length] == '\r') {
+      Write(std::string_view(line).substr(0, length + 1));
+      return;
+    }
+    Write(line.substr(0, length) + '\r');
+  }
+
+  void WriteStream(const ObjectEntry& entry) {
+    const std::int16_t input = state_.DocFileNumber(entry.DocNo);
+    if (std::int64_t{entry.StreamStart} + entry.StreamLength > files_.FileLength(input)) {
+      FailStream(entry, "goes beyond the end of the file");
+    }
+    if (builder_.CopyStreamBytes(input, entry.StreamStart, entry.StreamLength, position_) < 1) {
+      if (state_.AbortRequested) throw RuleBroken({3, index_, position_, kCancelled});
+      FailStream(entry, "cannot be copied: " + files_.LastError().Words());
+    }
+  }
+
+  [[noreturn]] void FailStream(const ObjectEntry& entry, const std::string& problem) const {
+    throw RuleBroken({entry.DocNo, OwnNumber(entry), entry.StreamStart,
+                      "the stream of " + std::to_string(entry.StreamLength) + " bytes " + problem});
+  }
+
+  [[nodiscard]] std::int32_t OwnNumber(const ObjectEntry& entry) const {
+    return entry.DocNo == 2 ? index_ - state_.ObjectsInDoc1 : index_;
+  }
+
+  void WriteXref() {
+    Write("xref\r\n0 " + std::to_string(state_.ObjectsTotal) + "\r\n");
+    for (std::int32_t i = 0; i < state_.ObjectsTotal; ++i) {
+      if (i % kBlockSize == 0) CheckAbort();
+      const ObjectEntry& entry = state_.Objects[i];
+      char line[] = "0000000000 00000 n\r\n";
+      PutDigits(std::span(line).first<10>(), entry.OutOffset);
+      PutDigits(std::span(line).subspan<11, 5>(), entry.Generation);
+      line[17] = entry.EntryType;
+      Write({line, sizeof line - 1});
+    }
+  }
+
+  MergeState& state_;
+  FileModule& files_;
+  PdfBuilder& builder_;
+  MergeShell& shell_;
+  std::int32_t position_ = 0;
+  std::int32_t index_ = -1;
+};
+
+}  // namespace
+
+std::int32_t PdfBuilder::WriteOutputFile() {
+  shell_.AppendStatusText(2, "Pass #4 of building output file:");
+  shell_.AppendStatusText(2, " Write the output file");
+  std::int32_t length = -1;
+  const bool written = RunGuarded(state_, 3, [&] {
+    length = FileWriting(state_, files_, *this, shell_).Run();
+    return true;
+  });
+  return written ? length : -1;
+}
+
+std::int32_t PdfBuilder::WriteTextAt(std::string_view text, std::int32_t position) {
+  const std::int16_t file = state_.DocFileNumber(3);
+  while (!text.empty()) {
+    const std::string_view chunk = text.substr(0, kBlockSize);
+    if (!files_.WriteAt(file, chunk, position)) return -1;
+    position = CheckedAdd(position, static_cast<std::int32_t>(chunk.size()));
+    text.remove_prefix(chunk.size());
+  }
+  return position;
+}
+
+std::int32_t PdfBuilder::CopyStreamBytes(std::int16_t inputFile, std::int32_t streamStart,
+                                         std::int32_t length, std::int32_t& position) {
+  if (inputFile < 0 || streamStart < 0 || length < 0) return -1;
+  const std::int32_t dataStart = WriteTextAt("stream\n", position);
+  if (dataStart < 1) return -1;
+  static_cast<void>(CheckedAdd(dataStart, length));
+  std::int32_t blocks = 0;
+  for (std::int32_t copied = 0; copied < length; ++blocks) {
+    if (blocks % kBlocksPerYield == kBlocksPerYield - 1 && YieldAndCheckAbort(shell_, state_)) return -1;
+    const std::int32_t count = std::min(kBlockSize, length - copied);
+    if (!files_.CopyBlock(inputFile, streamStart + copied, state_.DocFileNumber(3), dataStart + copied,
+                          count)) {
+      return -1;
+    }
+    copied += count;
+  }
+  position = WriteTextAt("endstream\r\n", dataStart + length);
+  return position;
+}
+
+}  // namespace folioweld

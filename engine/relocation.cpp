@@ -1,0 +1,167 @@
+// Output passes #1 and #2 of PdfBuilder: missing lengths and new object numbers.
+
+#include <array>
+#include <charconv>
+#include <utility>
+
+#include "engine/conversions.h"
+#include "engine/pass_guard.h"
+#include "engine/pdf_builder.h"
+#include "engine/pdf_scanner.h"
+
+namespace folioweld {
+
+using namespace Conversions;
+
+namespace {
+
+void AppendNumber(std::string& text, std::int32_t number) {
+  std::array<char, 12> digits{};
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+  text.append(digits.data(), end);
+}
+
+/// Appends the line with `offset` added to the object number of every reference and object header in it.
+void AppendShifted(std::string_view line, std::int32_t offset, std::string& shifted) {
+  const auto length = static_cast<std::int32_t>(line.size());
+  std::size_t copied = 0;
+  std::int32_t position = 1;
+  // A reference takes five characters at least, so none begins in the last four.
+  while (position >= 1 && position <= length - 4) {
+    NumberPairKeyword found;
+    const std::int32_t next = FindNextReference(line, position, kObjectOrReference, found);
+    if (found.KeywordIndex >= 0) {
+      const auto digits = static_cast<std::size_t>(found.FirstTokenStart) - 1;
+      shifted += line.substr(copied, digits - copied);
+      AppendNumber(shifted, CheckedAdd(found.FirstNumber, offset));
+      copied = digits + static_cast<std::size_t>(found.DigitCount);
+    }
+    // A match that ends with the text has no position behind it: the search is over.
+    if (next == 0) break;
+    position = next;
+  }
+  shifted += line.substr(copied);
+}
+
+/// Makes the line the text and a carriage return, in the memory that it has or in as much as it needs: there
+/// are many lines, and a string that grows by itself takes twice its size.
+void SetLine(std::string& line, std::string_view text) {
+  if (line.capacity() < text.size() + 1) {
+    std::string longer;
+    longer.reserve(text.size() + 1);
+    line = std::move(longer);
+  }
+  line.assign(text);
+  line += '\r';
+}
+
+/// Number of the object in its own document.
+std::int32_t OwnNumber(const MergeState& state, std::int32_t index, std::int16_t slot) {
+  return slot == 2 ? index - state.ObjectsInDoc1 : index;
+}
+
+void ResolveLength(MergeState& state, const MissingLength& row) {
+  ObjectEntry& stream = state.Objects[row.StreamObjIndex];
+  const PassFailure failure{row.MissingDocNo, OwnNumber(state, row.StreamObjIndex, row.MissingDocNo), -1, {}};
+  const auto fail = [&](const std::string& rule) {
+    PassFailure broken = failure;
+    broken.Rule = rule;
+    throw RuleBroken(broken);
+  };
+  if (stream.ObjState != kWithStream) fail("a length is kept for an object without a stream");
+  if (stream.StreamLength != -1) fail("the stream's length is given twice");
+  if (row.LengthObjIndex < 0 || row.LengthObjIndex > state.Objects.UpperBound()) {
+    fail("the stream's /Length refers to object " + std::to_string(row.LengthObjNumber) +
+         ", which does not exist");
+  }
+  const ObjectEntry& length = state.Objects[row.LengthObjIndex];
+  const std::int32_t value = NumberOfValueText(length.ValueText);
+  if (value < 0) {
+    fail("the stream's /Length refers to object " + std::to_string(row.LengthObjNumber) +
+         ", which is no number of 0 or more");
+  }
+  if (length.ObjNumber != row.LengthObjNumber || length.Generation != row.LengthObjGeneration) {
+    fail("the stream's /Length refers to " + std::to_string(row.LengthObjNumber) + " " +
+         std::to_string(row.LengthObjGeneration) + " R, which is another object");
+  }
+  stream.StreamLength = value;
+}
+
+/// Streams stand beside each other in a file. Only streams that claim the same bytes again and again can be
+/// much longer together than the file is, and copying those would fill the disk out of a few bytes.
+void CheckStreams(const MergeState& state, const FileModule& files, std::int16_t slot, std::int32_t first,
+                  std::int32_t behind) {
+  constexpr std::int64_t kAllowance = 16 * 1024 * 1024;
+  constexpr std::int64_t kStreamPerByte = 4;
+  const std::int32_t length = files.FileLength(state.DocFileNumber(slot));
+  if (length < 0) return;
+  std::int64_t left = kAllowance + kStreamPerByte * length;
+  for (std::int32_t i = first; i < behind; ++i) {
+    const ObjectEntry& entry = state.Objects[i];
+    if (entry.ObjState == kWithStream) left -= entry.StreamLength;
+    if (left < 0) throw RuleBroken({slot, i - first, -1, "the streams of the document run into each other"});
+  }
+}
+
+}  // namespace
+
+std::int32_t NumberOfValueText(const std::string& valueText) {
+  std::int16_t digits = 0;
+  const std::int32_t value = ParseDecimalToken(valueText, digits);
+  return digits > 0 && static_cast<std::size_t>(digits) == valueText.size() ? value : -1;
+}
+
+PdfBuilder::PdfBuilder(MergeState& state, FileModule& files, MergeShell& shell)
+    : state_(state), files_(files), shell_(shell) {}
+
+bool PdfBuilder::BuildOutputPasses1And2() {
+  shell_.AppendStatusText(2, "Pass #1 of building output file:");
+  shell_.AppendStatusText(2, " get missing lengths and relocate objects");
+  const std::int32_t count = state_.MissingLengthCount;
+  const bool resolved = RunGuarded(state_, 0, [&] {
+    for (std::int32_t row = 0; row < count; ++row) ResolveLength(state_, state_.MissingLengths[row]);
+    CheckStreams(state_, files_, 1, 0, state_.ObjectsInDoc1);
+    CheckStreams(state_, files_, 2, state_.ObjectsInDoc1, state_.ObjectsTotal);
+    return true;
+  });
+  if (!resolved) return false;
+  shell_.AppendStatusText(2, "   -> OK : the missing length of " + std::to_string(count) + "  object" +
+                                 (count > 1 ? "s" : "") + " has been found\r\n" +
+                                 "Pass #2 for output file: compute new object numbers");
+  const bool renumbered = RunGuarded(state_, 2, [&] { return RenumberSecondInput(); });
+  shell_.AppendStatusText(2, std::string("   -> ") + (renumbered ? "OK" : "FAILED or cancelled") + "\r\n");
+  return renumbered;
+}
+
+bool PdfBuilder::RenumberSecondInput() {
+  std::string shifted;
+  for (std::int32_t i = state_.ObjectsInDoc1; i < state_.ObjectsTotal; ++i) {
+    if (YieldAndCheckAbort(shell_, state_)) {
+      state_.Failure = {2, i - state_.ObjectsInDoc1, -1, kCancelled};
+      return false;
+    }
+    ObjectEntry& entry = state_.Objects[i];
+    if (entry.ObjState != kNoObject && entry.ObjState != kListed && entry.FirstLine >= 0) {
+      for (std::int32_t j = entry.FirstLine; j <= entry.LastLine; ++j) {
+        if (state_.AbortRequested) {
+          state_.Failure = {2, i - state_.ObjectsInDoc1, -1, kCancelled};
+          return false;
+        }
+        shifted.clear();
+        AppendShifted(state_.ObjLines[j], state_.ObjectsInDoc1, shifted);
+        SetLine(state_.ObjLines[j], TrimBlanks(shifted));
+      }
+    }
+    entry.ObjNumber = i;
+  }
+  return true;
+}
+
+std::string PdfBuilder::ShiftObjectReferences(std::string_view line) const {
+  std::string shifted;
+  shifted.reserve(line.size() + 32);
+  AppendShifted(line, state_.ObjectsInDoc1, shifted);
+  return shifted;
+}
+
+}  // namespace folioweld

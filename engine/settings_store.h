@@ -1,0 +1,70 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/windows_api.h"
+
+namespace folioweld {
+
+/// The outcomes of a settings read, kept in `SettingsStore::LastError`.
+enum SettingsError {
+  kSettingsOk = 0,
+  kSettingsKeyFailure = 1011,   ///< the store could not be opened or created
+  kSettingsReadFailure = 1012,  ///< the store was opened but could not be read
+  kSettingsNoSuchValue = 1387,  ///< the value was never written
+  kSettingsOtherFailure = 1015
+};
+
+/// The user's choices between runs: short texts under names, in one per-user file that is replaced as a
+/// whole, under a lock, and readable by its owner only. No message is shown and no error raised: a failed
+/// read ends in the default, a failed write in a result other than 0.
+///
+/// The names: "MenuSort", "MenuShowLogWindow", "DisplayOutputAfterMerge", "MergeCurDir", "MergeTmpDir".
+class SettingsStore {
+ public:
+  explicit SettingsStore(WindowsAPI& system);
+  SettingsStore(const SettingsStore&) = delete;
+  SettingsStore& operator=(const SettingsStore&) = delete;
+  ~SettingsStore();
+
+  // Each of these closes a key that is still open first and starts afresh.
+
+  /// The store exists and is now open.
+  [[nodiscard]] bool OpenSettingsKey();
+  /// 1 = created, empty; 3 = failure.
+  [[nodiscard]] int CreateSettingsKey();
+  /// 2 = an existing one was opened, 1 = created, 3 = failure.
+  [[nodiscard]] int EnsureSettingsKey();
+  void CloseSettingsKey();
+
+  /// The text up to its first NUL, or empty; the outcome is left in `LastError`.
+  [[nodiscard]] std::string ReadSetting(const std::string& name);
+  /// 0 on success, else an error code.
+  int WriteSetting(const std::string& name, const std::string& text);
+  /// The text, or the default; a value that was never written gets the default written, unless another
+  /// process writes it first. 0 on success.
+  int ReadSettingOrDefault(const std::string& name, std::string& text, const std::string& defaultText);
+
+  [[nodiscard]] int LastError() const { return lastError_; }
+
+  /// The settings file's full path; empty when the user has no home.
+  [[nodiscard]] std::string FilePath();
+
+  WindowsAPI::Handle SettingsKey = -1;  ///< -1 = not open
+
+ private:
+  [[nodiscard]] SystemError MakeFolder();
+  [[nodiscard]] SystemResult<std::string> ReadFileText();
+  [[nodiscard]] SystemError ReplaceFile(std::string_view text);
+  /// What becomes of a text that another process stored in the meantime.
+  enum class Stored { Replace, Keep };
+  int Store(const std::string& name, const std::string& text, Stored stored);
+  [[nodiscard]] SystemError ReplaceUnderLock(const std::string& name, const std::string& text, Stored stored);
+  [[nodiscard]] SystemError WriteWhole(WindowsAPI::Handle file, std::string_view text);
+
+  WindowsAPI& system_;
+  int lastError_ = kSettingsOk;
+};
+
+}  // namespace folioweld
