@@ -1,0 +1,64 @@
+#include "dirmerge/command_line.h"
+
+#include "dirmerge/paths.h"
+#include "engine/conversions.h"
+
+namespace folioweld {
+
+namespace {
+
+constexpr char kBar = '|';
+
+bool HoldsBar(const std::string& text) {
+  return text.find(kBar) != std::string::npos;
+}
+
+/// Enters the folder as it stands, or trimmed when that does not exist; the name that worked, or nothing.
+std::string EnterFolder(WindowsAPI& system, const std::string& text) {
+  const std::string trimmed(Conversions::TrimSpaces(text));
+  for (const std::string& folder : {text, trimmed}) {
+    std::string full = FullPath(system, folder);
+    if (!full.empty() && !system.SetCurrentDirectory(full)) return full;
+  }
+  return {};
+}
+
+}  // namespace
+
+std::string CommandLineText(const std::vector<std::string>& arguments) {
+  if (arguments.size() == 2 && !HoldsBar(arguments[0]) && !HoldsBar(arguments[1])) {
+    return arguments[0] + kBar + arguments[1];
+  }
+  std::string text;
+  for (const std::string& argument : arguments) text += (text.empty() ? "" : " ") + argument;
+  return text;
+}
+
+bool IsBatchCommandLine(const std::string& commandLine) {
+  const std::size_t bar = commandLine.find(kBar);
+  return bar != std::string::npos && bar > 0;
+}
+
+CommandLineOutcome ProcessCommandLine(ProgramState& program, FileModule& files, SettingsStore& settings,
+                                      DirectoryMerge& merge) {
+  program.CommandLineOutput.clear();
+  program.CommandLineDirectory.clear();
+  const std::size_t bar = program.CommandLine.find(kBar);
+  if (bar == std::string::npos) return CommandLineOutcome::Ignored;
+  WindowsAPI& system = files.System();
+  const CurrentDirectoryKeeper keeper(system);
+  // Taken from here and not from the folder that is entered below.
+  const std::string output = FullPath(system, program.CommandLine.substr(0, bar));
+  program.Merge.DocFileName(1) = program.CommandLine.substr(bar + 1);
+  if (output.empty() && bar > 0) return CommandLineOutcome::OutputNotReached;
+  const std::string folder = EnterFolder(system, program.Merge.DocFileName(1));
+  if (folder.empty()) return CommandLineOutcome::FolderNotReached;
+  program.CommandLineOutput = output;
+  program.CommandLineDirectory = WithSeparator(folder);
+  static_cast<void>(settings.WriteSetting("MergeCurDir", program.CommandLineDirectory));
+  program.Merge.DocFileName(1).clear();
+  merge.MenuPdfMergeDir_Click();
+  return CommandLineOutcome::Done;
+}
+
+}  // namespace folioweld

@@ -1,0 +1,204 @@
+#include "dirmerge/directory_merge.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "dirmerge/file_ordering.h"
+#include "dirmerge/merge_rounds.h"
+#include "dirmerge/output_probe.h"
+#include "dirmerge/paths.h"
+#include "dirmerge/tmp_directory.h"
+#include "engine/pdf_reader.h"
+
+namespace folioweld {
+
+namespace {
+
+constexpr char kTitle[] = "Folioweld";
+constexpr char kDirectoryTitle[] = "File Tallowby - Folioweld";
+constexpr char kLogPrefix[] = "[Folioweld-MergeDirectory]=>";
+constexpr char kFolderSetting[] = "MergeCurDir";
+/// Anything shorter cannot be a document.
+constexpr std::int64_t kShortestOutput = 11;
+
+/// One run of the job.
+class DirectoryJob {
+ public:
+  DirectoryJob(ProgramState& program, FileModule& files, SettingsStore& settings, MergeShell& shell,
+               ActivityLog& log, DirectoryMergeReport& report)
+      : program_(program),
+        files_(files),
+        settings_(settings),
+        shell_(shell),
+        log_(log),
+        report_(report),
+        keeper_(files.System()) {
+    program_.ExternalBusy = true;
+    program_.Merge.AbortRequested = false;
+    program_.Merge.CancelSeen = false;
+  }
+
+  DirectoryJob(const DirectoryJob&) = delete;
+  DirectoryJob& operator=(const DirectoryJob&) = delete;
+
+  ~DirectoryJob() {
+    report_.Cancelled = report_.Cancelled || program_.Merge.AbortRequested;
+    program_.ExternalBusy = false;
+    program_.Merge.SilentMode = false;
+    program_.Merge.AbortRequested = false;
+    shell_.LeaveRunningState();
+    shell_.RefreshControls();
+  }
+
+  void Run(const std::string& directory) {
+    if (files_.System().SetCurrentDirectory(directory)) {
+      ShowFolderFailure();
+      return;
+    }
+    shell_.EnterRunningState();
+    DocumentList documents;
+    if (!Enumerate(directory, documents)) return;
+    const std::string output = ChooseOutput();
+    if (output.empty()) return;
+    OutputProbe probe(files_, output);
+    if (!probe.Open(documents.Identities)) {
+      shell_.ShowMessage(
+          MessageIcon::Exclamation, kTitle,
+          "The output file\r\n" + output + "\r\n cannot be created.\r\nI cannot do this operation!");
+      return;
+    }
+    Join(directory, documents.Names, output);
+  }
+
+ private:
+  void Log(const std::string& text) {
+    if (program_.Merge.LogEnabled) log_.AddLogLine(kLogPrefix + text);
+  }
+
+  void LogAndNotice(const std::string& text) {
+    Log(text);
+    shell_.Notice(kLogPrefix + text);
+  }
+
+  void ShowFolderFailure() {
+    shell_.ShowMessage(MessageIcon::Critical, kDirectoryTitle,
+                       "Merge of documents ABORTed\r(could not reach intput directory)");
+  }
+
+  /// Fills the list; false when the job ends here.
+  bool Enumerate(const std::string& directory, DocumentList& documents) {
+    const ListOutcome outcome = ListDocuments(
+        directory, files_, shell_, program_.Merge, [this](const std::string& line) { Log(line); },
+        [this](const std::string& line) { shell_.Notice(kLogPrefix + line); }, documents);
+    report_.RefusedDocuments = documents.RefusedDocuments;
+    if (outcome == ListOutcome::TooMany) LogAndNotice("Out of memory - Could not extend filesToMerge()");
+    // A listing that broke off would give an output that silently lacks documents.
+    if (outcome == ListOutcome::FolderFailed) ShowFolderFailure();
+    if (outcome != ListOutcome::Complete) return false;
+    if (!documents.Names.empty()) return true;
+    shell_.ShowMessage(MessageIcon::Exclamation, kTitle, "NO INPUT FILE!  I DIDN'T DO ANYTHING");
+    return false;
+  }
+
+  [[nodiscard]] std::string ChooseOutput() {
+    if (!program_.CommandLineOutput.empty()) return program_.CommandLineOutput;
+    return shell_.AskForOutputFile(
+        {"Folioweld: Choose the OUTPUT FILE", "pdf", "PDF Files (*.pdf)|*.pdf|All Files (*.*)|*.*", ""});
+  }
+
+  void Join(const std::string& directory, std::vector<std::string> names, const std::string& output) {
+    Log("Request to merge towards: \"" + output + "\"  the following files:");
+    FileOrdering ordering(files_.System(), shell_, program_.Merge,
+                          [this](const std::string& line) { Log(line); });
+    const std::int16_t sortOrder = program_.SortOrder;
+    if (!ordering.Order(names, sortOrder)) return;
+    TmpDirectory tmp(files_.System(), settings_, shell_);
+    const std::string tmpFolder = names.size() > 2 ? tmp.RequireTmpDirectory() : tmp.GetTmpDirectory();
+    if (names.size() > 2 && tmpFolder.empty()) {
+      LogAndNotice("Unable to get a temporary directory");
+      return;
+    }
+    JoinInRounds(directory, names, output, tmpFolder);
+    Finish(output);
+  }
+
+  void JoinInRounds(const std::string& directory, const std::vector<std::string>& names,
+                    const std::string& output, const std::string& tmpFolder) {
+    MergeRounds rounds(program_, files_, shell_, log_,
+                       {[this](const std::string& line) { Log(line); },
+                        [this](const std::string& line) { LogAndNotice(line); }});
+    rounds.Run(directory, names, output, tmpFolder, report_);
+  }
+
+  void Finish(const std::string& output) {
+    for (std::int32_t slot = 1; slot <= 3; ++slot) program_.Merge.DocFileName(slot).clear();
+    // No viewer after a directory merge, nor for the rest of the run; the menu keeps its mark. Kept on
+    // purpose.
+    program_.Merge.ShowOutputAfterMerge = false;
+    program_.Merge.SilentMode = false;
+    const auto written = files_.System().GetFileAttributes(output);
+    if (written.Ok() && written.Value().Size < kShortestOutput) {
+      report_.OutputWritten = false;
+      shell_.ShowMessage(MessageIcon::Exclamation, kTitle, "Unable to Merge and Create " + output);
+    }
+  }
+
+  ProgramState& program_;
+  FileModule& files_;
+  SettingsStore& settings_;
+  MergeShell& shell_;
+  ActivityLog& log_;
+  DirectoryMergeReport& report_;
+  CurrentDirectoryKeeper keeper_;
+};
+
+}  // namespace
+
+bool DirectoryMergeReport::Complete() const {
+  return OutputWritten && FailedMerges == 0 && RefusedDocuments.empty() && EncryptedDocuments.empty() &&
+         MissingDocuments.empty();
+}
+
+DirectoryMerge::DirectoryMerge(ProgramState& program, FileModule& files, SettingsStore& settings,
+                               MergeShell& shell, ActivityLog& log)
+    : program_(program), files_(files), settings_(settings), shell_(shell), log_(log) {}
+
+void DirectoryMerge::MenuPdfMergeDir_Click() {
+  report_ = {};
+  if (program_.Merge.LogEnabled) {
+    log_.AddLogLine(std::string("[Folioweld-MenuPdfMergeDir_Click]") + "=>");
+  }
+  WindowsAPI& system = files_.System();
+  const CurrentDirectoryKeeper keeper(system);
+  const auto current = system.GetCurrentDirectory();
+  const std::string currentFolder = current.Ok() ? WithSeparator(current.Value()) : std::string();
+  std::string stored;
+  static_cast<void>(settings_.ReadSettingOrDefault(kFolderSetting, stored, currentFolder));
+  if (system.SetCurrentDirectory(stored)) {
+    stored = currentFolder;
+    static_cast<void>(settings_.WriteSetting(kFolderSetting, stored));
+  }
+  std::string directory = program_.CommandLineDirectory;
+  if (directory.empty()) directory = shell_.BrowseForFolder("Folioweld: Choose FOLDER TO MERGE", stored);
+  if (directory.empty()) {
+    shell_.ShowMessage(MessageIcon::Plain, kDirectoryTitle, "Merge of documents cancelled");
+    return;
+  }
+  directory = WithSeparator(directory);
+  static_cast<void>(settings_.WriteSetting(kFolderSetting, directory));
+  MergeDirectory(directory);
+}
+
+void DirectoryMerge::MergeDirectory(const std::string& directory) {
+  report_ = {};
+  try {
+    DirectoryJob(program_, files_, settings_, shell_, log_, report_).Run(directory);
+  } catch (const std::exception&) {
+    // Memory is all that can run out here; the job has cleaned up on its way.
+    report_.OutputWritten = false;
+    shell_.Notice(std::string(kLogPrefix) + "out of memory");
+  }
+}
+
+}  // namespace folioweld

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "engine/file_module.h"
+#include "engine/merge_shell.h"
+#include "engine/merge_state.h"
+#include "platform/windows_api.h"
+
+namespace folioweld {
+
+/// What a folder holds for a directory merge.
+struct DocumentList {
+  std::vector<std::string> Names;             ///< accepted files, without the folder
+  std::vector<FileIdentity> Identities;       ///< of the accepted files, in the same order
+  std::vector<std::string> RefusedDocuments;  ///< names of files that look like documents and were refused
+};
+
+enum class ListOutcome { Complete, Cancelled, TooMany, FolderFailed };
+
+/// Finds the acceptable documents of a folder, in the order in which the system lists them. Only regular
+/// files are candidates (links are followed), hidden ones and names without a dot too. Every refused file is
+/// logged by `log` (a line without prefix); of a file that begins as a PDF does, the reason is logged as well
+/// and both lines go to `notice`. A folder of more files than 16 bits count gives `TooMany`.
+[[nodiscard]] ListOutcome ListDocuments(const std::string& folder, FileModule& files, MergeShell& shell,
+                                        const MergeState& state,
+                                        const std::function<void(const std::string&)>& log,
+                                        const std::function<void(const std::string&)>& notice,
+                                        DocumentList& list);
+
+}  // namespace folioweld

@@ -1,0 +1,159 @@
+#include "dirmerge/merge_rounds.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "dirmerge/directory_merge.h"
+#include "dirmerge/paths.h"
+#include "engine/pdf_reader.h"
+
+namespace folioweld {
+
+/// The counts of one round, as the log names them.
+struct MergeRounds::Round {
+  int iNumFilesToMerge = 0;
+  int iLastIndex = 0;  ///< the last pair
+  int indBaseTmp = 0;  ///< where the round's results begin among the temporaries
+};
+
+MergeRounds::MergeRounds(ProgramState& program, FileModule& files, MergeShell& shell, ActivityLog& log,
+                         Logging logging)
+    : program_(program),
+      files_(files),
+      shell_(shell),
+      logging_(std::move(logging)),
+      job_(program.Merge, files, shell, log) {}
+
+void MergeRounds::Run(const std::string& directory, const std::vector<std::string>& names,
+                      const std::string& output, const std::string& tmpFolder, DirectoryMergeReport& report) {
+  directory_ = directory;
+  output_ = output;
+  tmpFolder_ = tmpFolder;
+  report_ = &report;
+  accepted_ = names;
+  filesToMerge_.clear();
+  for (const std::string& name : names) filesToMerge_.push_back({name, {name}});
+
+  TemporaryFiles temporaries(files_,
+                             [this](const std::string& name) { logging_.Log(" Kill \"" + name + "\""); });
+  Round round{static_cast<int>(names.size()), (static_cast<int>(names.size()) - 1) / 2, 0};
+  while (round.iNumFilesToMerge > 0) {
+    logging_.Log("iNumFilesToMerge: " + std::to_string(round.iNumFilesToMerge) + "   indBaseTmp: " +
+                 std::to_string(round.indBaseTmp) + "   iLastIndex: " + std::to_string(round.iLastIndex) +
+                 "   indMaxTmp: " + std::to_string(temporaries.Highest()));
+    results_.assign(static_cast<std::size_t>(round.iLastIndex) + 1, {});
+    const bool goOn = RunRound(round, temporaries);
+    const bool last = round.iNumFilesToMerge < 3;
+    if (last) NoteOutput();
+    if (!goOn || last) break;
+    filesToMerge_ = std::exchange(results_, {});
+    temporaries.ResetToCreated(round.indBaseTmp + round.iLastIndex);
+    const int left = round.iLastIndex + 1;
+    round = {left, (left - 1) / 2, round.indBaseTmp + left};
+  }
+  report_->Cancelled = report_->Cancelled || program_.Merge.AbortRequested || program_.Merge.CancelSeen;
+}
+
+bool MergeRounds::RunRound(const Round& round, TemporaryFiles& temporaries) {
+  for (int k = 0; k <= round.iLastIndex; ++k) {
+    if (YieldAndCheckAbort(shell_, program_.Merge)) return false;
+    const bool pair = 2 * k < round.iNumFilesToMerge - 1;
+    if (pair || round.iNumFilesToMerge == 1) {
+      if (!RunPair(round, k, temporaries)) return false;
+    } else {
+      if (!GrowTo(round.indBaseTmp + round.iLastIndex, temporaries)) return false;
+      CarryOdd(round, temporaries);
+    }
+  }
+  return true;
+}
+
+bool MergeRounds::RunPair(const Round& round, int pair, TemporaryFiles& temporaries) {
+  const auto i = static_cast<std::size_t>(pair) * 2;
+  const Piece* const second = round.iNumFilesToMerge == 1 ? nullptr : &filesToMerge_[i + 1];
+  std::string output = output_;
+  if (round.iNumFilesToMerge >= 3) {
+    const int index = round.indBaseTmp + pair;
+    if (!MakeTemporary(index, temporaries)) return false;
+    output = temporaries.Name(index);
+  }
+  Merge(filesToMerge_[i], second, output, results_[static_cast<std::size_t>(pair)]);
+  // The job has taken the flag down; the request itself goes on to the clean-up.
+  return !program_.Merge.CancelSeen;
+}
+
+void MergeRounds::CarryOdd(const Round& round, TemporaryFiles& temporaries) {
+  const int last = round.iNumFilesToMerge - 1;
+  const int index = round.indBaseTmp + round.iLastIndex;
+  const Piece& odd = filesToMerge_[static_cast<std::size_t>(last)];
+  logging_.Log("sTmpFiles(" + std::to_string(index) + ") = filesToMerge(" + std::to_string(last) + ")");
+  temporaries.SetCarried(index, odd.Name);
+  results_[static_cast<std::size_t>(round.iLastIndex)] = odd;
+}
+
+bool MergeRounds::GrowTo(int index, TemporaryFiles& temporaries) {
+  if (index <= temporaries.Highest() || temporaries.Grow(index)) return true;
+  logging_.Notice(" Memory allocation problem!");
+  return false;
+}
+
+bool MergeRounds::MakeTemporary(int index, TemporaryFiles& temporaries) {
+  if (!GrowTo(index, temporaries)) return false;
+  std::string name = MakeTempFileName(files_.System(), tmpFolder_, "Pdf", "");
+  if (name.empty()) {
+    logging_.Notice(" Temporary file allocation problem!");
+    return false;
+  }
+  temporaries.SetCreated(index, std::move(name));
+  return true;
+}
+
+void MergeRounds::Merge(const Piece& first, const Piece* second, const std::string& output, Piece& result) {
+  MergeState& state = program_.Merge;
+  state.DocFileName(1) = FullName(first.Name);
+  state.DocFileName(2) = second == nullptr ? std::string() : FullName(second->Name);
+  state.DocFileName(3) = output;
+  logging_.Log("sPdfM(1)= \"" + state.DocFileName(1) + "\"  +  sPdfM(2)= \"" + state.DocFileName(2) +
+               "\"  -> sPdfM(3)= \"" + output + "\"");
+  // The log lets events in, and the job would begin by taking the flag down.
+  state.CancelSeen = state.AbortRequested;
+  if (state.CancelSeen) return;
+  state.SilentMode = true;
+  job_.cmdOK_Click();
+  state.SilentMode = false;
+
+  result.Name = output;
+  if (state.MergeStatus == -1) {
+    ++report_->FailedMerges;
+    return;
+  }
+  result.Documents = first.Documents;
+  NoteEncrypted(1, first);
+  if (second == nullptr || !state.DocUsed(2)) return;
+  result.Documents.insert(result.Documents.end(), second->Documents.begin(), second->Documents.end());
+  NoteEncrypted(2, *second);
+}
+
+void MergeRounds::NoteEncrypted(std::int16_t slot, const Piece& piece) {
+  if (program_.Merge.DocEncrypted(slot)) report_->EncryptedDocuments.push_back(piece.Name);
+}
+
+/// The last round wrote the output, or failed to; names what is not in it.
+void MergeRounds::NoteOutput() {
+  const Piece& whole = results_[0];
+  report_->OutputWritten = !whole.Documents.empty();
+  if (!report_->OutputWritten) return;
+  std::vector<std::string> joined = whole.Documents;
+  std::sort(joined.begin(), joined.end());
+  for (const std::string& name : accepted_) {
+    if (std::binary_search(joined.begin(), joined.end(), name)) continue;
+    report_->MissingDocuments.push_back(name);
+    logging_.Notice("File: \"" + name + "\"  is missing in the output");
+  }
+}
+
+std::string MergeRounds::FullName(const std::string& name) const {
+  return name.find(PathSeparator) == std::string::npos ? directory_ + name : name;
+}
+
+}  // namespace folioweld

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "dirmerge/program_state.h"
+#include "dirmerge/temporary_files.h"
+#include "engine/activity_log.h"
+#include "engine/file_module.h"
+#include "engine/merge_job.h"
+#include "engine/merge_shell.h"
+
+namespace folioweld {
+
+struct DirectoryMergeReport;
+
+/// Joins ordered files pairwise, round after round, until one is left. With 5 files a to e: a+b to temporary
+/// 0, c+d to temporary 1, e carried as entry 2; then 0+1 to temporary 3, e carried as entry 4; then 3+e to
+/// the output. Temporary files live until all rounds are done.
+class MergeRounds {
+ public:
+  struct Logging {
+    std::function<void(const std::string&)> Log;     ///< a line for the log
+    std::function<void(const std::string&)> Notice;  ///< a line for the log and for whoever watches
+  };
+
+  MergeRounds(ProgramState& program, FileModule& files, MergeShell& shell, ActivityLog& log, Logging logging);
+
+  /// Runs all rounds and cleans up. Names without a separator are taken from the directory.
+  void Run(const std::string& directory, const std::vector<std::string>& names, const std::string& output,
+           const std::string& tmpFolder, DirectoryMergeReport& report);
+
+ private:
+  struct Round;
+
+  /// A file to be joined, and the documents of the folder that it holds.
+  struct Piece {
+    std::string Name;
+    std::vector<std::string> Documents;
+  };
+
+  [[nodiscard]] bool RunRound(const Round& round, TemporaryFiles& temporaries);
+  [[nodiscard]] bool RunPair(const Round& round, int pair, TemporaryFiles& temporaries);
+  void CarryOdd(const Round& round, TemporaryFiles& temporaries);
+  [[nodiscard]] bool MakeTemporary(int index, TemporaryFiles& temporaries);
+  [[nodiscard]] bool GrowTo(int index, TemporaryFiles& temporaries);
+  void Merge(const Piece& first, const Piece* second, const std::string& output, Piece& result);
+  void NoteEncrypted(std::int16_t slot, const Piece& piece);
+  void NoteOutput();
+  [[nodiscard]] std::string FullName(const std::string& name) const;
+
+  ProgramState& program_;
+  FileModule& files_;
+  MergeShell& shell_;
+  Logging logging_;
+  MergeJob job_;
+  std::string directory_;
+  std::string output_;
+  std::string tmpFolder_;
+  DirectoryMergeReport* report_ = nullptr;
+  std::vector<std::string> accepted_;
+  std::vector<Piece> filesToMerge_;
+  std::vector<Piece> results_;  ///< of the current round
+};
+
+}  // namespace folioweld

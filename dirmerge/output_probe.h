@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "engine/file_module.h"
+
+namespace folioweld {
+
+/// Finds out whether an output can be created, without touching what is there. A file that the probe itself
+/// made and that is still empty at the end of its life is removed again.
+class OutputProbe {
+ public:
+  OutputProbe(FileModule& files, std::string path);
+  OutputProbe(const OutputProbe&) = delete;
+  OutputProbe& operator=(const OutputProbe&) = delete;
+  ~OutputProbe();
+
+  /// False when the path cannot be opened for writing, is no ordinary file or is one of the inputs under
+  /// whatever name.
+  [[nodiscard]] bool Open(const std::vector<FileIdentity>& inputs);
+
+ private:
+  FileModule& files_;
+  std::string path_;
+  bool created_ = false;
+  FileIdentity identity_;
+};
+
+}  // namespace folioweld

@@ -1,0 +1,101 @@
+#include "dirmerge/paths.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <utility>
+
+#include "platform/retry.h"
+
+namespace folioweld {
+
+namespace {
+
+constexpr int kMostAttempts = 1000;
+constexpr std::uint32_t kNames = 0x10000;
+
+std::string FourHexDigits(std::uint32_t number) {
+  std::string text;
+  for (int shift = 12; shift >= 0; shift -= 4) text += "0123456789ABCDEF"[(number >> shift) & 15U];
+  return text;
+}
+
+/// Creates prefix, four digits, ".tmp" under a name that is not taken; empty when the system refuses.
+std::string CreateTempFile(WindowsAPI& system, const std::string& folder, const std::string& prefix) {
+  const auto number = RetryInterrupted([&] { return system.RandomNumber(); });
+  if (!number.Ok()) return {};
+  for (std::uint32_t i = 0; i < kNames; ++i) {
+    std::string path = WithSeparator(folder) + prefix + FourHexDigits(number.Value() + i) + ".tmp";
+    const auto file = RetryInterrupted([&] { return system.CreateFile(path, OpenMode::CreateNewPrivate); });
+    if (file.Ok()) {
+      if (!system.CloseHandle(file.Value())) return path;
+      static_cast<void>(system.DeleteFile(path));
+      return {};
+    }
+    if (file.Error().Code != EEXIST) return {};
+  }
+  return {};
+}
+
+std::string WithExtension(const std::string& path, const std::string& extension) {
+  const std::string stem = path.substr(0, path.rfind('.'));
+  return stem + (extension.substr(0, 1) == "." ? "" : ".") + extension;
+}
+
+}  // namespace
+
+void SplitPath(const std::string& fullName, std::string& fileName, std::string& folder) {
+  const std::size_t separator = fullName.rfind(PathSeparator);
+  if (separator == std::string::npos) {
+    fileName = fullName;
+    folder.clear();
+    return;
+  }
+  // Both parts are taken first: an output may be the input.
+  std::string behind = fullName.substr(separator + 1);
+  folder = fullName.substr(0, separator);
+  fileName = std::move(behind);
+}
+
+std::string FullPath(WindowsAPI& system, const std::string& path) {
+  if (path.empty() || path[0] == PathSeparator) return path;
+  const auto current = system.GetCurrentDirectory();
+  if (!current.Ok()) return {};
+  return WithSeparator(current.Value()) + path;
+}
+
+std::string WithSeparator(std::string path) {
+  if (path.empty() || path.back() != PathSeparator) path += PathSeparator;
+  return path;
+}
+
+std::string GetSystemTempFolder(WindowsAPI& system) {
+  const auto named = system.GetEnvironmentVariable("TMPDIR");
+  return FullPath(system, named && !named->empty() ? *named : std::string("/tmp"));
+}
+
+std::string MakeTempFileName(WindowsAPI& system, const std::string& folder, const std::string& prefix,
+                             const std::string& extension) {
+  const std::string fullFolder = folder.empty() ? GetSystemTempFolder(system) : FullPath(system, folder);
+  if (fullFolder.empty()) return {};
+  const std::string usedPrefix = prefix.empty() ? std::string("KEM") : prefix.substr(0, 3);
+  for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
+    std::string created = CreateTempFile(system, fullFolder, usedPrefix);
+    if (created.empty() || extension.empty()) return created;
+    std::string renamed = WithExtension(created, extension);
+    if (renamed == created || !system.MoveFile(created, renamed, WindowsAPI::Replace::No)) return renamed;
+    static_cast<void>(system.DeleteFile(created));
+  }
+  return {};
+}
+
+CurrentDirectoryKeeper::CurrentDirectoryKeeper(WindowsAPI& system) : system_(system) {
+  const auto current = system_.GetCurrentDirectory();
+  if (current.Ok()) folder_ = current.Value();
+}
+
+CurrentDirectoryKeeper::~CurrentDirectoryKeeper() {
+  // A folder that has vanished meanwhile cannot be gone back to; nothing depends on it.
+  if (!folder_.empty()) static_cast<void>(system_.SetCurrentDirectory(folder_));
+}
+
+}  // namespace folioweld

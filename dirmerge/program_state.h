@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "engine/merge_state.h"
+
+namespace folioweld {
+
+/// What a program of this project knows while it runs: the one engine state and the choices and flags that
+/// live longer than a merge. Owned by the window or the windowless run.
+struct ProgramState {
+  MergeState Merge;
+
+  /// 1 by name, -1 by name reversed, 2 by date, -2 by date reversed.
+  std::int16_t SortOrder = 1;
+  /// A directory merge or an output viewer is in progress.
+  bool ExternalBusy = false;
+
+  std::string CommandLine;           ///< as given at the start
+  std::string CommandLineOutput;     ///< what stands before the first "|", as a full path
+  std::string CommandLineDirectory;  ///< what stands behind it
+};
+
+}  // namespace folioweld

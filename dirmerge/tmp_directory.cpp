@@ -1,0 +1,64 @@
+#include "dirmerge/tmp_directory.h"
+
+#include "dirmerge/paths.h"
+#include "engine/conversions.h"
+
+namespace folioweld {
+
+namespace {
+
+constexpr char kSetting[] = "MergeTmpDir";
+constexpr char kPickerTitle[] = "Folioweld: Choose FOLDER FOR TEMPORARY FILES";
+
+std::string Trimmed(const std::string& text) {
+  return std::string(Conversions::TrimSpaces(text));
+}
+
+}  // namespace
+
+TmpDirectory::TmpDirectory(WindowsAPI& system, SettingsStore& settings, MergeShell& shell)
+    : system_(system), settings_(settings), shell_(shell) {}
+
+std::string TmpDirectory::GetTmpDirectory() {
+  std::string folder;
+  settings_.ReadSettingOrDefault(kSetting, folder, "");
+  folder = Trimmed(folder);
+  folder = folder.empty() ? SystemFolder() : WithSeparator(folder);
+  return Store(!folder.empty() && CanEnter(folder) ? folder : std::string());
+}
+
+std::string TmpDirectory::ResetTmpDirectory() {
+  return Store(SystemFolder());
+}
+
+std::string TmpDirectory::ChooseTmpDirectory() {
+  std::string start = GetTmpDirectory();
+  if (start.empty()) start = Trimmed(GetSystemTempFolder(system_));
+  std::string folder = Trimmed(shell_.BrowseForFolder(kPickerTitle, start));
+  if (folder.empty()) folder = GetTmpDirectory();
+  if (folder.empty()) folder = SystemFolder();
+  return Store(folder.empty() ? folder : WithSeparator(folder));
+}
+
+std::string TmpDirectory::RequireTmpDirectory() {
+  std::string folder = GetTmpDirectory();
+  return folder.empty() ? ChooseTmpDirectory() : folder;
+}
+
+std::string TmpDirectory::SystemFolder() {
+  const std::string folder = Trimmed(GetSystemTempFolder(system_));
+  return folder.empty() ? folder : WithSeparator(folder);
+}
+
+bool TmpDirectory::CanEnter(const std::string& folder) {
+  const CurrentDirectoryKeeper keeper(system_);
+  return !system_.SetCurrentDirectory(folder);
+}
+
+std::string TmpDirectory::Store(const std::string& folder) {
+  // A setting that cannot be stored is asked for again at the next use.
+  static_cast<void>(settings_.WriteSetting(kSetting, folder));
+  return folder;
+}
+
+}  // namespace folioweld

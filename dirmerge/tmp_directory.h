@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+
+#include "engine/merge_shell.h"
+#include "engine/settings_store.h"
+#include "platform/windows_api.h"
+
+namespace folioweld {
+
+/// The user's folder for temporary files, setting "MergeTmpDir". Every folder returned ends in a separator.
+class TmpDirectory {
+ public:
+  TmpDirectory(WindowsAPI& system, SettingsStore& settings, MergeShell& shell);
+
+  /// The stored folder, or the system's when none is stored; empty, and stored as that, when the folder
+  /// cannot be entered.
+  [[nodiscard]] std::string GetTmpDirectory();
+
+  /// Stores and returns the system's folder.
+  std::string ResetTmpDirectory();
+
+  /// Lets the user pick the folder and stores it; without an answer the stored or the system's one stays.
+  std::string ChooseTmpDirectory();
+
+  /// The stored folder, or the user's pick when it cannot be entered.
+  [[nodiscard]] std::string RequireTmpDirectory();
+
+ private:
+  [[nodiscard]] std::string SystemFolder();
+  [[nodiscard]] bool CanEnter(const std::string& folder);
+  std::string Store(const std::string& folder);
+
+  WindowsAPI& system_;
+  SettingsStore& settings_;
+  MergeShell& shell_;
+};
+
+}  // namespace folioweld
