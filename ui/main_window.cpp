@@ -1,0 +1,275 @@
+#include "ui/main_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QLayout>
+#include <QScreen>
+#include <QSessionManager>
+#include <QShortcut>
+#include <QSocketNotifier>
+#include <utility>
+
+#include "dirmerge/file_ordering.h"
+#include "ui/file_names.h"
+
+namespace folioweld {
+
+namespace {
+
+constexpr int kCollectMillis = 500;
+constexpr char kTitle[] = "Folioweld (version " FOLIOWELD_VERSION ")";
+
+QString Name(const char* controlName) {
+  return QString::fromLatin1(controlName);
+}
+
+}  // namespace
+
+Folioweld::Folioweld(WindowsAPI& system, Dialogs& dialogs, ViewerDesktop& desktop, std::string commandLine)
+    : EndProgram([](int status) { QCoreApplication::exit(status); }),
+      system_(system),
+      dialogs_(dialogs),
+      shell_(system, *this),
+      log_(shell_),
+      files_(system),
+      settings_(system),
+      job_(program_.Merge, files_, shell_, log_),
+      directoryMerge_(program_, files_, settings_, shell_, log_),
+      tmpDirectory_(system, settings_, shell_),
+      viewer_(system, desktop),
+      menus_(menuBar()),
+      logWindow_(log_, [this] { MnuLogHide_Click(); }),
+      drops_(
+          {[this] { return !Busy() && QApplication::activeModalWidget() == nullptr; },
+           [this](int index) { DropTarget = static_cast<std::int16_t>(index); },
+           [this](int index, const std::vector<std::string>& files) { ProcessOLEDragDrop(index, files); }}) {
+  program_.CommandLine = std::move(commandLine);
+  files_.SetLog(&log_);
+  setObjectName(QStringLiteral("Folioweld"));
+  // Neither resized nor maximised.
+  setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                 Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
+  BuildControls();
+  ConnectControls();
+  ConnectMenus();
+  SetTabOrder();
+  Arrange();
+  CatchSystemEnd();
+  viewerCollector_.setInterval(kCollectMillis);
+  connect(&viewerCollector_, &QTimer::timeout, this, [this] {
+    if (!viewer_.CollectEnded()) viewerCollector_.stop();
+  });
+}
+
+Folioweld::~Folioweld() {
+  logWindow_.ExitLogWindow();
+}
+
+void Folioweld::BuildControls() {
+  auto* client = new QWidget(this);
+  setCentralWidget(client);
+  const FilePlace::Names names[] = {{0, Name("frameFileIn1"), tr("1st input file "), Name("cmdInput1"),
+                                     Name("CmdClr1"), tr("1st input file")},
+                                    {1, Name("frameFileIn2"), tr("2nd input file"), Name("cmdInput2"),
+                                     Name("CmdClr2"), tr("2nd input file")},
+                                    {2, Name("frameFileOut"), tr("Output (result) file"), Name("cmdOutput"),
+                                     Name("CmdClrOut"), tr("output file")}};
+  for (std::size_t i = 0; i < places_.size(); ++i) {
+    places_[i] = new FilePlace(names[i], client);
+    drops_.Watch(places_[i], static_cast<int>(i));
+  }
+  drops_.Watch(this, -1);
+  pictToggle_ = new TogglePicture(places_[0]);
+  cmdOK_ = new CaptionButton(Name("cmdOK"), tr("Go! (launch PDF merge)"), client);
+  cmdCancel_ = new CaptionButton(Name("cmdCancel"), tr("Exit"), client);
+}
+
+void Folioweld::ConnectControls() {
+  using Handler = void (Folioweld::*)();
+  const std::pair<QAbstractButton*, Handler> clicks[] = {
+      {places_[0]->Select, &Folioweld::cmdInput1_Click}, {places_[1]->Select, &Folioweld::cmdInput2_Click},
+      {places_[2]->Select, &Folioweld::cmdOutput_Click}, {places_[0]->Clear, &Folioweld::CmdClr1_Click},
+      {places_[1]->Clear, &Folioweld::CmdClr2_Click},    {places_[2]->Clear, &Folioweld::CmdClrOut_Click},
+      {pictToggle_, &Folioweld::PictToggle_Click},       {cmdOK_, &Folioweld::cmdOK_Click}};
+  for (const auto& [button, handler] : clicks) connect(button, &QAbstractButton::clicked, this, handler);
+  connect(cmdCancel_, &QAbstractButton::clicked, this, [this] {
+    // A press that began on "CANCEL (abort)" must not end the program when the job ended in between.
+    if (cmdCancel_->PressBelongsToCaption()) cmdCancel_Click();
+  });
+  connect(pictToggle_, &QAbstractButton::pressed, this, &Folioweld::PictToggle_MouseDown);
+  connect(pictToggle_, &QAbstractButton::released, this, &Folioweld::PictToggle_MouseUp);
+  auto* menuKey = new QShortcut(Qt::Key_F10, this);
+  connect(menuKey, &QShortcut::activated, this, [this] {
+    menuBar()->setFocus(Qt::MenuBarFocusReason);
+    menuBar()->setActiveAction(menus_.MenuFile0->menuAction());
+  });
+}
+
+void Folioweld::ConnectMenus() {
+  using Handler = void (Folioweld::*)();
+  const std::pair<QAction*, Handler> clicks[] = {
+      {menus_.MenuPdfMergeDir, &Folioweld::MenuPdfMergeDir_Click},
+      {menus_.MenuFilExit, &Folioweld::MenuFilExit_Click},
+      {menus_.MenuSortLexical, &Folioweld::MenuSortLexical_Click},
+      {menus_.MenuSortLexicalRev, &Folioweld::MenuSortLexicalRev_Click},
+      {menus_.MenuSortByDate, &Folioweld::MenuSortByDate_Click},
+      {menus_.MenuSortByDateRev, &Folioweld::MenuSortByDateRev_Click},
+      {menus_.MnuLogShow, &Folioweld::MnuLogShow_Click},
+      {menus_.MnuLogHide, &Folioweld::MnuLogHide_Click},
+      {menus_.MenuOptViewYes, &Folioweld::MenuOptViewYes_Click},
+      {menus_.MenuOptViewNo, &Folioweld::MenuOptViewNo_Click},
+      {menus_.MenuTmp0, &Folioweld::MenuTmp0_Click},
+      {menus_.MenuDefaultTmp0, &Folioweld::MenuDefaultTmp0_Click},
+      {menus_.MenuAboutFolioweld, &Folioweld::MenuAboutFolioweld_Click},
+      {menus_.MenuVarnel, &Folioweld::MenuVarnel_Click},
+      {menus_.MenuPdfReader, &Folioweld::MenuPdfReader_Click}};
+  for (const auto& [item, handler] : clicks) connect(item, &QAction::triggered, this, handler);
+}
+
+void Folioweld::SetTabOrder() {
+  QWidget* const order[] = {places_[0]->Select, places_[0]->Clear,  pictToggle_,       places_[1]->Select,
+                            places_[1]->Clear,  places_[2]->Select, places_[2]->Clear, cmdOK_,
+                            cmdCancel_};
+  for (std::size_t i = 1; i < std::size(order); ++i) setTabOrder(order[i - 1], order[i]);
+}
+
+void Folioweld::Arrange() {
+  const QStringList captions{tr("Exit"), tr("CANCEL (abort)"), tr("Close display window")};
+  const TwipGrid grid = TwipGrid::Fitting([&](const TwipGrid& tried) {
+    for (const FilePlace* place : places_) {
+      if (!place->Fits(tried)) return false;
+    }
+    for (const QString& caption : captions) {
+      if (!cmdCancel_->Fits(caption, tried.Size(1065, 700))) return false;
+    }
+    return cmdOK_->Fits(cmdOK_->text(), tried.Size(10000, 700));
+  });
+  for (FilePlace* place : places_) place->Arrange(grid);
+  pictToggle_->setGeometry(grid.Rect(10140, 990, 825, 825));
+  cmdOK_->setGeometry(grid.Rect(60, 6000, 10000, 700));
+  cmdCancel_->setGeometry(grid.Rect(10100, 6000, 1065, 700));
+  centralWidget()->setFixedSize(grid.Size(11310, 6840));
+  layout()->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+void Folioweld::CentreOnScreen() {
+  QRect place(QPoint(), QSize(DesignWidth, DesignHeight) / TwipGrid::kTwipsPerPixel);
+  place.moveCenter(screen()->geometry().center());
+  move(place.topLeft());
+}
+
+void Folioweld::CatchSystemEnd() {
+  connect(qGuiApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager&) { EndBySystem(); });
+  // A signal that cannot be caught still ends the program, only without the clean-up.
+  static_cast<void>(system_.CatchStopSignals());
+  const WindowsAPI::Handle handle = system_.StopSignalHandle();
+  if (handle < 0) return;
+  auto* notifier = new QSocketNotifier(handle, QSocketNotifier::Read, this);
+  connect(notifier, &QSocketNotifier::activated, this, [this, notifier] {
+    notifier->setEnabled(false);
+    EndBySystem();
+  });
+}
+
+void Folioweld::Start() {
+  Form_Load();
+  show();
+  QTimer::singleShot(0, this, [this] {
+    if (!activated_) Form_Activate();
+  });
+}
+
+void Folioweld::Form_Load() {
+  MergeState& merge = program_.Merge;
+  merge.MergeStatus = 2;
+  adjustSize();
+  DesignWidth = frameGeometry().width() * TwipGrid::kTwipsPerPixel;
+  DesignHeight = frameGeometry().height() * TwipGrid::kTwipsPerPixel;
+  // Placed before the log window, which takes its place from it.
+  CentreOnScreen();
+  setWindowTitle(QString::fromLatin1(kTitle));
+  std::string value;
+  static_cast<void>(settings_.ReadSettingOrDefault("MenuSort", value, "1"));
+  SetSortOrder(SortOrderFromSetting(value));
+  static_cast<void>(settings_.ReadSettingOrDefault("MenuShowLogWindow", value, "1"));
+  merge.LogEnabled = value == "1";
+  ApplyLogWindowOption();
+  static_cast<void>(settings_.ReadSettingOrDefault("DisplayOutputAfterMerge", value, "1"));
+  merge.ShowOutputAfterMerge = value == "1";
+  menus_.MenuOptViewYes->setChecked(merge.ShowOutputAfterMerge);
+  menus_.MenuOptViewNo->setChecked(!merge.ShowOutputAfterMerge);
+  merge.SilentMode = false;
+  places_[0]->Select->setEnabled(true);
+  RefreshControls();
+  ResetSlots();
+  ReaderPath = viewer_.FindPdfReader();
+  ReaderAvailable = !ReaderPath.empty();
+  program_.ExternalBusy = false;
+}
+
+void Folioweld::Form_Activate() {
+  if (activated_) {
+    RefreshControls();
+    return;
+  }
+  activated_ = true;
+  DesignWidth = frameGeometry().width() * TwipGrid::kTwipsPerPixel;
+  DesignHeight = frameGeometry().height() * TwipGrid::kTwipsPerPixel;
+  CentreOnScreen();
+  logWindow_.ClearLogScreen();
+  program_.Merge.MergeStatus = 2;
+  if (program_.Merge.LogEnabled) {
+    log_.AddLogLine("[Folioweld-Form_Activate]=> Command line: " + program_.CommandLine);
+  }
+  RunCommandLine();
+  if (ending_) return;
+  RefreshControls();
+  pictToggle_->DrawToggle(false);
+  menus_.MenuOptViewOutput->setEnabled(ReaderAvailable);
+  if (!ReaderAvailable) program_.Merge.ShowOutputAfterMerge = false;
+}
+
+void Folioweld::RunCommandLine() {
+  if (ProcessCommandLine(program_, files_, settings_, directoryMerge_) != CommandLineOutcome::Done) {
+    FinishIfEnding();
+    return;
+  }
+  exitStatus_ = StatusOf(directoryMerge_.Report());
+  ending_ = true;
+  Finish();
+}
+
+void Folioweld::Form_Resize() {
+  if (!activated_ || !(windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen))) return;
+  setWindowState(windowState() & ~(Qt::WindowMaximized | Qt::WindowFullScreen));
+}
+
+bool Folioweld::event(QEvent* event) {
+  if (event->type() == QEvent::WindowActivate && activated_) Form_Activate();
+  return QMainWindow::event(event);
+}
+
+void Folioweld::changeEvent(QEvent* event) {
+  QMainWindow::changeEvent(event);
+  if (event->type() == QEvent::WindowStateChange) Form_Resize();
+  const bool rebuilt = event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange;
+  if (rebuilt && cmdCancel_ != nullptr) Arrange();
+}
+
+void Folioweld::keyPressEvent(QKeyEvent* event) {
+  const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  if (!enter) {
+    QMainWindow::keyPressEvent(event);
+    return;
+  }
+  if (event->isAutoRepeat()) return;
+  for (CaptionButton* button : {cmdOK_, cmdCancel_}) {
+    if (!button->isDefault() || !button->isEnabled()) continue;
+    button->click();
+    return;
+  }
+}
+
+}  // namespace folioweld

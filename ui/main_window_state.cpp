@@ -1,0 +1,185 @@
+// What the controls show and which of them are enabled: idle, while a job runs, while a viewer is watched.
+
+#include "engine/merge_job.h"
+#include "ui/file_names.h"
+#include "ui/main_window.h"
+
+namespace folioweld {
+
+namespace {
+
+/// How long the wait for a viewer sleeps at most.
+constexpr int kViewerPollMillis = 50;
+
+}  // namespace
+
+void Folioweld::RefreshControls() {
+  for (int index = 0; index < 3; ++index) ShowSlotFileName(index);
+  if (!Busy()) {
+    if (shell_.StatusText(0).empty() && shell_.StatusText(1).empty() && shell_.StatusText(2).empty()) {
+      statusKept_ = false;
+    }
+    places_[0]->Select->setEnabled(true);
+    menus_.MenuPdfMergeDir->setEnabled(true);
+    RefreshInputs();
+    RefreshOutput();
+  }
+  pictToggle_->DrawToggle(false);
+}
+
+void Folioweld::RefreshInputs() {
+  const bool first = !FileName(1).empty();
+  RefreshMark(0, first ? QStringLiteral("1<") : QString());
+  places_[0]->Clear->setEnabled(first);
+  places_[1]->Select->setEnabled(first);
+  places_[2]->Select->setEnabled(first);
+  if (!first && !FileName(2).empty()) {
+    FileName(2).clear();
+    ShowSlotFileName(1);
+  }
+  const bool second = !FileName(2).empty();
+  RefreshMark(1, second ? QStringLiteral("2<") : QString());
+  places_[1]->Clear->setEnabled(second);
+  pictToggle_->setVisible(true);
+  pictToggle_->setEnabled(first && second);
+}
+
+void Folioweld::RefreshOutput() {
+  const bool output = !FileName(3).empty();
+  RefreshMark(2, output ? QStringLiteral(">") : QString());
+  places_[2]->Clear->setEnabled(output);
+  cmdOK_->setEnabled(output);
+  SetDefaultButton(output ? cmdOK_ : cmdCancel_);
+}
+
+void Folioweld::RefreshMark(int index, const QString& mark) {
+  if (!statusKept_) places_[static_cast<std::size_t>(index)]->txtDoing->SetCaption(mark);
+}
+
+void Folioweld::ShowSlotFileName(int index) {
+  FittingLabel* label = places_[static_cast<std::size_t>(index)]->txtFileName;
+  const std::string& name = FileName(index + 1);
+  label->SetCaption(ShownPath(name, kLongestShownPath));
+  label->setToolTip(ShownPath(name, static_cast<int>(name.size())).toHtmlEscaped());
+}
+
+void Folioweld::ResetSlots() {
+  MergeState& merge = program_.Merge;
+  merge.MergeStatus = 2;
+  merge.JobRunning = false;
+  merge.AbortRequested = false;
+  for (int slot = 1; slot <= 3; ++slot) {
+    if (slot < 3) merge.DocUsed(slot) = true;
+    merge.DocFileNumber(slot) = 0;
+    merge.DocHeader(slot).clear();
+    merge.DocSecondLine(slot).clear();
+    merge.DocXrefStart(slot) = -1;
+    FilePlace* place = places_[static_cast<std::size_t>(slot - 1)];
+    place->txtFileName->SetCaption({});
+    place->txtDoing->SetCaption({});
+  }
+}
+
+void Folioweld::ShowStatusText(int line, const std::string& text) {
+  places_[static_cast<std::size_t>(line)]->txtDoing->SetCaption(ShownText(text));
+}
+
+void Folioweld::DisableFileControls() {
+  for (FilePlace* place : places_) {
+    place->Select->setEnabled(false);
+    place->Clear->setEnabled(false);
+  }
+  pictToggle_->setEnabled(false);
+  cmdOK_->setEnabled(false);
+  menus_.MenuPdfMergeDir->setEnabled(false);
+}
+
+void Folioweld::SetDefaultButton(CaptionButton* button) {
+  cmdOK_->setDefault(button == cmdOK_);
+  cmdCancel_->setDefault(button == cmdCancel_);
+}
+
+void Folioweld::cmdOK_Click() {
+  if (Busy()) return;
+  job_.cmdOK_Click();
+  FinishIfEnding();
+}
+
+void Folioweld::BeginJob() {
+  statusKept_ = true;
+  DisableFileControls();
+}
+
+void Folioweld::EnterRunningState() {
+  statusKept_ = true;
+  ShowRunningLook(true);
+}
+
+void Folioweld::LeaveRunningState() {
+  // Between the rounds of a directory merge the look stays.
+  if (program_.ExternalBusy || !runningLook_) return;
+  ShowRunningLook(false);
+  places_[0]->Select->setEnabled(true);
+  places_[1]->Select->setEnabled(true);
+  cmdOK_->setEnabled(true);
+  SetDefaultButton(cmdOK_);
+  cmdOK_->setFocus();
+}
+
+void Folioweld::ShowRunningLook(bool running) {
+  runningLook_ = running;
+  cmdCancel_->setText(running ? tr("CANCEL (abort)") : tr("Exit"));
+  if (!running) {
+    unsetCursor();
+    return;
+  }
+  setCursor(Qt::WaitCursor);
+  SetDefaultButton(cmdCancel_);
+  cmdCancel_->setFocus();
+  DisableFileControls();
+}
+
+Folioweld::RunningLookLifted::RunningLookLifted(Folioweld& window)
+    : window_(window), lifted_(window.runningLook_) {
+  if (lifted_) window_.ShowRunningLook(false);
+}
+
+Folioweld::RunningLookLifted::~RunningLookLifted() {
+  if (lifted_) window_.ShowRunningLook(true);
+}
+
+void Folioweld::ShowOutput(const std::string& path) {
+  MergeState& merge = program_.Merge;
+  if (path.empty() || !merge.ShowOutputAfterMerge || merge.SilentMode || !ReaderAvailable || ending_) return;
+  Viewer::Process process = 0;
+  if (!viewer_.LaunchProcess(path, process)) return;
+  program_.ExternalBusy = true;
+  viewerWatched_ = true;
+  merge.AbortRequested = false;
+  EnterViewerMode();
+  viewer_.WaitForViewer(
+      process,
+      [this, &merge] {
+        if (ending_) return Viewer::Request::Leave;
+        return merge.AbortRequested ? Viewer::Request::Close : Viewer::Request::None;
+      },
+      [this] { shell_.WaitForEvents(kViewerPollMillis); });
+  viewerCollector_.start();
+  viewerWatched_ = false;
+  program_.ExternalBusy = false;
+  merge.AbortRequested = false;
+  merge.SilentMode = false;
+  unsetCursor();
+  cmdCancel_->setText(tr("Exit"));
+  RefreshControls();
+}
+
+void Folioweld::EnterViewerMode() {
+  DisableFileControls();
+  cmdCancel_->setText(tr("Close display window"));
+  setCursor(Qt::WaitCursor);
+  SetDefaultButton(cmdCancel_);
+  cmdCancel_->setFocus();
+}
+
+}  // namespace folioweld

@@ -1,0 +1,101 @@
+#include "ui/window_shell.h"
+
+#include <QCoreApplication>
+#include <QTimer>
+
+#include "ui/main_window.h"
+
+namespace folioweld {
+
+namespace {
+
+constexpr std::int64_t kPumpMillis = 5;
+/// A status text changes far more often than an eye can follow.
+constexpr std::int64_t kPaintMillis = 40;
+
+BoxIcon BoxIconOf(MessageIcon icon) {
+  switch (icon) {
+    case MessageIcon::Exclamation:
+      return BoxIcon::Exclamation;
+    case MessageIcon::Critical:
+      return BoxIcon::Critical;
+    case MessageIcon::Plain:
+      return BoxIcon::Plain;
+  }
+  return BoxIcon::Plain;
+}
+
+}  // namespace
+
+void WindowShell::Yield() {
+  const std::int64_t now = system_.MillisecondsNow();
+  if (now - pumpedAt_ < kPumpMillis || pumping_ || !window_.Busy()) return;
+  if (now - paintedAt_ >= kPaintMillis) {
+    ShowChangedStatusTexts();
+    paintedAt_ = now;
+  }
+  pumping_ = true;
+  QCoreApplication::processEvents();
+  pumping_ = false;
+  pumpedAt_ = system_.MillisecondsNow();
+}
+
+void WindowShell::WaitForEvents(int millis) {
+  QTimer alarm;
+  alarm.setSingleShot(true);
+  alarm.start(millis);
+  QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
+void WindowShell::RefreshControls() {
+  ShowChangedStatusTexts();
+  window_.RefreshControls();
+}
+
+void WindowShell::DisableInputPicking() {
+  window_.BeginJob();
+}
+
+void WindowShell::EnterRunningState() {
+  window_.EnterRunningState();
+}
+
+void WindowShell::LeaveRunningState() {
+  ShowChangedStatusTexts();
+  window_.LeaveRunningState();
+}
+
+void WindowShell::ShowMessage(MessageIcon icon, const std::string& title, const std::string& text) {
+  const Folioweld::RunningLookLifted lifted(window_);
+  window_.Ask().ShowBox({BoxIconOf(icon), title, text});
+}
+
+std::string WindowShell::AskForOutputFile(const OutputQuestion& question) {
+  const Folioweld::RunningLookLifted lifted(window_);
+  return window_.ChooseOutputFile(
+      {question.Title, question.DefaultExtension, question.Filter, question.InitialName});
+}
+
+std::string WindowShell::BrowseForFolder(const std::string& title, const std::string& initialFolder) {
+  const Folioweld::RunningLookLifted lifted(window_);
+  return window_.Ask().AskFolder({title, initialFolder});
+}
+
+void WindowShell::ShowOutput(const std::string& path) {
+  window_.ShowOutput(path);
+}
+
+void WindowShell::StatusTextChanged(int line) {
+  changed_.at(static_cast<std::size_t>(line)) = true;
+  if (!window_.Busy()) ShowChangedStatusTexts();
+}
+
+void WindowShell::ShowChangedStatusTexts() {
+  for (int line = 0; line < 3; ++line) {
+    if (!changed_.at(static_cast<std::size_t>(line))) continue;
+    changed_.at(static_cast<std::size_t>(line)) = false;
+    window_.ShowStatusText(line, StatusText(line));
+  }
+}
+
+}  // namespace folioweld

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "engine/merge_shell.h"
+#include "platform/windows_api.h"
+
+namespace folioweld {
+
+class Folioweld;
+
+/// The face of a job in the window. Events are handled every few milliseconds of a job, and only while one
+/// runs or a viewer is watched: outside of that nothing may come in between the steps of a handler.
+class WindowShell : public MergeShell {
+ public:
+  WindowShell(WindowsAPI& system, Folioweld& window) : system_(system), window_(window) {}
+
+  void Yield() override;
+  void RefreshControls() override;
+  void DisableInputPicking() override;
+  void EnterRunningState() override;
+  void LeaveRunningState() override;
+  void ShowMessage(MessageIcon icon, const std::string& title, const std::string& text) override;
+  std::string AskForOutputFile(const OutputQuestion& question) override;
+  std::string BrowseForFolder(const std::string& title, const std::string& initialFolder) override;
+  void ShowOutput(const std::string& path) override;
+
+  /// Handles events until there are none; sleeps up to the time given when there are none at first.
+  void WaitForEvents(int millis);
+
+ protected:
+  void StatusTextChanged(int line) override;
+
+ private:
+  void ShowChangedStatusTexts();
+
+  WindowsAPI& system_;
+  Folioweld& window_;
+  std::int64_t pumpedAt_ = 0;   ///< milliseconds
+  std::int64_t paintedAt_ = 0;  ///< milliseconds
+  bool pumping_ = false;
+  std::array<bool, 3> changed_{};
+};
+
+}  // namespace folioweld
