@@ -1,0 +1,53 @@
+#pragma once
+
+#include <algorithm>
+#include <cerrno>
+#include <string>
+
+#include "tests/support/faulting_system.h"
+
+namespace folioweld::testing {
+
+/// A system whose standard error, clock and stop signals belong to the test.
+class ScreenSystem : public FaultingSystem {
+ public:
+  bool ErrorOutputIsTerminal() override { return IsTerminal; }
+  int TerminalColumns() override { return Columns; }
+  SystemResult<std::size_t> WriteErrorOutput(const char* bytes, std::size_t count) override {
+    ++Writes;
+    if (Interruptions > 0) {
+      --Interruptions;
+      return SystemError{EINTR};
+    }
+    if (WriteError != 0) return SystemError{WriteError};
+    const std::size_t taken = std::min(count, MostBytes);
+    Written.append(bytes, taken);
+    return taken;
+  }
+  std::int64_t MillisecondsNow() override { return Now; }
+  SystemError CatchStopSignals() override {
+    CatchesSignals = true;
+    return {};
+  }
+  int StopSignal() override { return Signal; }
+
+  /// What was written since the last call.
+  std::string Take() {
+    std::string written;
+    written.swap(Written);
+    return written;
+  }
+
+  bool IsTerminal = false;
+  int Columns = 80;
+  std::string Written;
+  int Writes = 0;
+  int WriteError = 0;
+  int Interruptions = 0;
+  std::size_t MostBytes = static_cast<std::size_t>(-1);
+  std::int64_t Now = 0;
+  bool CatchesSignals = false;
+  int Signal = 0;
+};
+
+}  // namespace folioweld::testing

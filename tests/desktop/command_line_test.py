@@ -1,0 +1,76 @@
+#!/usr/bin/env python3
+"""Command lines with a screen: a folder is joined without the window, everything else opens it."""
+
+from case import DesktopTest, main
+from documents import LETTER, REPORT, STATIONS, fill_folder
+from window import EXIT, FIRST, TITLE, pages, select
+
+ALL = (LETTER, REPORT, STATIONS)
+
+
+class CommandLine(DesktopTest):
+    def setUp(self):
+        super().setUp()
+        self.documents = fill_folder(self.folder / "to join", ALL)
+        self.joined = self.folder / "joined.pdf"
+
+    def assert_joined(self):
+        self.assertEqual(pages(self.joined), sum(map(pages, ALL)))
+
+    def test_output_and_folder_are_joined_by_the_window_program_too(self):
+        window = self.open(f"{self.joined}|{self.documents}", ready=False)
+        window.wait_end(0)
+        self.assert_joined()
+        self.assertEqual(window.settings()["MergeCurDir"], f"{self.documents}/")
+
+    def test_two_arguments_mean_the_same(self):
+        window = self.open(str(self.joined), str(self.documents), ready=False)
+        window.wait_end(0)
+        self.assert_joined()
+
+    def test_relative_names_belong_to_the_folder_of_the_start(self):
+        window = self.open("joined.pdf|to join", ready=False, folder=self.folder)
+        window.wait_end(0)
+        self.assert_joined()
+
+    def test_a_folder_alone_asks_for_the_output_and_ends(self):
+        for program in ("folioweld", "folioweld-window"):
+            with self.subTest(program=program):
+                self.joined.unlink(missing_ok=True)
+                window = self.open(f"|{self.documents}", ready=False, program=program)
+                window.answer_file("Folioweld: Choose the OUTPUT FILE", self.joined)
+                window.wait_end(0)
+                self.assert_joined()
+
+    def test_a_folder_alone_ends_without_an_output_when_none_is_chosen(self):
+        window = self.open(f"|{self.documents}", ready=False)
+        window.dialog("Folioweld: Choose the OUTPUT FILE")
+        self.screen.press("Esc")
+        window.wait_end(1)
+        self.assertFalse(self.joined.exists())
+
+    def test_a_folder_that_is_not_there_opens_the_window_with_its_name(self):
+        window = self.open(f"{self.joined}|{self.folder}/none")
+        window.wait_path(FIRST, f"{self.folder}/none")
+
+    def test_folioweld_without_arguments_is_the_window(self):
+        window = self.open(program="folioweld")
+        self.assertEqual(self.screen.title(window.main_window()), TITLE)
+        self.assertEqual(window.enabled_buttons(), {select(FIRST), EXIT})
+        window.click(EXIT)
+        window.wait_end(0)
+
+    def test_any_other_argument_is_ignored(self):
+        window = self.open(str(LETTER), program="folioweld")
+        self.assertEqual(window.paths(), ["", "", ""])
+
+    def test_the_window_is_in_the_middle_of_the_screen(self):
+        window = self.open()
+        left, top, width, height = self.screen.outline(window.main_window())
+        # The frame of the window manager takes a few pixels on each side.
+        self.assertAlmostEqual(left + width / 2, 800, delta=30)
+        self.assertAlmostEqual(top + height / 2, 600, delta=30)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,74 @@
+"""Drags files from another program, with the mouse, as a file manager's user does."""
+
+import os
+from pathlib import Path
+
+from desktop import wait_for
+
+PROGRAM = Path(os.environ.get("FOLIOWELD_DRAG_SOURCE", "drag_source"))
+
+
+class DragSource:
+    """A window of another program whose content can be dragged away."""
+
+    def __init__(self, desktop, screen, environment, *items, text=False):
+        self._screen = screen
+        self._told = open(Path(environment["TMPDIR"]).parent / "drag-source", "w+b")
+        words = (["--text"] if text else []) + [os.fsencode(item) for item in items]
+        self._process = desktop.start([PROGRAM, *words], environment, stdout=self._told)
+        self._place = wait_for(self._outline, "the window to drag from")
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_error):
+        self._process.kill()
+        self._process.wait()
+        self._told.close()
+
+    def window(self):
+        windows = self._screen.windows_of(self._process.pid)
+        return windows[0] if windows else 0
+
+    def _outline(self):
+        return self.window() and self._screen.outline(self.window())
+
+    def told(self):
+        self._told.seek(0)
+        return self._told.read().decode().split("\n")[:-1]
+
+    def pick_up(self):
+        left, top, width, height = self._place
+        x, y = left + width // 2, top + height // 2
+        self._screen.move(x, y)
+        self._screen.press_button()
+        # Further than a hand trembles.
+        for step in range(1, 6):
+            self._screen.move(x + 8 * step, y + 4 * step)
+        wait_for(lambda: "dragging" in self.told(), "the drag begins")
+
+    def hover(self, x, y):
+        """Moves over a point; further small moves ask the program below anew."""
+        self._screen.move(x, y)
+        self._screen.move(x + 1, y)
+
+    def answer(self):
+        """What the program below would do with a drop."""
+        said = [line for line in self.told() if line.startswith("over: ")]
+        return said[-1].removeprefix("over: ") if said else None
+
+    def wait_answer(self, answer):
+        wait_for(lambda: self.answer() == answer, lambda: f"the answer {answer}; told: {self.told()}")
+
+    def let_go(self):
+        """Releases the button, and stays until the other program has taken what it wants."""
+        self._screen.release_button()
+        wait_for(lambda: "finished" in self.told(), lambda: f"the drag ends; told: {self.told()}")
+
+    def drop_on(self, place):
+        """Drags onto the middle of a rectangle and lets go there once the program below would copy."""
+        left, top, width, height = place
+        self.pick_up()
+        self.hover(left + width // 2, top + height // 2)
+        self.wait_answer("copy")
+        self.let_go()

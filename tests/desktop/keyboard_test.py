@@ -1,0 +1,150 @@
+#!/usr/bin/env python3
+"""The window without a mouse."""
+
+from case import DesktopTest, main
+from documents import LETTER, REPORT, STATIONS, fill_folder
+from window import EXIT, FIRST, GO, OUTPUT, SECOND, SWAP, clear, pages, select
+
+
+class Keyboard(DesktopTest):
+    def tab_to(self, window, name):
+        for _ in range(12):
+            if window.focused() == name:
+                return
+            before = window.focused()
+            self.screen.press("Tab")
+            self.wait(lambda: window.focused() != before, f"the keyboard leaves {before}")
+        self.fail(f"no way to {name} with Tab")
+
+    def fill_by_keyboard(self, window, *paths):
+        asked = ("1st input", "2nd input", "output")
+        for place, path in enumerate(paths):
+            self.tab_to(window, select(place))
+            self.screen.press("Space")
+            window.answer_file(f"Folioweld - Please choose {asked[place]} file", path)
+            window.wait_path(place, path)
+            self.wait(lambda: window.focused() is not None, "the window has the keyboard again")
+
+    def test_two_documents_are_joined(self):
+        window = self.open()
+        joined = self.folder / "joined.pdf"
+        self.fill_by_keyboard(window, LETTER, REPORT, joined)
+        self.assertEqual(window.default_button(), GO)
+        self.screen.press("Enter")
+        window.wait_finished()
+        self.assertEqual(pages(joined), pages(LETTER) + pages(REPORT))
+        self.tab_to(window, EXIT)
+        self.screen.press("Space")
+        window.wait_end()
+
+    def test_tab_follows_the_places(self):
+        window = self.open()
+        self.fill_by_keyboard(window, LETTER, REPORT, self.folder / "joined.pdf")
+        self.tab_to(window, select(FIRST))
+        order = [select(FIRST), clear(FIRST), SWAP, select(SECOND), clear(SECOND), select(OUTPUT), clear(OUTPUT),
+                 GO, EXIT]
+        for here, there in zip(order, order[1:] + order[:1]):
+            self.assertEqual(window.focused(), here)
+            self.screen.press("Tab")
+            self.wait(lambda: window.focused() != here, f"the keyboard leaves {here}")
+            self.assertEqual(window.focused(), there)
+        for here, there in zip(order[:1] + order[:0:-1], order[::-1]):
+            self.screen.press("Shift+Tab")
+            self.wait(lambda: window.focused() != here, f"the keyboard leaves {here}")
+            self.assertEqual(window.focused(), there)
+
+    def test_the_inputs_are_swapped_and_cleared(self):
+        window = self.open()
+        self.fill_by_keyboard(window, LETTER, REPORT)
+        self.tab_to(window, SWAP)
+        self.screen.press("Space")
+        window.wait_path(FIRST, REPORT)
+        window.wait_path(SECOND, LETTER)
+        self.tab_to(window, clear(FIRST))
+        self.screen.press("Space")
+        window.wait_path(FIRST, LETTER)
+        window.wait_path(SECOND, "")
+
+    def test_enter_presses_the_default_button_wherever_the_keyboard_is(self):
+        window = self.open()
+        joined = self.folder / "joined.pdf"
+        self.fill_by_keyboard(window, LETTER, REPORT, joined)
+        self.tab_to(window, clear(FIRST))
+        self.screen.press("Enter")
+        window.wait_finished()
+        self.assertEqual(window.path(FIRST), str(LETTER))
+
+    def test_enter_on_the_empty_window_is_exit(self):
+        window = self.open()
+        self.assertEqual(window.default_button(), EXIT)
+        self.screen.press("Enter")
+        window.wait_end()
+
+    def test_escape_never_closes_the_window(self):
+        window = self.open()
+        for key in ("Esc", "Shift+Esc"):
+            self.screen.press(key)
+        self.fill_by_keyboard(window, LETTER)
+        self.screen.press("Esc")
+        self.tab_to(window, EXIT)
+        self.screen.press("Esc")
+        # What was typed before this was handled before it.
+        self.screen.press("Shift+Tab")
+        self.wait(lambda: window.focused() != EXIT, "the window still listens")
+        self.assertTrue(window.runs())
+
+    def test_the_menus_open_with_f10_and_follow_the_arrows(self):
+        window = self.open()
+        self.screen.press("F10")
+        self.wait(lambda: window.focused() == "File", "the menu bar has the keyboard")
+        self.screen.press("Down")
+        self.wait(lambda: "showing" in window.menu_item("File", "Exit").states, "the menu is open")
+        self.screen.press("Esc")
+        self.wait(lambda: "showing" not in window.menu_item("File", "Exit").states, "the menu is closed")
+        self.screen.press("Esc")
+        self.assertTrue(window.runs())
+
+    def test_a_folder_is_joined_from_the_menu(self):
+        folder = fill_folder(self.folder / "to-join")
+        joined = self.folder / "joined.pdf"
+        window = self.open()
+        self.screen.press("F10")
+        self.wait(lambda: window.focused() == "File", "the menu bar has the keyboard")
+        self.screen.press("Down")
+        item = "Merge all PDF in a Directory"
+        self.wait(lambda: "showing" in window.menu_item("File", item).states, "the menu is open")
+        for _ in range(3):
+            if window.focused() == item:
+                break
+            self.screen.press("Down")
+        self.wait(lambda: window.focused() == item, f"{item} is chosen; {window.focused()} is")
+        self.screen.press("Enter")
+        window.answer_file("Folioweld: Choose FOLDER TO MERGE", folder)
+        window.answer_file("Folioweld: Choose the OUTPUT FILE", joined)
+        self.wait(lambda: joined.exists() and window.is_enabled(select(FIRST)), "the folder is joined")
+        self.assertEqual(pages(joined), pages(LETTER) + pages(REPORT) + pages(STATIONS))
+        self.assertEqual(window.settings()["MergeCurDir"], str(folder) + "/")
+
+
+class Names(DesktopTest):
+    def test_every_control_has_a_name_of_its_own(self):
+        window = self.open()
+        for role in ("push button", "panel", "label"):
+            names = [node.name for node in window.main.find_all(role, without=("menu bar",))]
+            self.assertTrue(all(name.strip() for name in names), names)
+            self.assertEqual(len(names), len(set(names)), names)
+        self.assertEqual({node.name for node in window.main.find_all("push button")},
+                         {select(0), select(1), select(2), clear(0), clear(1), clear(2), SWAP, GO, EXIT})
+        self.assertTrue(window.root.find("text", "Activity log"))
+        for node in window.main.find_all("menu item"):
+            self.assertTrue(node.name)
+
+    def test_the_labels_tell_what_they_show(self):
+        window = self.open()
+        window.fill(LETTER)
+        self.assertEqual(window.path(FIRST), str(LETTER))
+        self.assertEqual(window.status(FIRST), "1<")
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,140 @@
+#!/usr/bin/env python3
+"""screenshots.py FOLDER: takes the pictures of the window in all its states, scales and palettes.
+
+Only the keyboard is used, for the mouse would have to know the scale.
+"""
+
+import shutil
+import sys
+from pathlib import Path
+
+from accessible import AccessibilityBus
+from desktop import Desktop, wait_for
+from documents import LETTER, REPORT, fill_folder, write_large
+from drag import DragSource
+from screen import Screen
+from window import FIRST, GO, OUTPUT, TITLE, Window, select
+
+# Shown in the pictures, hence short.
+DOCUMENTS = Path("/tmp/folioweld")
+
+# A dark palette the way a desktop hands it to Qt without any plug-in.
+DARK = {"Button": ("49,54,59", "239,240,241"), "Window": ("42,46,50", "239,240,241"),
+        "View": ("27,30,32", "239,240,241"), "Selection": ("61,174,233", "255,255,255"),
+        "Tooltip": ("49,54,59", "239,240,241")}
+
+
+class Photographer:
+    def __init__(self, desktop, screen, bus, folder, scale, palette):
+        self.desktop, self.screen, self.bus, self.folder = desktop, screen, bus, folder
+        self.scale, self.palette = scale, palette
+        self.homes = 0
+
+    def open(self, log=False, slow_disk=False):
+        self.homes += 1
+        environment = self.desktop.home(f"{self.palette}{self.scale}-{self.homes}")
+        environment["QT_SCALE_FACTOR"] = str(self.scale)
+        config = Path(environment["XDG_CONFIG_HOME"])
+        (config / "folioweld").mkdir()
+        (config / "folioweld" / "settings.ini").write_text(f"[Settings]\nMenuShowLogWindow={int(log)}\n")
+        if self.palette == "dark":
+            environment.update(XDG_CURRENT_DESKTOP="KDE", KDE_SESSION_VERSION="5")
+            (config / "kdeglobals").write_text("".join(
+                f"[Colors:{group}]\nBackgroundNormal={back}\nBackgroundAlternate={back}\nForegroundNormal={fore}\n"
+                f"ForegroundInactive=140,143,146\nForegroundLink=29,153,243\nForegroundVisited=155,89,182\n"
+                for group, (back, fore) in DARK.items()))
+        return Window(self.desktop, self.screen, self.bus, environment, slow_disk=slow_disk).wait_until_ready()
+
+    def press_on(self, window, name):
+        while window.focused() != name:
+            before = window.focused()
+            self.screen.press("Tab")
+            wait_for(lambda: window.focused() not in (None, before), f"the keyboard leaves {before}")
+        self.screen.press("Space")
+
+    def fill(self, window, *paths):
+        for place, (path, asked) in enumerate(zip(paths, ("1st input", "2nd input", "output"))):
+            self.press_on(window, select(place))
+            window.answer_file(f"Folioweld - Please choose {asked} file", path)
+            window.wait_path(place, path)
+        window.wait_active(TITLE)
+        wait_for(window.focused, "the window has the keyboard")
+
+    def save(self, name, *windows):
+        """Waits until the windows with their frames look the same twice, then keeps that."""
+        self.screen.move(1, 1)
+        edges = [self.screen.framed(window) for window in windows]
+        left, top = min(edge[0] for edge in edges), min(edge[1] for edge in edges)
+        right, bottom = max(edge[0] + edge[2] for edge in edges), max(edge[1] + edge[3] for edge in edges)
+        place = (left, top, right - left, bottom - top)
+        pictures = []
+
+        def settled():
+            pictures.append(self.screen.pixels(place))
+            return len(pictures) > 8 and all(picture == pictures[-1] for picture in pictures[-8:])
+
+        if not name.endswith("running"):
+            wait_for(settled, "the picture stays the same")
+        self.screen.save_picture(place, self.folder / f"{name}-{self.palette}-{self.scale}.png")
+
+    def all(self):
+        for made in DOCUMENTS.glob("joined*"):
+            made.unlink()
+        window = self.open()
+        self.save("window-empty", window.main_window())
+        self.fill(window, DOCUMENTS / "letter.pdf", DOCUMENTS / "report.pdf", DOCUMENTS / "joined.pdf")
+        self.save("window-ready", window.main_window())
+        self.press_on(window, GO)
+        window.wait_finished()
+        self.save("window-finished", window.main_window())
+        window.close()
+
+        window = self.open(slow_disk=True)
+        self.fill(window, DOCUMENTS / "large-1.pdf", DOCUMENTS / "large-2.pdf", DOCUMENTS / "joined-large.pdf")
+        self.press_on(window, GO)
+        window.wait_running()
+        wait_for(lambda: window.status(OUTPUT), "the output is being written")
+        self.save("window-running", window.main_window())
+        window.close()
+
+        window = self.open(log=True)
+        with DragSource(self.desktop, self.screen, self.desktop.environment, DOCUMENTS / "to join") as source:
+            source.drop_on(self.screen.outline(window.main_window()))
+            window.dialog("Directory merge sorting option")
+            self.screen.hide(source.window())
+            self.save("sorting-options", self.screen.active())
+            self.screen.press("Enter")
+            window.answer_file("Folioweld: Choose the OUTPUT FILE", DOCUMENTS / "joined-folder.pdf")
+            wait_for(lambda: " Kill " in window.log_text(), "the log tells of the clean-up")
+            wait_for(lambda: window.is_enabled(select(FIRST)), "the folder is joined")
+        window.wait_active(TITLE)
+        self.save("log-window", window.main_window(), window.log_window())
+        window.close()
+        wait_for(lambda: not self.screen.managed(), "every window is gone")
+
+
+def main():
+    folder = Path(sys.argv[1])
+    DOCUMENTS.mkdir()
+    try:
+        shutil.copy(LETTER, DOCUMENTS / "letter.pdf")
+        shutil.copy(REPORT, DOCUMENTS / "report.pdf")
+        for number in (1, 2):
+            write_large(DOCUMENTS / f"large-{number}.pdf", 900)
+        fill_folder(DOCUMENTS / "to join")
+        desktop = Desktop("3200x2400x24")
+        try:
+            screen = Screen(desktop.display)
+            wait_for(screen.has_window_manager, "the window manager")
+            bus = AccessibilityBus(desktop.environment["DBUS_SESSION_BUS_ADDRESS"])
+            for palette in ("light", "dark"):
+                for scale in (1, 2):
+                    Photographer(desktop, screen, bus, folder, scale, palette).all()
+        finally:
+            desktop.close()
+    finally:
+        shutil.rmtree(DOCUMENTS)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,294 @@
+"""The program as a person finds it: its controls by the names that a screen reader tells."""
+
+import os
+import subprocess
+from pathlib import Path
+
+from accessible import Gone
+from desktop import SECONDS, TimeUp, children_of, wait_for
+
+ROOT = Path(__file__).resolve().parents[2]
+PROGRAMS = Path(os.environ.get("FOLIOWELD_PROGRAMS", ROOT / "build" / "dev" / "app"))
+SLOW_DISK = os.environ.get("FOLIOWELD_SLOW_DISK", "")
+
+FIRST, SECOND, OUTPUT = range(3)
+PLACES = ("1st input file", "2nd input file", "output file")
+FRAMES = ("1st input file ", "2nd input file", "Output (result) file")
+TITLE = "Folioweld (version " + (ROOT / "VERSION").read_text().strip() + ")"
+SWAP, GO, EXIT = "Swap the two input files", "Go! (launch PDF merge)", "Exit"
+ABORT, CLOSE_VIEWER = "CANCEL (abort)", "Close display window"
+
+_DIALOGS = ("dialog", "alert", "alert message", "file chooser")
+
+
+def select(place):
+    return "Select... " + PLACES[place]
+
+
+def clear(place):
+    return "Clear " + PLACES[place]
+
+
+class Window:
+    """One run of the program with a home of its own."""
+
+    def __init__(self, desktop, screen, bus, environment, arguments=(), program="folioweld-window", folder=None,
+                 slow_disk=False):
+        self.screen, self._bus = screen, bus
+        self.environment = dict(environment, LD_PRELOAD=SLOW_DISK) if slow_disk else environment
+        self._errors = open(Path(environment["TMPDIR"]).parent / "stderr", "w+b")
+        self.process = desktop.start([PROGRAMS / program, *arguments], self.environment, stderr=self._errors,
+                                     cwd=folder or environment["HOME"])
+        self._root = None
+
+    def close(self):
+        if self.process.poll() is None:
+            self.process.kill()
+        self.process.wait()
+        self._errors.close()
+
+    def errors(self):
+        self._errors.seek(0)
+        return self._errors.read().decode(errors="replace")
+
+    def wait_until_ready(self):
+        """The window is on the screen, in its final place, and has the keyboard."""
+        wait_for(lambda: self._main_node() is not None, lambda: "the window appears; " + self.errors())
+        self.wait_active(TITLE)
+        self._wait_settled(lambda: self._main_node().extents)
+        return self
+
+    # The tree.
+
+    @property
+    def root(self):
+        if self._root is None:
+            self._root = wait_for(self._application, "the program shows its controls to a screen reader")
+        return self._root
+
+    def _application(self):
+        if self.process.poll() is not None:
+            raise AssertionError(f"the program ended with {self.process.returncode}: {self.errors()}")
+        return self._bus.application(self.process.pid)
+
+    def _main_node(self):
+        try:
+            return next((node for node in self.root.children if node.role == "frame"), None)
+        except Gone:
+            return None
+
+    @property
+    def main(self):
+        return wait_for(self._main_node, "the main window")
+
+    def control(self, name, role="push button"):
+        return wait_for(lambda: self.main.find(role, name, without=("menu bar",)), f"a {role} {name!r}")
+
+    def is_enabled(self, name):
+        node = self.main.find("push button", name, without=("menu bar",))
+        return node is not None and "enabled" in node.states
+
+    def enabled_buttons(self):
+        return {node.name for node in self.main.find_all("push button", states=("enabled",))}
+
+    def focused(self):
+        """The name of what has the keyboard."""
+        # A menu and what holds it have the keyboard together; the innermost one is meant.
+        found = self.root.find_all(states=("focused",))
+        return found[-1].name if found else None
+
+    def default_button(self):
+        node = self.main.find("push button", states=("default",), without=("menu bar",))
+        return node.name if node else None
+
+    def _label(self, purpose):
+        node = self.main.find("label", lambda name: name.split(":")[0] == purpose, without=("menu bar",))
+        return node.name.partition(": ")[2] if node else None
+
+    def path(self, place):
+        return self._label("Name of the " + PLACES[place])
+
+    def paths(self):
+        return [self.path(place) for place in range(3)]
+
+    def status(self, place):
+        return self._label("Status of the " + PLACES[place])
+
+    def frame_of(self, place):
+        return self.control(FRAMES[place], "panel")
+
+    def wait_path(self, place, path):
+        wait_for(lambda: self.path(place) == str(path),
+                 lambda: f"{path} in the place of the {PLACES[place]}, which shows {self.path(place)!r}")
+
+    # The mouse.
+
+    def click(self, name):
+        self.click_node(self.wait_enabled(name), name)
+
+    def wait_enabled(self, name):
+        wait_for(lambda: self.is_enabled(name), lambda: f"{name!r} can be pressed; now: {self.enabled_buttons()}")
+        return self.control(name)
+
+    def click_node(self, node, what):
+        self.screen.click(self._wait_settled(lambda: node.extents, what))
+
+    def _wait_settled(self, extents, what="the window"):
+        """A place on the screen once it stays the same from one question to the next."""
+        last = []
+
+        def settled():
+            try:
+                last.append(extents())
+            except Gone:
+                last.clear()
+            return len(last) > 2 and last[-1] == last[-2] == last[-3] and last[-1][2] > 0 and last[-1]
+
+        return wait_for(settled, f"a place on the screen for {what}")
+
+    # The menus.
+
+    def choose(self, *captions):
+        """Clicks a menu and its items, one after the other."""
+        where = self.main.find("menu bar")
+        for caption in captions:
+            node = wait_for(lambda: where.find("menu item", caption, states=("showing", "enabled")),
+                            f"the menu item {caption!r} of {captions} opens")
+            self.click_node(node, caption)
+            where = node
+
+    def menu_item(self, *captions):
+        node = self.main.find("menu bar")
+        for caption in captions:
+            inside = node
+            node = wait_for(lambda: inside.find("menu item", caption), f"the menu item {caption!r}")
+        return node
+
+    def is_checked(self, *captions):
+        return "checked" in self.menu_item(*captions).states
+
+    # Dialogs and windows.
+
+    def dialogs(self):
+        """The open ones, as the tree tells them: object, role, name and states."""
+        found = self.root.snapshot(without=("menu bar", "label", "panel", "text", "push button") + _DIALOGS)
+        return [seen for seen in found if seen.role in _DIALOGS and "showing" in seen.states]
+
+    def dialog(self, title, role=None):
+        """An open dialog that has the keyboard."""
+        def found():
+            return next((seen.node for seen in self.dialogs() if seen.name == title and role in (None, seen.role)), None)
+
+        node = wait_for(found, lambda: f"a dialog {title!r}; open are {self.dialogs()}")
+        self.wait_active(title)
+        return node
+
+    def wait_no_dialog(self):
+        wait_for(lambda: not self.dialogs(), "the dialog closes")
+        self.wait_active(TITLE)
+
+    def wait_active(self, title):
+        screen = self.screen
+        wait_for(lambda: screen.active() in self.windows() and screen.title(screen.active()) == title,
+                 lambda: f"{title!r} has the keyboard; {screen.title(screen.active())!r} has it")
+
+    def answer_file(self, title, path, key="Enter"):
+        """Types a name into a file dialog."""
+        dialog = self.dialog(title)
+        field = wait_for(lambda: dialog.find("text", states=("focused", "editable")), "the field for the name")
+        # Qt's dialog may put the name that it has found so far into the field, also while more is typed. Then a
+        # person types it again.
+        # The list of completions takes the entry under the pointer for chosen, wherever it opens.
+        self.screen.move(1, 1)
+        for attempt in range(1, 6):
+            self.screen.press("Ctrl+a")
+            self.screen.type(str(path))
+            try:
+                wait_for(lambda: field.text == str(path), f"{path} is typed", SECONDS / 10)
+                self.screen.press(key)
+                wait_for(lambda: not self._is_on_top(dialog), f"{title!r} is answered with {path}", SECONDS / 10)
+                return
+            except (TimeUp, Gone):
+                if not self._is_on_top(dialog):
+                    return
+                if attempt == 5:
+                    raise
+
+    def _is_on_top(self, dialog):
+        if not self.runs():
+            return False
+        try:
+            return "active" in dialog.states and self.screen.title(self.screen.active()) == dialog.name
+        except Gone:
+            return False
+
+    def box_text(self, title):
+        """What a message box says, line by line."""
+        box = self.dialog(title)
+        texts = [node.name for node in box.find_all("label") if node.name]
+        return "\n".join(texts).strip("\n").split("\n")
+
+    def press_in(self, dialog, caption):
+        node = wait_for(lambda: dialog.find(name=lambda name: name.replace("&", "") == caption,
+                                            states=("showing", "enabled")), f"{caption!r} in the dialog")
+        self.click_node(node, caption)
+
+    def windows(self):
+        return self.screen.windows_of(self.process.pid)
+
+    def main_window(self):
+        return next((window for window in self.windows() if self.screen.title(window) == TITLE), 0)
+
+    def log_window(self):
+        return next((window for window in self.windows() if self.screen.title(window) == "Folioweld - Log"), 0)
+
+    def log_text(self):
+        node = self.root.find("text", "Activity log")
+        return node.text if node else None
+
+    # What a person does to get something done.
+
+    def fill(self, first=None, second=None, output=None):
+        """Chooses files in the dialogs."""
+        asked = ("1st input", "2nd input", "output")
+        for place, path in enumerate((first, second, output)):
+            if path is not None:
+                self.click(select(place))
+                self.answer_file(f"Folioweld - Please choose {asked[place]} file", path)
+                self.wait_path(place, path)
+
+    def wait_finished(self):
+        """A merge that went well has ended."""
+        wait_for(lambda: "-> OK" in (self.status(OUTPUT) or "") and self.is_enabled(GO),
+                 lambda: f"the merge ends well; {self.status(OUTPUT)!r}")
+
+    def wait_running(self):
+        wait_for(lambda: self.is_enabled(ABORT), "the merge runs")
+
+    # The process.
+
+    def wait_end(self, status=0):
+        wait_for(lambda: self.process.poll() is not None, "the program ends")
+        if self.process.returncode != status:
+            raise AssertionError(f"ended with {self.process.returncode} instead of {status}: {self.errors()}")
+
+    def runs(self):
+        return self.process.poll() is None
+
+    def children(self):
+        return children_of(self.process.pid)
+
+    def settings(self):
+        file = Path(self.environment["XDG_CONFIG_HOME"]) / "folioweld" / "settings.ini"
+        try:
+            text = file.read_text()
+        except FileNotFoundError:
+            return {}
+        pairs = (line.partition("=") for line in text.splitlines() if "=" in line)
+        return {key.strip(): value.strip().strip('"') for key, _, value in pairs}
+
+
+def pages(path):
+    """How many pages an independent reader finds; it also finds no fault in the file."""
+    subprocess.run(["qpdf", "--check", str(path)], check=True, stdout=subprocess.DEVNULL)
+    return int(subprocess.run(["qpdf", "--show-npages", str(path)], check=True, capture_output=True).stdout)

@@ -1,0 +1,280 @@
+#include "dirmerge/document_list.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+#include <vector>
+
+#include "tests/dirmerge/crowded_system.h"
+#include "tests/dirmerge/directory_merge_fixture.h"
+#include "tests/support/document_builder.h"
+
+namespace folioweld {
+namespace {
+
+using testing::FaultingSystem;
+using testing::Names;
+using testing::SimpleDocument;
+
+class DocumentListTest : public testing::DirectoryMergeFixture {
+ protected:
+  ListOutcome List() {
+    list_ = {};
+    logged_.clear();
+    noticed_.clear();
+    const ListOutcome outcome = ListDocuments(
+        Docs(), files_, shell_, program_.Merge, [this](const std::string& line) { logged_.push_back(line); },
+        [this](const std::string& line) { noticed_.push_back(line); }, list_);
+    std::sort(list_.Names.begin(), list_.Names.end());
+    return outcome;
+  }
+
+  void Fail(const std::string& call, const std::string& path, int error) {
+    system_.Decide = [=](const FaultingSystem::Call& made, std::size_t) {
+      return FaultingSystem::Fault{made.Name == call && made.Path == path ? error : 0, 0};
+    };
+  }
+
+  DocumentList list_;
+  Names logged_;
+  Names noticed_;
+};
+
+TEST_F(DocumentListTest, TakesEveryAcceptableFile) {
+  AddDocument("b.pdf");
+  AddDocument("a.pdf");
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_EQ(list_.Names, (Names{"a.pdf", "b.pdf"}));
+  EXPECT_TRUE(logged_.empty());
+}
+
+TEST_F(DocumentListTest, TakesHiddenNamesAndNamesWithoutADot) {
+  for (const char* name : {".hidden", "nodot", "report.txt", "...", "UPPER.PDF"}) AddDocument(name, "x");
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_EQ(list_.Names, (Names{"...", ".hidden", "UPPER.PDF", "nodot", "report.txt"}));
+}
+
+TEST_F(DocumentListTest, PassesOverThePageFileInAnyCase) {
+  for (const char* name : {"PAGEFILE.SYS", "pagefile.sys", "PageFile.Sys"}) AddDocument(name);
+  AddDocument("PAGEFILE.SYS2");
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_EQ(list_.Names, Names{"PAGEFILE.SYS2"});
+  EXPECT_TRUE(logged_.empty());
+}
+
+TEST_F(DocumentListTest, PassesOverFoldersAndLinksToFolders) {
+  folder_.MakeFolder("docs/folder.pdf");
+  std::filesystem::create_directory_symlink(Doc("folder.pdf"), Doc("link.pdf"));
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_TRUE(list_.Names.empty());
+  EXPECT_TRUE(logged_.empty());
+}
+
+TEST_F(DocumentListTest, FollowsLinksToFiles) {
+  folder_.Write("elsewhere", SimpleDocument(1));
+  std::filesystem::create_symlink(folder_.File("elsewhere"), Doc("link.pdf"));
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_EQ(list_.Names, Names{"link.pdf"});
+}
+
+TEST_F(DocumentListTest, PassesOverDanglingAndCircularLinksInSilence) {
+  std::filesystem::create_symlink("missing", Doc("dangling.pdf"));
+  std::filesystem::create_symlink("circle.pdf", Doc("circle.pdf"));
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_TRUE(list_.Names.empty());
+  EXPECT_TRUE(logged_.empty());
+}
+
+TEST_F(DocumentListTest, PassesOverWhatHasNoAttributes) {
+  AddDocument("a.pdf");
+  AddDocument("b.pdf");
+  Fail("GetFileAttributes", Doc("a.pdf"), EIO);
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_EQ(list_.Names, Names{"b.pdf"});
+  EXPECT_TRUE(logged_.empty());
+}
+
+TEST_F(DocumentListTest, NeitherBlocksAtNorReadsPipesAndSockets) {
+  ASSERT_EQ(::mkfifo(Doc("pipe.pdf").c_str(), 0600), 0);
+  const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
+  struct sockaddr_un address {};
+  address.sun_family = AF_UNIX;
+  ASSERT_LT(Doc("s.pdf").size(), sizeof address.sun_path);
+  Doc("s.pdf").copy(address.sun_path, sizeof address.sun_path - 1);
+  ASSERT_EQ(::bind(socket, reinterpret_cast<struct sockaddr*>(&address), sizeof address), 0);
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  ::close(socket);
+  EXPECT_TRUE(list_.Names.empty());
+  EXPECT_TRUE(logged_.empty());
+  for (const auto& call : system_.Calls) EXPECT_NE(call.Name, "CreateFile");
+}
+
+TEST_F(DocumentListTest, FileThatBecomesAPipeBeforeItIsOpenedIsRefused) {
+  AddDocument("a.pdf");
+  system_.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
+    if (call.Name == "CreateFile" && std::filesystem::is_regular_file(Doc("a.pdf"))) {
+      std::filesystem::remove(Doc("a.pdf"));
+      EXPECT_EQ(::mkfifo(Doc("a.pdf").c_str(), 0600), 0);
+    }
+    return FaultingSystem::Fault{};
+  };
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_TRUE(list_.Names.empty());
+  EXPECT_EQ(logged_[0], "File: \"a.pdf\"  is not acceptable for merging");
+}
+
+TEST_F(DocumentListTest, LogsARefusedFileThatIsNoDocumentInOneLineAndTellsNobody) {
+  folder_.Write("docs/notes.txt", "notes");
+  folder_.Write("docs/empty", "");
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  std::sort(logged_.begin(), logged_.end());
+  EXPECT_EQ(logged_, (Names{"File: \"empty\"  is not acceptable for merging",
+                            "File: \"notes.txt\"  is not acceptable for merging"}));
+  EXPECT_TRUE(noticed_.empty());
+  EXPECT_TRUE(list_.RefusedDocuments.empty());
+}
+
+TEST_F(DocumentListTest, TellsTheReasonOfARefusedFileThatBeginsAsADocument) {
+  folder_.Write("docs/half", "%PDF-1.4\nno comment");
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  const Names lines{
+      "File: \"half\"  is not acceptable for merging",
+      "  because of file offset 8: the second line is no comment of at least 5 characters (\"half\")"};
+  EXPECT_EQ(logged_, lines);
+  EXPECT_EQ(noticed_, lines);
+  EXPECT_EQ(list_.RefusedDocuments, Names{"half"});
+}
+
+TEST_F(DocumentListTest, FiveBytesMakeARefusedFileADocument) {
+  folder_.Write("docs/five", "%PDF-");
+  folder_.Write("docs/four", "%PDF");
+  folder_.Write("docs/later", " %PDF-1.4");
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_EQ(list_.RefusedDocuments, Names{"five"});
+}
+
+TEST_F(DocumentListTest, UnreadableFileCountsAsADocumentWhenItIsNamedLikeOne) {
+  AddDocument("a.PdF");
+  Fail("CreateFile", Doc("a.PdF"), EACCES);
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_EQ(noticed_, (Names{"File: \"a.PdF\"  is not acceptable for merging",
+                             "  because of the file cannot be opened: Permission denied (\"a.PdF\")"}));
+  EXPECT_EQ(list_.RefusedDocuments, Names{"a.PdF"});
+}
+
+TEST_F(DocumentListTest, UnreadableFileOfAnotherNameIsLoggedOnly) {
+  AddDocument("a.txt");
+  Fail("CreateFile", Doc("a.txt"), EACCES);
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_EQ(logged_, Names{"File: \"a.txt\"  is not acceptable for merging"});
+  EXPECT_TRUE(list_.RefusedDocuments.empty());
+}
+
+TEST_F(DocumentListTest, FileThatCannotBeReadCountsAsADocumentWhenItIsNamedLikeOne) {
+  AddDocument("a.pdf");
+  system_.Decide = FaultingSystem::Failing("ReadFile", EIO);
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_EQ(list_.RefusedDocuments, Names{"a.pdf"});
+}
+
+TEST_F(DocumentListTest, EmptyFileNamedLikeADocumentIsLoggedOnly) {
+  folder_.Write("docs/empty.pdf", "");
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_EQ(logged_, Names{"File: \"empty.pdf\"  is not acceptable for merging"});
+  EXPECT_TRUE(noticed_.empty());
+}
+
+TEST_F(DocumentListTest, GivesTheIdentityOfEveryAcceptedFile) {
+  AddDocument("a.pdf");
+  ASSERT_EQ(List(), ListOutcome::Complete);
+  struct stat status {};
+  ASSERT_EQ(::stat(Doc("a.pdf").c_str(), &status), 0);
+  EXPECT_EQ(list_.Identities, (std::vector<FileIdentity>{{status.st_dev, status.st_ino}}));
+}
+
+TEST_F(DocumentListTest, LeavesNoFileOpen) {
+  AddDocument("a.pdf");
+  folder_.Write("docs/half", "%PDF-1.4\nno comment");
+  folder_.Write("docs/no.pdf", "text");
+  ASSERT_EQ(List(), ListOutcome::Complete);
+  const auto count = [&](const char* name) {
+    return std::count_if(system_.Calls.begin(), system_.Calls.end(),
+                         [&](const auto& call) { return call.Name == name; });
+  };
+  EXPECT_EQ(count("CreateFile"), count("CloseHandle"));
+}
+
+TEST_F(DocumentListTest, CancelEndsTheListing) {
+  AddDocument("a.pdf");
+  AddDocument("b.pdf");
+  shell_.OnYield = [this] {
+    if (!list_.Names.empty()) program_.Merge.AbortRequested = true;
+  };
+  EXPECT_EQ(List(), ListOutcome::Cancelled);
+  EXPECT_EQ(list_.Names.size(), 1U);
+}
+
+TEST_F(DocumentListTest, CancelIsSeenAfterTheLastEntryToo) {
+  AddDocument("a.pdf");
+  long entries = 0;
+  shell_.OnYield = [&] {
+    // Two looks an entry: the file, "." and "..".
+    if (++entries == 5) program_.Merge.AbortRequested = true;
+  };
+  EXPECT_EQ(List(), ListOutcome::Cancelled);
+}
+
+TEST_F(DocumentListTest, FolderThatCannotBeListedIsAFailure) {
+  system_.Decide = FaultingSystem::Failing("FindFirstFile", EACCES);
+  EXPECT_EQ(List(), ListOutcome::FolderFailed);
+}
+
+TEST_F(DocumentListTest, ListingThatBreaksOffIsAFailure) {
+  AddDocument("a.pdf");
+  int calls = 0;
+  system_.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
+    return FaultingSystem::Fault{call.Name == "FindNextFile" && ++calls == 2 ? EIO : 0, 0};
+  };
+  EXPECT_EQ(List(), ListOutcome::FolderFailed);
+}
+
+TEST_F(DocumentListTest, InterruptedListingGoesOn) {
+  AddDocument("a.pdf");
+  int calls = 0;
+  system_.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
+    return FaultingSystem::Fault{call.Name == "FindNextFile" && ++calls % 2 == 1 ? EINTR : 0, 0};
+  };
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_EQ(list_.Names, Names{"a.pdf"});
+}
+
+class CrowdedListing : public DocumentListTest {
+ protected:
+  ListOutcome ListCrowd(int count) {
+    testing::CrowdedSystem crowd(folder_.Write("one", SimpleDocument(1)), count);
+    FileModule files(crowd);
+    const auto ignore = [](const std::string&) {};
+    const ListOutcome outcome =
+        ListDocuments("/anywhere/", files, shell_, program_.Merge, ignore, ignore, list_);
+    EXPECT_TRUE(crowd.Closed);
+    return outcome;
+  }
+};
+
+TEST_F(CrowdedListing, MayHoldAsManyDocumentsAsSixteenBitsCount) {
+  EXPECT_EQ(ListCrowd(32767), ListOutcome::Complete);
+  EXPECT_EQ(list_.Names.size(), 32767U);
+}
+
+TEST_F(CrowdedListing, WithOneDocumentMoreIsTooMuch) {
+  EXPECT_EQ(ListCrowd(32768), ListOutcome::TooMany);
+}
+
+}  // namespace
+}  // namespace folioweld

@@ -1,0 +1,42 @@
+#include "engine/character_set.h"
+
+#include <gtest/gtest.h>
+
+namespace folioweld {
+namespace {
+
+/// A set holds exactly the characters that it was made of, whatever the sign of a character.
+void ExpectSame(const CharacterSet& set, std::string_view members) {
+  for (int value = 0; value < 256; ++value) {
+    const char c = static_cast<char>(static_cast<unsigned char>(value));
+    EXPECT_EQ(set.Has(c), members.find(c) != std::string_view::npos) << value;
+  }
+}
+
+TEST(CharacterSetTest, TheReadersSetsHoldTheirCharactersAndNoOthers) {
+  ExpectSame(kWhiteSpaceSet, Conversions::kWhiteSpace);
+  ExpectSame(kDelimiterSet, Conversions::kDelimiters);
+  ExpectSame(kDelimiterOrEscapeSet, Conversions::kDelimitersWithEscape);
+  ExpectSame(kDigitSet, "0123456789");
+}
+
+TEST(CharacterSetTest, CharactersAbove127AreMembersLikeAnyOther) {
+  ExpectSame(CharacterSet("\x80\xFF"), "\x80\xFF");
+}
+
+TEST(CharacterSetTest, FindGivesTheFirstMemberAtOrAfterTheIndex) {
+  EXPECT_EQ(kWhiteSpaceSet.Find("ab c ", 0), 2U);
+  EXPECT_EQ(kWhiteSpaceSet.Find("ab c ", 2), 2U);
+  EXPECT_EQ(kWhiteSpaceSet.Find("ab c ", 3), 4U);
+  EXPECT_EQ(kWhiteSpaceSet.Find("abc", 0), 3U);
+  EXPECT_EQ(kWhiteSpaceSet.Find("", 0), 0U);
+}
+
+TEST(CharacterSetTest, SkipGivesTheFirstOtherCharacterAtOrAfterTheIndex) {
+  EXPECT_EQ(kWhiteSpaceSet.Skip(" \r\nx", 0), 3U);
+  EXPECT_EQ(kWhiteSpaceSet.Skip("x ", 0), 0U);
+  EXPECT_EQ(kWhiteSpaceSet.Skip("x ", 1), 2U);
+}
+
+}  // namespace
+}  // namespace folioweld

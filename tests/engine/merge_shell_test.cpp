@@ -1,0 +1,61 @@
+#include "engine/merge_shell.h"
+
+#include <gtest/gtest.h>
+#include <stdexcept>
+#include <vector>
+
+namespace folioweld {
+namespace {
+
+class WatchingShell : public MergeShell {
+ public:
+  std::vector<int> Changed;
+
+ protected:
+  void StatusTextChanged(int line) override { Changed.push_back(line); }
+};
+
+TEST(MergeShellTest, KeepsThreeStatusLines) {
+  MergeShell shell;
+  for (int line = 0; line < 3; ++line) EXPECT_EQ(shell.StatusText(line), "");
+  shell.SetStatusText(0, "first");
+  shell.SetStatusText(2, "output");
+  shell.AppendStatusText(2, "+");
+  shell.AppendStatusText(1, "+");
+  EXPECT_EQ(shell.StatusText(0), "first");
+  EXPECT_EQ(shell.StatusText(1), "+");
+  EXPECT_EQ(shell.StatusText(2), "output+");
+  shell.SetStatusText(0, "other");
+  EXPECT_EQ(shell.StatusText(0), "other");
+}
+
+TEST(MergeShellTest, HasNoFourthStatusLine) {
+  MergeShell shell;
+  EXPECT_THROW(static_cast<void>(shell.StatusText(3)), std::out_of_range);
+  EXPECT_THROW(shell.SetStatusText(-1, ""), std::out_of_range);
+  EXPECT_THROW(shell.AppendStatusText(3, "+"), std::out_of_range);
+}
+
+TEST(MergeShellTest, TellsAboutEveryChangeOfAStatusLine) {
+  WatchingShell shell;
+  shell.SetStatusText(1, "a");
+  shell.AppendStatusText(2, "b");
+  EXPECT_EQ(shell.Changed, (std::vector<int>{1, 2}));
+}
+
+TEST(MergeShellTest, LetsAJobRunWithoutAnybodyWatching) {
+  MergeShell shell;
+  shell.Yield();
+  shell.RefreshControls();
+  shell.DisableInputPicking();
+  shell.EnterRunningState();
+  shell.LeaveRunningState();
+  shell.ShowMessage(MessageIcon::Critical, "title", "text");
+  shell.ShowOutput("/tmp/out.pdf");
+  shell.Notice("line");
+  EXPECT_EQ(shell.AskForOutputFile({"title", "pdf", "filter", "name"}), "");
+  EXPECT_EQ(shell.BrowseForFolder("title", "/tmp"), "");
+}
+
+}  // namespace
+}  // namespace folioweld

@@ -1,0 +1,279 @@
+#include "engine/output_buffer.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "tests/support/faulting_system.h"
+#include "tests/support/temp_folder.h"
+
+namespace folioweld {
+namespace {
+
+using testing::FaultingSystem;
+using testing::ReadFile;
+
+class OutputBufferTest : public ::testing::Test {
+ protected:
+  static constexpr std::int64_t kSourceSize = 10 * 1024 * 1024;
+
+  OutputBufferTest() {
+    // Every place differs from every other: numbered pieces of a length that divides no block.
+    const std::string piece(4091, '.');
+    while (static_cast<std::int64_t>(SourceBytes.size()) < kSourceSize) {
+      SourceBytes += std::to_string(SourceBytes.size()) + piece;
+    }
+    SourceBytes.resize(static_cast<std::size_t>(kSourceSize));
+    From = System.CreateFile(Folder.Write("in", SourceBytes), OpenMode::ReadExisting).Value();
+    To = System.CreateFile(Folder.File("out"), OpenMode::WriteKeep).Value();
+    System.Calls.clear();
+  }
+  ~OutputBufferTest() override {
+    System.Decide = nullptr;
+    EXPECT_FALSE(System.CloseHandle(From));
+    EXPECT_FALSE(System.CloseHandle(To));
+  }
+
+  [[nodiscard]] std::string Part(std::int64_t offset, std::int64_t count) const {
+    return SourceBytes.substr(static_cast<std::size_t>(offset), static_cast<std::size_t>(count));
+  }
+
+  void ExpectWritten(const std::string& expected) {
+    const std::string written = ReadFile(Folder.File("out"));
+    EXPECT_EQ(written.size(), expected.size());
+    // Not EXPECT_EQ, which would print megabytes.
+    EXPECT_TRUE(written == expected);
+  }
+
+  [[nodiscard]] long CountOf(const std::string& call) const {
+    return std::count_if(System.Calls.begin(), System.Calls.end(),
+                         [&](const FaultingSystem::Call& made) { return made.Name == call; });
+  }
+
+  /// Copies the whole source between two short texts and expects it to arrive.
+  void CopyAllBetweenTexts() {
+    OutputBuffer buffer(System, To);
+    InputBuffer source(System, From, kSourceSize);
+    ASSERT_FALSE(buffer.Write(0, "stream\n"));
+    ASSERT_FALSE(buffer.Copy(7, source, From, 0, kSourceSize));
+    ASSERT_FALSE(buffer.Write(7 + kSourceSize, "endstream\r\n"));
+    ASSERT_FALSE(buffer.Flush());
+    ExpectWritten("stream\n" + SourceBytes + "endstream\r\n");
+  }
+
+  testing::TempFolder Folder;
+  FaultingSystem System;
+  std::string SourceBytes;
+  WindowsAPI::Handle From = -1;
+  WindowsAPI::Handle To = -1;
+};
+
+TEST_F(OutputBufferTest, GathersWritesThatFollowEachOther) {
+  OutputBuffer buffer(System, To);
+  EXPECT_FALSE(buffer.Write(0, "one "));
+  EXPECT_FALSE(buffer.Write(4, "two "));
+  EXPECT_FALSE(buffer.Write(8, "three"));
+  EXPECT_EQ(CountOf("WriteFile"), 0);
+  EXPECT_FALSE(buffer.Flush());
+  EXPECT_EQ(CountOf("WriteFile"), 1);
+  ExpectWritten("one two three");
+  EXPECT_FALSE(buffer.Flush());
+  EXPECT_EQ(CountOf("WriteFile"), 1) << "nothing is written twice";
+}
+
+TEST_F(OutputBufferTest, AJumpWritesWhatWasGathered) {
+  OutputBuffer buffer(System, To);
+  EXPECT_FALSE(buffer.Write(0, "0123456789"));
+  EXPECT_FALSE(buffer.Write(3, "abc"));
+  EXPECT_FALSE(buffer.Write(6, "d"));
+  EXPECT_FALSE(buffer.Flush());
+  ExpectWritten("012abcd789");
+}
+
+TEST_F(OutputBufferTest, WritesMoreThanItGathers) {
+  OutputBuffer buffer(System, To);
+  EXPECT_FALSE(buffer.Write(0, "a"));
+  EXPECT_FALSE(buffer.Write(1, Part(0, 1000000)));
+  EXPECT_FALSE(buffer.Write(1000001, "z"));
+  EXPECT_FALSE(buffer.Flush());
+  ExpectWritten("a" + Part(0, 1000000) + "z");
+}
+
+TEST_F(OutputBufferTest, ShortAndInterruptedWritesAreGoneOnWith) {
+  System.Decide = [](const FaultingSystem::Call& call, std::size_t index) {
+    if (call.Name != "WriteFile") return FaultingSystem::Fault{};
+    return index % 3 == 0 ? FaultingSystem::Fault{EINTR, 0}
+                          : FaultingSystem::Fault{0, index % 3 == 1 ? 70000U : 0U};
+  };
+  OutputBuffer buffer(System, To);
+  for (std::int64_t offset = 0; offset < 1000000; offset += 1000) {
+    ASSERT_FALSE(buffer.Write(offset, Part(offset, 1000)));
+  }
+  ASSERT_FALSE(buffer.Flush());
+  ExpectWritten(Part(0, 1000000));
+}
+
+TEST_F(OutputBufferTest, AFailedWriteIsTold) {
+  System.Decide = FaultingSystem::Failing("WriteFile", ENOSPC);
+  OutputBuffer buffer(System, To);
+  EXPECT_FALSE(buffer.Write(0, "text"));
+  EXPECT_EQ(buffer.Write(100, "text").Code, ENOSPC);
+  EXPECT_EQ(buffer.Write(4, Part(0, 300000)).Code, ENOSPC) << "more than it gathers";
+  EXPECT_EQ(buffer.Flush().Code, ENOSPC);
+}
+
+/// A device that takes nothing and reports no error.
+class FullSystem : public FaultingSystem {
+ public:
+  SystemResult<std::size_t> WriteFile(Handle, std::int64_t, const char*, std::size_t) override {
+    return std::size_t{0};
+  }
+};
+
+TEST_F(OutputBufferTest, AWriteOfNothingIsAnErrorAndNoEndlessLoop) {
+  FullSystem full;
+  OutputBuffer buffer(full, To);
+  EXPECT_FALSE(buffer.Write(0, "text"));
+  EXPECT_EQ(buffer.Flush().Code, EIO);
+}
+
+TEST_F(OutputBufferTest, BlocksThatFollowEachOtherAreCopiedInsideTheSystemInLargeSteps) {
+  OutputBuffer buffer(System, To);
+  InputBuffer source(System, From, kSourceSize);
+  ASSERT_FALSE(buffer.Write(0, "<"));
+  for (std::int64_t done = 0; done < kSourceSize; done += 1000) {
+    const std::int64_t count = std::min<std::int64_t>(1000, kSourceSize - done);
+    ASSERT_FALSE(buffer.Copy(1 + done, source, From, done, count));
+  }
+  EXPECT_EQ(CountOf("CopyFileRange"), 1) << "settled in steps of 8 MiB";
+  ASSERT_FALSE(buffer.Write(1 + kSourceSize, ">"));
+  ASSERT_FALSE(buffer.Flush());
+  EXPECT_EQ(CountOf("ReadFile"), 0) << "no stream byte passes through the program";
+  EXPECT_EQ(CountOf("CopyFileRange"), 2);
+  ExpectWritten("<" + SourceBytes + ">");
+}
+
+TEST_F(OutputBufferTest, AShortRangeGoesThroughMemory) {
+  OutputBuffer buffer(System, To);
+  InputBuffer source(System, From, kSourceSize);
+  ASSERT_FALSE(buffer.Copy(0, source, From, 5, 64 * 1024 - 1));
+  ASSERT_FALSE(buffer.Flush());
+  EXPECT_EQ(CountOf("CopyFileRange"), 0);
+  EXPECT_EQ(CountOf("WriteFile"), 1);
+  ASSERT_FALSE(buffer.Copy(64 * 1024 - 1, source, From, 0, 64 * 1024));
+  ASSERT_FALSE(buffer.Flush());
+  EXPECT_EQ(CountOf("CopyFileRange"), 1);
+  ExpectWritten(Part(5, 64 * 1024 - 1) + Part(0, 64 * 1024));
+}
+
+TEST_F(OutputBufferTest, RangesThatDoNotFollowEachOtherAreCopiedEachInItsPlace) {
+  OutputBuffer buffer(System, To);
+  InputBuffer source(System, From, kSourceSize);
+  InputBuffer sameFile(System, From, kSourceSize);
+  ASSERT_FALSE(buffer.Copy(0, source, From, 100, 10));
+  ASSERT_FALSE(buffer.Copy(10, source, From, 500, 10)) << "a jump in the input";
+  ASSERT_FALSE(buffer.Copy(20, sameFile, From, 510, 10)) << "another source";
+  ASSERT_FALSE(buffer.Copy(40, sameFile, From, 520, 10)) << "a jump in the output";
+  ASSERT_FALSE(buffer.Write(30, Part(0, 10)));
+  ASSERT_FALSE(buffer.Flush());
+  ExpectWritten(Part(100, 10) + Part(500, 10) + Part(510, 10) + Part(0, 10) + Part(520, 10));
+}
+
+TEST_F(OutputBufferTest, ARangeOfAnotherFileIsAnotherRangeWhereverItBegins) {
+  const auto otherFile =
+      System.CreateFile(Folder.Write("other", std::string(100, 'o')), OpenMode::ReadExisting);
+  OutputBuffer buffer(System, To);
+  InputBuffer source(System, From, kSourceSize);
+  InputBuffer other(System, otherFile.Value(), 100);
+  ASSERT_FALSE(buffer.Copy(0, source, From, 0, 50));
+  ASSERT_FALSE(buffer.Copy(50, other, otherFile.Value(), 50, 50));
+  ASSERT_FALSE(buffer.Flush());
+  ExpectWritten(Part(0, 50) + std::string(50, 'o'));
+  EXPECT_FALSE(System.CloseHandle(otherFile.Value()));
+}
+
+TEST_F(OutputBufferTest, ShortCopiesAreGoneOnWith) {
+  long copies = 0;
+  System.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
+    return FaultingSystem::Fault{0, call.Name == "CopyFileRange" && ++copies < 4 ? std::size_t{3000000} : 0U};
+  };
+  CopyAllBetweenTexts();
+  EXPECT_EQ(copies, 4);
+  EXPECT_EQ(CountOf("ReadFile"), 0);
+}
+
+TEST_F(OutputBufferTest, InterruptedCopiesAreTriedAgain) {
+  long copies = 0;
+  System.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
+    return FaultingSystem::Fault{call.Name == "CopyFileRange" && ++copies < 5 ? EINTR : 0, 0};
+  };
+  CopyAllBetweenTexts();
+  EXPECT_EQ(copies, 5);
+  EXPECT_EQ(CountOf("ReadFile"), 0);
+}
+
+TEST_F(OutputBufferTest, WhatTheSystemCannotCopyGoesThroughMemoryAndItIsNotAskedAgain) {
+  System.Decide = FaultingSystem::Failing("CopyFileRange", EXDEV);
+  CopyAllBetweenTexts();
+  EXPECT_EQ(CountOf("CopyFileRange"), 1);
+  EXPECT_GT(CountOf("ReadFile"), 0);
+  OutputBuffer buffer(System, To);
+  InputBuffer source(System, From, kSourceSize);
+  ASSERT_FALSE(buffer.Copy(0, source, From, 0, 100000));
+  ASSERT_FALSE(buffer.Write(100000, ""));
+  ASSERT_FALSE(buffer.Copy(100000, source, From, 0, 100000));
+  ASSERT_FALSE(buffer.Flush());
+  EXPECT_EQ(CountOf("CopyFileRange"), 2) << "once for each output";
+}
+
+TEST_F(OutputBufferTest, ACopyThatStopsHalfwayIsFinishedThroughMemory) {
+  long copies = 0;
+  System.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
+    if (call.Name != "CopyFileRange") return FaultingSystem::Fault{};
+    return ++copies < 4 ? FaultingSystem::Fault{0, static_cast<std::size_t>(kSourceSize) - 100001}
+                        : FaultingSystem::Fault{EIO, 0};
+  };
+  CopyAllBetweenTexts();
+  EXPECT_EQ(copies, 4);
+}
+
+TEST_F(OutputBufferTest, AFullDiskDuringACopyShows) {
+  System.Decide = [](const FaultingSystem::Call& call, std::size_t) {
+    return FaultingSystem::Fault{call.Name == "CopyFileRange" || call.Name == "WriteFile" ? ENOSPC : 0, 0};
+  };
+  OutputBuffer buffer(System, To);
+  InputBuffer source(System, From, kSourceSize);
+  ASSERT_FALSE(buffer.Copy(0, source, From, 0, 100000));
+  EXPECT_EQ(buffer.Flush().Code, ENOSPC);
+}
+
+TEST_F(OutputBufferTest, GatheredBytesThatCannotBeWrittenStopACopyBeforeItBegins) {
+  System.Decide = FaultingSystem::Failing("WriteFile", ENOSPC);
+  OutputBuffer buffer(System, To);
+  InputBuffer source(System, From, kSourceSize);
+  ASSERT_FALSE(buffer.Write(0, "text"));
+  ASSERT_FALSE(buffer.Copy(4, source, From, 0, 100000));
+  EXPECT_EQ(buffer.Flush().Code, ENOSPC);
+  EXPECT_EQ(CountOf("CopyFileRange"), 0);
+}
+
+TEST_F(OutputBufferTest, AFailedReadDuringACopyShows) {
+  System.Decide = FaultingSystem::Failing("ReadFile", EIO);
+  OutputBuffer buffer(System, To);
+  InputBuffer source(System, From, kSourceSize);
+  ASSERT_FALSE(buffer.Copy(0, source, From, 0, 1000));
+  EXPECT_EQ(buffer.Flush().Code, EIO);
+  ASSERT_FALSE(buffer.Copy(0, source, From, 0, 1000));
+  EXPECT_EQ(buffer.Write(1000, "x").Code, EIO);
+}
+
+TEST_F(OutputBufferTest, ASourceThatEndsEarlyShowsAsAFailedRead) {
+  OutputBuffer buffer(System, To);
+  InputBuffer source(System, From, kSourceSize + 100000);
+  ASSERT_FALSE(buffer.Copy(0, source, From, kSourceSize - 10, 100000));
+  EXPECT_EQ(buffer.Flush().Code, EIO);
+}
+
+}  // namespace
+}  // namespace folioweld

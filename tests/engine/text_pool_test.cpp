@@ -1,0 +1,62 @@
+#include "engine/text_pool.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace folioweld {
+namespace {
+
+constexpr std::size_t kBlock = 64 * 1024;
+
+TEST(TextPoolTest, KeepsACopyOfItsOwn) {
+  TextPool pool;
+  std::string text = "one";
+  const std::string_view kept = pool.Keep(text);
+  text = "two";
+  EXPECT_EQ(kept, "one");
+}
+
+TEST(TextPoolTest, AnEmptyTextIsEmpty) {
+  TextPool pool;
+  EXPECT_EQ(pool.Keep(""), "");
+}
+
+TEST(TextPoolTest, KeepsEveryByteValue) {
+  TextPool pool;
+  const std::string text("a\0\xFF\r\n", 5);
+  EXPECT_EQ(pool.Keep(text), text);
+}
+
+TEST(TextPoolTest, TextsStayWhereTheyAreWhileOthersAreAdded) {
+  TextPool pool;
+  std::vector<std::pair<std::string_view, std::string>> kept;
+  // Short, middle and long texts in turn, so that blocks end, begin and are passed over.
+  for (const std::size_t size : {1U, 100U, 40000U, 5U, 32768U, 32769U, 65536U, 65537U, 200000U, 7U}) {
+    for (int i = 0; i < 5; ++i) {
+      std::string text(size, static_cast<char>('a' + i));
+      const std::string_view view = pool.Keep(text);
+      kept.emplace_back(view, std::move(text));
+    }
+  }
+  for (const auto& [view, text] : kept) EXPECT_EQ(view, text);
+}
+
+TEST(TextPoolTest, ALongTextDoesNotEndTheBlockInUse) {
+  TextPool pool;
+  const std::string_view before = pool.Keep("before");
+  static_cast<void>(pool.Keep(std::string(2 * kBlock, 'x')));
+  const std::string_view after = pool.Keep("after");
+  EXPECT_EQ(after.data(), before.data() + before.size());
+}
+
+TEST(TextPoolTest, CanBeUsedAfterAReset) {
+  TextPool pool;
+  static_cast<void>(pool.Keep("before"));
+  pool.Reset();
+  EXPECT_EQ(pool.Keep("after"), "after");
+}
+
+}  // namespace
+}  // namespace folioweld

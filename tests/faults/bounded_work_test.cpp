@@ -1,0 +1,202 @@
+// Whatever the bytes, time and memory grow at most in proportion to them, and a cancel is seen at once.
+
+#include <algorithm>
+#include <cctype>
+#include <ctime>
+#include <gtest/gtest.h>
+#include <iostream>
+#include <string>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include "engine/merge_job.h"
+#include "tests/faults/child.h"
+#include "tests/faults/fault_sweep.h"
+#include "tests/faults/hostile_documents.h"
+#include "tests/support/document_builder.h"
+#include "tests/support/merge_run.h"
+#include "tests/support/temp_folder.h"
+
+namespace folioweld {
+namespace {
+
+using testing::HostileDocument;
+
+double CpuSeconds() {
+  struct timespec now {};
+  ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+  return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
+}
+
+/// Measures how long a cancel would have to wait, and makes one.
+class WatchingShell : public MergeShell {
+ public:
+  explicit WatchingShell(MergeState& state) : state_(state) {}
+  void Yield() override {
+    const double now = CpuSeconds();
+    if (last > 0) Longest = std::max(Longest, now - last);
+    last = now;
+    if (++Yields == CancelAt) {
+      state_.AbortRequested = true;
+      Cancelled = now;
+    }
+  }
+  long Yields = 0;
+  long CancelAt = -1;
+  double Longest = 0;
+  double Cancelled = 0;
+  double last = 0;
+
+ private:
+  MergeState& state_;
+};
+
+/// Counts what goes through the seam.
+class CountingSystem : public PosixApi {
+ public:
+  SystemResult<std::size_t> ReadFile(Handle file, std::int64_t offset, char* bytes,
+                                     std::size_t count) override {
+    ++Calls;
+    auto read = PosixApi::ReadFile(file, offset, bytes, count);
+    if (read.Ok()) Bytes += read.Value();
+    return read;
+  }
+  SystemResult<std::size_t> WriteFile(Handle file, std::int64_t offset, const char* bytes,
+                                      std::size_t count) override {
+    ++Calls;
+    Bytes += count;
+    return PosixApi::WriteFile(file, offset, bytes, count);
+  }
+  SystemResult<std::size_t> CopyFileRange(Handle from, std::int64_t fromOffset, Handle to,
+                                          std::int64_t toOffset, std::size_t count) override {
+    ++Calls;
+    auto copied = PosixApi::CopyFileRange(from, fromOffset, to, toOffset, count);
+    if (copied.Ok()) Bytes += copied.Value();
+    return copied;
+  }
+  std::size_t Calls = 0;
+  std::size_t Bytes = 0;
+};
+
+struct Cost {
+  double Seconds = 0;
+  double LongestWait = 0;  ///< between two looks at the user's wishes
+  long Yields = 0;
+  std::size_t Bytes = 0;  ///< through the seam
+  std::size_t Calls = 0;
+  long Kilobytes = 0;  ///< most memory
+  double CancelWait = 0;
+};
+
+std::ostream& operator<<(std::ostream& out, const Cost& cost) {
+  return out << cost.Seconds << " s, longest wait " << cost.LongestWait << " s, cancel " << cost.CancelWait
+             << " s, " << cost.Bytes << " bytes in " << cost.Calls << " calls, " << cost.Kilobytes << " KiB";
+}
+
+long MostMemory() {
+  struct rusage usage {};
+  ::getrusage(RUSAGE_SELF, &usage);
+  return usage.ru_maxrss;
+}
+
+Cost Merge(const std::string& first, const std::string& second, const std::string& output, long cancelAt) {
+  CountingSystem system;
+  FileModule files(system);
+  MergeState state;
+  WatchingShell shell(state);
+  ActivityLog log(shell);
+  MergeJob job(state, files, shell, log);
+  shell.CancelAt = cancelAt;
+  state.DocFileName(1) = first;
+  state.DocFileName(2) = second;
+  state.DocFileName(3) = output;
+  const double start = CpuSeconds();
+  job.cmdOK_Click();
+  const double end = CpuSeconds();
+  Cost cost;
+  cost.Seconds = end - start;
+  cost.LongestWait = std::max(shell.Longest, end - shell.last);
+  cost.Yields = shell.Yields;
+  cost.Bytes = system.Bytes;
+  cost.Calls = system.Calls;
+  cost.CancelWait = shell.Cancelled > 0 ? end - shell.Cancelled : 0;
+  return cost;
+}
+
+class BoundedWork : public ::testing::TestWithParam<HostileDocument> {
+ protected:
+  /// What joining the document as the first or the second one costs, in a process of its own.
+  Cost Measure(const std::string& bytes, int slot, bool cancel) {
+    const std::string hostile = folder_.Write("hostile.pdf", bytes);
+    const std::string plain = folder_.Write("plain.pdf", testing::SimpleDocument(1));
+    const std::string first = slot == 1 ? hostile : plain;
+    const std::string second = slot == 1 ? plain : hostile;
+    int pipe[2];
+    EXPECT_EQ(::pipe(pipe), 0);
+    const testing::ChildEnd end = testing::InChild([&] {
+      Cost cost = Merge(first, second, folder_.File("out.pdf"), -1);
+      cost.Kilobytes = MostMemory();
+      if (cancel) {
+        // At a third, half and nine tenths of the way.
+        for (const long at : {cost.Yields / 3, cost.Yields / 2, cost.Yields * 9 / 10}) {
+          cost.CancelWait =
+              std::max(cost.CancelWait, Merge(first, second, folder_.File("out.pdf"), at).CancelWait);
+        }
+      }
+      return ::write(pipe[1], &cost, sizeof cost) == sizeof cost ? 0 : 1;
+    });
+    ::close(pipe[1]);
+    Cost cost;
+    EXPECT_EQ(end.Status, 0);
+    EXPECT_EQ(::read(pipe[0], &cost, sizeof cost), static_cast<ssize_t>(sizeof cost));
+    ::close(pipe[0]);
+    return cost;
+  }
+
+  testing::TempFolder folder_;
+};
+
+TEST_P(BoundedWork, GrowsWithTheBytesAndNotFaster) {
+  const std::size_t small = testing::FullRun() ? 1000000 : testing::kSanitized ? 100000 : 300000;
+  const std::size_t factor = testing::FullRun() ? 16 : 4;
+  const long baseline = [&] { return Measure(testing::SimpleDocument(1), 1, false); }().Kilobytes;
+  for (const int slot : {1, 2}) {
+    const std::string lesser = GetParam().Build(small);
+    const std::string greater = GetParam().Build(small * factor);
+    const Cost few = Measure(lesser, slot, false);
+    const Cost many = Measure(greater, slot, true);
+    std::cout << "  " << lesser.size() << ": " << few << "\n  " << greater.size() << ": " << many << '\n';
+    const double growth = static_cast<double>(greater.size()) / static_cast<double>(lesser.size());
+    EXPECT_LT(many.Seconds, few.Seconds * growth * 1.7 + 0.1);
+    // A jump back reads a window of 4 KiB, and a section is some 80 bytes long.
+    EXPECT_LT(many.Bytes, 60 * greater.size() + 40000000);
+    EXPECT_LT(many.Calls, greater.size() / 60 + 1000);
+    // No more than a fixed number of bytes for every byte of the file, beside the object table.
+    const double bytesOfMemory = 1024.0 * static_cast<double>(many.Kilobytes - baseline);
+    if (!testing::kSanitized) {
+      EXPECT_LT(bytesOfMemory, 128.0 * 1024 * 1024 + 200.0 * static_cast<double>(greater.size()));
+    }
+    const double blink = testing::kSanitized ? 2.0 : 0.2;
+    EXPECT_LT(many.LongestWait, blink);
+    EXPECT_LT(many.CancelWait, blink);
+  }
+}
+
+std::string NameOf(const ::testing::TestParamInfo<HostileDocument>& info) {
+  std::string name;
+  bool upper = true;
+  for (const char c : info.param.Name) {
+    if (std::isalnum(static_cast<unsigned char>(c)) == 0) {
+      upper = true;
+      continue;
+    }
+    name += upper ? static_cast<char>(std::toupper(static_cast<unsigned char>(c))) : c;
+    upper = false;
+  }
+  return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Hostile, BoundedWork, ::testing::ValuesIn(testing::HostileDocuments()), NameOf);
+
+}  // namespace
+}  // namespace folioweld

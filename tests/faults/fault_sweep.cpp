@@ -1,0 +1,139 @@
+#include "tests/faults/fault_sweep.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <iostream>
+#include <limits>
+#include <map>
+#include <vector>
+
+#include "platform/system_result.h"
+
+namespace folioweld::testing {
+
+namespace {
+
+using Fault = FaultingSystem::Fault;
+
+/// All but one byte is left out.
+constexpr std::size_t kAlmostAll = std::numeric_limits<std::size_t>::max();
+
+const std::vector<Fault>& FaultsOf(const std::string& call) {
+  static const std::map<std::string, std::vector<Fault>> faults = {
+      {"CreateFile", {{EACCES, 0}, {EMFILE, 0}, {ENOSPC, 0}, {EIO, 0}, {EINTR, 0}}},
+      {"ReadFile", {{EIO, 0}, {EINTR, 0}, {0, kAlmostAll}}},
+      {"WriteFile", {{ENOSPC, 0}, {EIO, 0}, {EINTR, 0}, {0, kAlmostAll}}},
+      {"CopyFileRange", {{ENOSPC, 0}, {EIO, 0}, {EXDEV, 0}, {EINTR, 0}, {0, 1000}}},
+      {"GetFileInformationByHandle", {{EIO, 0}}},
+      {"SetEndOfFile", {{EIO, 0}, {EFBIG, 0}, {EINTR, 0}}},
+      {"FlushFileBuffers", {{EIO, 0}, {ENOSPC, 0}, {EINTR, 0}}},
+      {"LockFile", {{ENOLCK, 0}, {EINTR, 0}}},
+      {"TryLockFile", {{ENOLCK, 0}, {EWOULDBLOCK, 0}, {EINTR, 0}}},
+      {"CloseHandle", {{EIO, 0}, {ENOSPC, 0}}},
+      {"GetFileAttributes", {{EIO, 0}, {EACCES, 0}}},
+      {"GetLinkAttributes", {{EIO, 0}, {EACCES, 0}}},
+      {"SetFileAttributesNormal", {{EPERM, 0}}},
+      {"DeleteFile", {{EIO, 0}, {EACCES, 0}}},
+      {"MoveFile", {{EIO, 0}, {EACCES, 0}, {ENOSPC, 0}}},
+      {"CreateDirectory", {{EACCES, 0}, {ENOSPC, 0}}},
+      {"FindFirstFile", {{EACCES, 0}, {EMFILE, 0}, {EIO, 0}}},
+      {"FindNextFile", {{EIO, 0}}},
+      {"GetCurrentDirectory", {{ENOENT, 0}, {EACCES, 0}}},
+      {"SetCurrentDirectory", {{EACCES, 0}, {ENOENT, 0}}},
+      {"RandomNumber", {{EIO, 0}, {EINTR, 0}}},
+      {"FileTimeToLocalTime", {{EOVERFLOW, 0}}},
+  };
+  static const std::vector<Fault> unknown = {{EIO, 0}};
+  const auto found = faults.find(call);
+  return found == faults.end() ? unknown : found->second;
+}
+
+const char* Word(FaultTrial::Reach how) {
+  switch (how) {
+    case FaultTrial::Reach::Once:
+      return "once";
+    case FaultTrial::Reach::SameCalls:
+      return "and all later ones";
+    default:
+      return "and everything after it";
+  }
+}
+
+}  // namespace
+
+std::function<FaultingSystem::Fault(const FaultingSystem::Call&, std::size_t)> FaultTrial::Decide() {
+  return [this](const FaultingSystem::Call& call, std::size_t index) {
+    if (index < Site) return FaultingSystem::Fault{};
+    if (index == Site) {
+      Reached = true;
+      CallName = call.Name;
+      const auto& faults = FaultsOf(call.Name);
+      Injected = How == Reach::EverythingElse ? FaultingSystem::Fault{EIO, 0}
+                 : Fault < faults.size()      ? faults[Fault]
+                                              : FaultingSystem::Fault{};
+      return Injected;
+    }
+    const bool hit = How == Reach::EverythingElse || (How == Reach::SameCalls && call.Name == CallName);
+    return hit ? Injected : FaultingSystem::Fault{};
+  };
+}
+
+bool FaultTrial::HasToPassUnnoticed() const {
+  if (!Reached) return true;
+  return Injected.Error == 0 || (Injected.Error == EINTR && How == Reach::Once);
+}
+
+bool FaultTrial::NothingCanBeDeleted() const {
+  return How == Reach::EverythingElse || (How == Reach::SameCalls && CallName == "DeleteFile");
+}
+
+bool FaultTrial::MayLeaveAnEmptyFile() const {
+  // A file that somebody else has locked is theirs, empty or not.
+  if (Injected.Error == EWOULDBLOCK) return true;
+  return NothingCanBeDeleted() || (How == Reach::SameCalls && CallName == "GetLinkAttributes");
+}
+
+std::string FaultTrial::Description() const {
+  return "call " + std::to_string(Site) + ", " + CallName + " " + Word(How) + ": " +
+         (Injected.Error != 0 ? SystemError{Injected.Error}.Words() : "cut short");
+}
+
+SweepFigures SweepFaults(const std::function<void(FaultTrial&)>& run, std::size_t stride) {
+  SweepFigures figures;
+  for (std::size_t site = 0;; site += stride) {
+    bool reached = false;
+    for (const auto how :
+         {FaultTrial::Reach::Once, FaultTrial::Reach::SameCalls, FaultTrial::Reach::EverythingElse}) {
+      for (std::size_t fault = 0;; ++fault) {
+        FaultTrial trial;
+        trial.Site = site;
+        trial.Fault = fault;
+        trial.How = how;
+        run(trial);
+        reached = reached || trial.Reached;
+        if (::testing::Test::HasFailure()) {
+          ADD_FAILURE() << "with this fault: " << trial.Description();
+          return figures;
+        }
+        if (!trial.Reached) break;
+        ++figures.Faults;
+        if (how == FaultTrial::Reach::EverythingElse || fault + 1 >= FaultsOf(trial.CallName).size()) break;
+      }
+      if (!reached) break;
+    }
+    if (!reached) break;
+    ++figures.Sites;
+  }
+  std::cout << "  sites: " << figures.Sites << ", faults: " << figures.Faults << '\n';
+  ::testing::Test::RecordProperty("sites", static_cast<int>(figures.Sites));
+  ::testing::Test::RecordProperty("faults", static_cast<int>(figures.Faults));
+  return figures;
+}
+
+bool FullRun() {
+  const char* const full = std::getenv("FOLIOWELD_FAULTS_FULL");
+  return full != nullptr && std::string(full) == "1";
+}
+
+}  // namespace folioweld::testing

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+
+#include "tests/support/faulting_system.h"
+
+namespace folioweld::testing {
+
+/// One fault at one place.
+struct FaultTrial {
+  enum class Reach {
+    Once,           ///< the call alone fails
+    SameCalls,      ///< it and all later calls of its kind fail
+    EverythingElse  ///< it and every later call fail, as if the disk had been pulled out
+  };
+
+  std::size_t Site = 0;  ///< which call, counted from 0
+  std::size_t Fault = 0;
+  Reach How = Reach::Once;
+
+  // Known once the site was reached.
+  bool Reached = false;
+  std::string CallName;
+  FaultingSystem::Fault Injected;
+
+  /// The decision that makes the fault happen; the trial has to outlive it.
+  std::function<FaultingSystem::Fault(const FaultingSystem::Call&, std::size_t)> Decide();
+
+  /// A signal or a short transfer, which a program has to live through unnoticed.
+  [[nodiscard]] bool HasToPassUnnoticed() const;
+  /// Deleting failed for good, so that whatever was there has to stay.
+  [[nodiscard]] bool NothingCanBeDeleted() const;
+
+  /// Deleting failed for good, it cannot be found out what is there, or it is somebody else's.
+  [[nodiscard]] bool MayLeaveAnEmptyFile() const;
+
+  [[nodiscard]] std::string Description() const;
+};
+
+/// What was tried.
+struct SweepFigures {
+  std::size_t Sites = 0;
+  std::size_t Faults = 0;
+};
+
+/// Calls `run` with every fault that every call can have, once and lasting, from the first call on until a
+/// run passes untouched. `stride` leaves out sites. Every trial runs in a trace that names it.
+SweepFigures SweepFaults(const std::function<void(FaultTrial&)>& run, std::size_t stride = 1);
+
+/// FOLIOWELD_FAULTS_FULL=1 in the environment.
+[[nodiscard]] bool FullRun();
+
+/// Whether sanitizers slow the program down.
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr bool kSanitized = true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+inline constexpr bool kSanitized = true;
+#else
+inline constexpr bool kSanitized = false;
+#endif
+#else
+inline constexpr bool kSanitized = false;
+#endif
+
+}  // namespace folioweld::testing

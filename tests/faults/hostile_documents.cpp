@@ -1,0 +1,245 @@
+#include "tests/faults/hostile_documents.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "tests/support/document_builder.h"
+
+namespace folioweld::testing {
+
+namespace {
+
+constexpr char kHeader[] = "%PDF-1.4\n%\xE2\xE3\xCF\xD3\n";
+
+std::string Times(const std::string& text, std::size_t count) {
+  std::string repeated;
+  repeated.reserve(text.size() * count);
+  for (std::size_t i = 0; i < count; ++i) repeated += text;
+  return repeated;
+}
+
+std::string Entry(std::size_t offset) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%010zu 00000 n \n", offset);
+  return text;
+}
+
+/// The same in lines of some thousand bytes: longer ones than 100,000 are refused.
+std::string TimesInLines(const std::string& text, std::size_t count) {
+  std::string repeated;
+  const std::size_t perLine = 2000 / text.size() + 1;
+  for (std::size_t i = 0; i < count; ++i) {
+    repeated += text;
+    if (i % perLine == perLine - 1) repeated += '\n';
+  }
+  return repeated;
+}
+
+constexpr char kFreeEntry[] = "0000000000 65535 f \n";
+
+/// Ends the bytes with a section of the offsets (objects 1 and up) and the tail that is looked for.
+std::string WithSection(std::string bytes, const std::vector<std::size_t>& offsets,
+                        const std::string& trailer = "") {
+  const std::size_t xref = bytes.size();
+  const std::string size = std::to_string(offsets.size() + 1);
+  bytes += "xref\n0 " + size + "\n" + kFreeEntry;
+  for (const std::size_t offset : offsets) bytes += Entry(offset);
+  bytes += "trailer\n<</Size " + size + "/Root 1 0 R" + trailer + "\n>>\nstartxref\n" + std::to_string(xref) +
+           "\n%%EOF\n";
+  return bytes;
+}
+
+/// A document whose catalog holds the text as the value of one more key.
+std::string WithCatalogValue(const std::string& value) {
+  DocumentBuilder builder;
+  builder.Object(1, "<</Type/Catalog/Pages 2 0 R/X " + value + ">>");
+  builder.Object(2, "<</Type/Pages/Kids[3 0 R]/Count 1/Y " + value + ">>");
+  builder.Object(3, "<</Type/Page/Parent 2 0 R/MediaBox[0 0 9 9]>>");
+  return builder.Build();
+}
+
+std::string EndlessTrailer(std::size_t bytes) {
+  const std::string start = kHeader;
+  return start + "xref\n0 1\n" + kFreeEntry + "trailer\n<<\n" + Times("/A 1\n", bytes / 5) + "  startxref\n" +
+         std::to_string(start.size()) + "\n%%EOF\n";
+}
+
+std::string EndlessObject(std::size_t bytes) {
+  // Everything behind the section belongs to object 1, and nothing ends it.
+  const std::string start = kHeader;
+  std::string text = start + "xref\n0 2\n" + kFreeEntry;
+  const std::string trailer = "trailer\n<</Size 2/Root 1 0 R\n>>\nstartxref\n0\n";
+  text += Entry(text.size() + 20 + trailer.size()) + trailer + "1 0 obj\n" + Times("<</A 1\n", bytes / 7) +
+          "  startxref\n" + std::to_string(start.size()) + "\n%%EOF\n";
+  return text;
+}
+
+std::string ManySections(std::size_t bytes) {
+  std::string text = kHeader;
+  std::size_t previous = 0;
+  do {
+    const std::size_t here = text.size();
+    text += std::string("xref\n0 1\n") + kFreeEntry + "trailer\n<</Size 1/Root 0 0 R" +
+            (previous > 0 ? "/Prev " + std::to_string(previous) : "") + "\n>>\nstartxref\n";
+    previous = here;
+  } while (text.size() < bytes);
+  return text + std::to_string(previous) + "\n%%EOF\n";
+}
+
+std::string SectionsInEachOther(std::size_t bytes) {
+  // Headers without an end of their own: each section runs to the one "startxref" at the end, and leads to
+  // the next one within itself.
+  const std::string start = kHeader;
+  constexpr std::size_t kLength = 80;
+  std::string text = start;
+  do {
+    std::string section = std::string("xref\n0 1\n") + kFreeEntry + "<</Size 1/Root 0 0 R/Prev " +
+                          std::to_string(text.size() + kLength);
+    section.resize(kLength - 3, ' ');
+    text += section + ">>\n";
+  } while (text.size() < bytes);
+  return text + "startxref\n" + std::to_string(start.size()) + "\n%%EOF\n";
+}
+
+std::string DeepArrays(std::size_t bytes) {
+  return WithCatalogValue(TimesInLines("[", bytes / 4) + TimesInLines("]", bytes / 4));
+}
+
+std::string DeepUnclosedBrackets(std::size_t bytes) {
+  return WithCatalogValue(TimesInLines("[(<", bytes / 6));
+}
+
+std::string DeepDictionaries(std::size_t bytes) {
+  return WithCatalogValue(TimesInLines("<</A ", bytes / 14) + "1" + TimesInLines(">>", bytes / 14));
+}
+
+std::string DeepUnnamedDictionaries(std::size_t bytes) {
+  return WithCatalogValue(TimesInLines("<<", bytes / 8) + TimesInLines(">>", bytes / 8));
+}
+
+std::string ManyComments(std::size_t bytes) {
+  return WithCatalogValue(TimesInLines("%\r/A%%%%/B", bytes / 20));
+}
+
+std::string ManyReferences(std::size_t bytes) {
+  return WithCatalogValue("[" + TimesInLines("1 0 1 0 1 0 R ", bytes / 28) + "]");
+}
+
+std::string ManyKeys(std::size_t bytes) {
+  return WithCatalogValue("<<" + TimesInLines("/A", bytes / 4) + ">>");
+}
+
+std::string ManySlashes(std::size_t bytes) {
+  return WithCatalogValue("<<" + TimesInLines("/", bytes / 2) + ">>");
+}
+
+std::string ManyHexStrings(std::size_t bytes) {
+  return WithCatalogValue("[" + TimesInLines("1 <", bytes / 6) + "]");
+}
+
+std::string ManyStrings(std::size_t bytes) {
+  return WithCatalogValue("[" + TimesInLines("1 0 R(", bytes / 12) + "]");
+}
+
+std::string ManyEntries(std::size_t bytes) {
+  const std::size_t count = std::min<std::size_t>(bytes / 20, 350000);
+  std::string text = std::string(kHeader) + "1 0 obj\n<</Type/Catalog/Pages 2 0 R>>\nendobj\n";
+  std::vector<std::size_t> offsets = {std::string(kHeader).size(), text.size()};
+  text += "2 0 obj\n<</Type/Pages/Kids[]/Count 0>>\nendobj\n";
+  const std::size_t xref = text.size();
+  text += "xref\n0 " + std::to_string(count) + "\n" + kFreeEntry + Entry(offsets[0]) + Entry(offsets[1]);
+  text += Times(kFreeEntry, count - 3);
+  return text + "trailer\n<</Size " + std::to_string(count) + "/Root 1 0 R\n>>\nstartxref\n" +
+         std::to_string(xref) + "\n%%EOF\n";
+}
+
+std::string LongLines(std::size_t bytes) {
+  const std::string line = "(" + std::string(99996, 'x') + ")\n";
+  return WithCatalogValue("[\n" + Times(line, bytes / line.size() / 2 + 1) + "]");
+}
+
+std::string LineEndsOnly(std::size_t bytes) {
+  std::string text = kHeader + std::string(bytes, '\n');
+  return WithSection(std::move(text), {std::string(kHeader).size()});
+}
+
+std::string ObjectsBetweenLineEnds(std::size_t bytes) {
+  // Every object runs through all that follow, whose headers stand far from each other.
+  std::string text = kHeader;
+  std::vector<std::size_t> offsets;
+  const std::size_t gap = 400;
+  for (std::size_t number = 1; text.size() < bytes; ++number) {
+    offsets.push_back(text.size());
+    text += std::to_string(number) + " 0 obj\n" + std::string(gap, '\n');
+  }
+  return WithSection(text + "endobj\n", offsets);
+}
+
+std::string ObjectsInEachOther(std::size_t bytes) {
+  std::string text = kHeader;
+  std::vector<std::size_t> offsets;
+  for (std::size_t number = 1; text.size() < bytes; ++number) {
+    offsets.push_back(text.size());
+    text += std::to_string(number) + " 0 obj 1\n";
+  }
+  return WithSection(text + "endobj\n", offsets);
+}
+
+std::string ManyLines(std::size_t bytes) {
+  return WithCatalogValue("[" + Times("\n1", bytes / 4) + "]");
+}
+
+std::string OneByteTrailerLines(std::size_t bytes) {
+  std::string text = kHeader;
+  const std::size_t xref = text.size();
+  text += std::string("xref\n0 1\n") + kFreeEntry + "trailer\n<</Size 1/Root 0 0 R\n/A[\n" +
+          Times("1\n", bytes / 2) + "]>>\n";
+  return text + "startxref\n" + std::to_string(xref) + "\n%%EOF\n";
+}
+
+std::string StreamsThatClaimTheSameBytes(std::size_t bytes) {
+  std::string text = std::string(kHeader);
+  std::vector<std::size_t> offsets = {text.size()};
+  text += "1 0 obj\n<</Type/Catalog/Pages 2 0 R>>\nendobj\n";
+  offsets.push_back(text.size());
+  text += "2 0 obj\n<</Type/Pages/Kids[]/Count 0>>\nendobj\n";
+  const std::size_t claim = bytes / 2;
+  const std::size_t count = std::min<std::size_t>(bytes / 160, 16000);
+  for (std::size_t number = 3; number < 3 + count; ++number) {
+    offsets.push_back(text.size());
+    text += std::to_string(number) + " 0 obj\n<</Length " + std::to_string(claim) + ">>\nstream\nx\n";
+  }
+  return WithSection(text + std::string(claim + 100, 'x') + "\n", offsets);
+}
+
+}  // namespace
+
+const std::vector<HostileDocument>& HostileDocuments() {
+  static const std::vector<HostileDocument> documents = {
+      {"a trailer that never ends", EndlessTrailer},
+      {"an object that never ends", EndlessObject},
+      {"a long chain of sections", ManySections},
+      {"sections in each other", SectionsInEachOther},
+      {"arrays nested deeply", DeepArrays},
+      {"brackets that are never closed", DeepUnclosedBrackets},
+      {"dictionaries nested deeply", DeepDictionaries},
+      {"dictionaries without keys nested deeply", DeepUnnamedDictionaries},
+      {"many comments", ManyComments},
+      {"many references", ManyReferences},
+      {"many keys", ManyKeys},
+      {"names that are no keys", ManySlashes},
+      {"hex strings that are never closed", ManyHexStrings},
+      {"strings that are never closed", ManyStrings},
+      {"many entries", ManyEntries},
+      {"lines of 100,000 bytes", LongLines},
+      {"line ends only", LineEndsOnly},
+      {"objects between line ends", ObjectsBetweenLineEnds},
+      {"objects in each other", ObjectsInEachOther},
+      {"an object in many lines", ManyLines},
+      {"one-byte trailer lines", OneByteTrailerLines},
+      {"streams that claim the same bytes", StreamsThatClaimTheSameBytes},
+  };
+  return documents;
+}
+
+}  // namespace folioweld::testing

@@ -1,0 +1,172 @@
+#include "tests/support/faulting_system.h"
+
+#include <algorithm>
+
+namespace folioweld::testing {
+
+namespace {
+
+std::size_t Shortened(std::size_t count, std::size_t by) {
+  if (by == 0 || count <= 1) return count;
+  return count > by ? count - by : 1;
+}
+
+}  // namespace
+
+std::function<FaultingSystem::Fault(const FaultingSystem::Call&, std::size_t)> FaultingSystem::Failing(
+    const std::string& name, int error) {
+  return [=](const Call& call, std::size_t) { return call.Name == name ? Fault{error, 0} : Fault{}; };
+}
+
+FaultingSystem::Fault FaultingSystem::Count(const char* name, const std::string& path) {
+  Calls.push_back({name, path});
+  return Decide ? Decide(Calls.back(), Calls.size() - 1) : Fault{};
+}
+
+SystemResult<FaultingSystem::Handle> FaultingSystem::CreateFile(const std::string& path, OpenMode mode) {
+  const Fault fault = Count("CreateFile", path);
+  if (fault.Error != 0) return SystemError{fault.Error};
+  return PosixApi::CreateFile(path, mode);
+}
+
+SystemResult<std::size_t> FaultingSystem::ReadFile(Handle file, std::int64_t offset, char* bytes,
+                                                   std::size_t count) {
+  const Fault fault = Count("ReadFile");
+  if (fault.Error != 0) return SystemError{fault.Error};
+  return PosixApi::ReadFile(file, offset, bytes, Shortened(count, fault.ShortBy));
+}
+
+SystemResult<std::size_t> FaultingSystem::WriteFile(Handle file, std::int64_t offset, const char* bytes,
+                                                    std::size_t count) {
+  const Fault fault = Count("WriteFile");
+  if (fault.Error != 0) return SystemError{fault.Error};
+  return PosixApi::WriteFile(file, offset, bytes, Shortened(count, fault.ShortBy));
+}
+
+SystemResult<std::size_t> FaultingSystem::CopyFileRange(Handle from, std::int64_t fromOffset, Handle to,
+                                                        std::int64_t toOffset, std::size_t count) {
+  const Fault fault = Count("CopyFileRange");
+  if (fault.Error != 0) return SystemError{fault.Error};
+  return PosixApi::CopyFileRange(from, fromOffset, to, toOffset, Shortened(count, fault.ShortBy));
+}
+
+SystemResult<FileInformation> FaultingSystem::GetFileInformationByHandle(Handle file) {
+  const Fault fault = Count("GetFileInformationByHandle");
+  if (fault.Error != 0) return SystemError{fault.Error};
+  return PosixApi::GetFileInformationByHandle(file);
+}
+
+SystemError FaultingSystem::SetEndOfFile(Handle file, std::int64_t size) {
+  const Fault fault = Count("SetEndOfFile");
+  return fault.Error != 0 ? SystemError{fault.Error} : PosixApi::SetEndOfFile(file, size);
+}
+
+SystemError FaultingSystem::FlushFileBuffers(Handle file) {
+  const Fault fault = Count("FlushFileBuffers");
+  return fault.Error != 0 ? SystemError{fault.Error} : PosixApi::FlushFileBuffers(file);
+}
+
+SystemError FaultingSystem::LockFile(Handle file) {
+  const Fault fault = Count("LockFile");
+  return fault.Error != 0 ? SystemError{fault.Error} : PosixApi::LockFile(file);
+}
+
+SystemError FaultingSystem::TryLockFile(Handle file) {
+  const Fault fault = Count("TryLockFile");
+  return fault.Error != 0 ? SystemError{fault.Error} : PosixApi::TryLockFile(file);
+}
+
+SystemError FaultingSystem::CloseHandle(Handle file) {
+  const Fault fault = Count("CloseHandle");
+  // A failed close has closed the file all the same.
+  const SystemError real = PosixApi::CloseHandle(file);
+  return fault.Error != 0 ? SystemError{fault.Error} : real;
+}
+
+SystemResult<FileInformation> FaultingSystem::GetFileAttributes(const std::string& path) {
+  const Fault fault = Count("GetFileAttributes", path);
+  if (fault.Error != 0) return SystemError{fault.Error};
+  return PosixApi::GetFileAttributes(path);
+}
+
+SystemResult<FileInformation> FaultingSystem::GetLinkAttributes(const std::string& path) {
+  const Fault fault = Count("GetLinkAttributes", path);
+  if (fault.Error != 0) return SystemError{fault.Error};
+  return PosixApi::GetLinkAttributes(path);
+}
+
+SystemError FaultingSystem::SetFileAttributesNormal(const std::string& path) {
+  const Fault fault = Count("SetFileAttributesNormal", path);
+  return fault.Error != 0 ? SystemError{fault.Error} : PosixApi::SetFileAttributesNormal(path);
+}
+
+SystemError FaultingSystem::DeleteFile(const std::string& path) {
+  const Fault fault = Count("DeleteFile", path);
+  return fault.Error != 0 ? SystemError{fault.Error} : PosixApi::DeleteFile(path);
+}
+
+SystemError FaultingSystem::MoveFile(const std::string& from, const std::string& to, Replace replace) {
+  const Fault fault = Count("MoveFile", from);
+  return fault.Error != 0 ? SystemError{fault.Error} : PosixApi::MoveFile(from, to, replace);
+}
+
+SystemError FaultingSystem::CreateDirectory(const std::string& path) {
+  const Fault fault = Count("CreateDirectory", path);
+  return fault.Error != 0 ? SystemError{fault.Error} : PosixApi::CreateDirectory(path);
+}
+
+SystemResult<FaultingSystem::Search> FaultingSystem::FindFirstFile(const std::string& folder) {
+  const Fault fault = Count("FindFirstFile", folder);
+  if (fault.Error != 0) return SystemError{fault.Error};
+  return PosixApi::FindFirstFile(folder);
+}
+
+SystemResult<std::optional<std::string>> FaultingSystem::FindNextFile(Search search) {
+  const Fault fault = Count("FindNextFile");
+  if (fault.Error != 0) return SystemError{fault.Error};
+  return PosixApi::FindNextFile(search);
+}
+
+SystemResult<std::string> FaultingSystem::GetCurrentDirectory() {
+  const Fault fault = Count("GetCurrentDirectory");
+  if (fault.Error != 0) return SystemError{fault.Error};
+  return PosixApi::GetCurrentDirectory();
+}
+
+SystemError FaultingSystem::SetCurrentDirectory(const std::string& folder) {
+  const Fault fault = Count("SetCurrentDirectory", folder);
+  return fault.Error != 0 ? SystemError{fault.Error} : PosixApi::SetCurrentDirectory(folder);
+}
+
+std::optional<std::string> FaultingSystem::GetEnvironmentVariable(const std::string& name) {
+  for (const auto& [known, value] : Environment) {
+    if (known != name) continue;
+    return value == "\x01" ? std::nullopt : std::optional<std::string>(value);
+  }
+  return PosixApi::GetEnvironmentVariable(name);
+}
+
+SystemResult<std::uint32_t> FaultingSystem::RandomNumber() {
+  const Fault fault = Count("RandomNumber");
+  if (fault.Error != 0) return SystemError{fault.Error};
+  return PosixApi::RandomNumber();
+}
+
+SystemResult<LocalTime> FaultingSystem::FileTimeToLocalTime(std::int64_t seconds) {
+  const Fault fault = Count("FileTimeToLocalTime");
+  if (fault.Error != 0) return SystemError{fault.Error};
+  return PosixApi::FileTimeToLocalTime(seconds);
+}
+
+SystemResult<bool> FaultingSystem::PollProcess(Process child) {
+  const Fault fault = Count("PollProcess");
+  if (fault.Error != 0) return SystemError{fault.Error};
+  return PosixApi::PollProcess(child);
+}
+
+SystemError FaultingSystem::TerminateProcess(Process process) {
+  const Fault fault = Count("TerminateProcess");
+  return fault.Error != 0 ? SystemError{fault.Error} : PosixApi::TerminateProcess(process);
+}
+
+}  // namespace folioweld::testing

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/posix_api.h"
+
+namespace folioweld::testing {
+
+/// The real system, but every call is counted and named, and any of them can be made to fail.
+class FaultingSystem : public PosixApi {
+ public:
+  struct Call {
+    std::string Name;  ///< as the method is called
+    std::string Path;  ///< empty for calls on handles
+  };
+
+  /// What is to happen to a call instead of, or before, the real one.
+  struct Fault {
+    int Error = 0;            ///< errno to report instead of calling; 0 = none
+    std::size_t ShortBy = 0;  ///< bytes that a read, write or copy leaves out (at least one byte is moved)
+  };
+
+  /// Decides about every call, in order; `index` counts from 0. The default lets everything pass.
+  std::function<Fault(const Call& call, std::size_t index)> Decide;
+
+  std::vector<Call> Calls;
+
+  /// A fault that fails every call of the method with the error.
+  static std::function<Fault(const Call&, std::size_t)> Failing(const std::string& name, int error);
+
+  SystemResult<Handle> CreateFile(const std::string& path, OpenMode mode) override;
+  SystemResult<std::size_t> ReadFile(Handle file, std::int64_t offset, char* bytes,
+                                     std::size_t count) override;
+  SystemResult<std::size_t> WriteFile(Handle file, std::int64_t offset, const char* bytes,
+                                      std::size_t count) override;
+  SystemResult<std::size_t> CopyFileRange(Handle from, std::int64_t fromOffset, Handle to,
+                                          std::int64_t toOffset, std::size_t count) override;
+  SystemResult<FileInformation> GetFileInformationByHandle(Handle file) override;
+  SystemError SetEndOfFile(Handle file, std::int64_t size) override;
+  SystemError FlushFileBuffers(Handle file) override;
+  SystemError LockFile(Handle file) override;
+  SystemError TryLockFile(Handle file) override;
+  SystemError CloseHandle(Handle file) override;
+  SystemResult<FileInformation> GetFileAttributes(const std::string& path) override;
+  SystemResult<FileInformation> GetLinkAttributes(const std::string& path) override;
+  SystemError SetFileAttributesNormal(const std::string& path) override;
+  SystemError DeleteFile(const std::string& path) override;
+  SystemError MoveFile(const std::string& from, const std::string& to, Replace replace) override;
+  SystemError CreateDirectory(const std::string& path) override;
+  SystemResult<Search> FindFirstFile(const std::string& folder) override;
+  SystemResult<std::optional<std::string>> FindNextFile(Search search) override;
+  SystemResult<std::string> GetCurrentDirectory() override;
+  SystemError SetCurrentDirectory(const std::string& folder) override;
+  std::optional<std::string> GetEnvironmentVariable(const std::string& name) override;
+  SystemResult<std::uint32_t> RandomNumber() override;
+  SystemResult<LocalTime> FileTimeToLocalTime(std::int64_t seconds) override;
+  SystemResult<bool> PollProcess(Process child) override;
+  SystemError TerminateProcess(Process process) override;
+
+  /// Environment variables as the code under test sees them, in place of the real ones; "\x01" = unset.
+  std::vector<std::pair<std::string, std::string>> Environment;
+
+ private:
+  Fault Count(const char* name, const std::string& path = {});
+};
+
+}  // namespace folioweld::testing

@@ -1,0 +1,201 @@
+// Drags and drops of files and folders.
+
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QUrl>
+#include <gmock/gmock.h>
+
+#include "tests/ui/window_fixture.h"
+#include "ui/dragged_files.h"
+
+namespace folioweld::testing {
+namespace {
+
+QByteArray UrlOf(const std::string& path) {
+  return "file://" + QByteArray::fromStdString(path).toPercentEncoding("/");
+}
+
+class Drop : public WindowTest {
+ protected:
+  void SetUp() override { Open(); }
+
+  /// The action that a drag is offered over the widget; IgnoreAction when it is refused.
+  Qt::DropAction DragOver(const char* widget, const QMimeData& data,
+                          Qt::DropActions offered = Qt::CopyAction | Qt::MoveAction) {
+    QWidget* target = Place(widget);
+    QDragEnterEvent enter(QPoint(5, 5), offered, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &enter);
+    return enter.isAccepted() ? enter.dropAction() : Qt::IgnoreAction;
+  }
+
+  /// Drops the files and waits until they were handled.
+  void DropOn(const char* widget, const std::vector<std::string>& paths) {
+    QMimeData data;
+    QList<QUrl> urls;
+    for (const std::string& path : paths) urls.append(QUrl::fromEncoded(UrlOf(path)));
+    data.setUrls(urls);
+    const bool offered = DragOver(widget, data) == Qt::CopyAction;
+    QDropEvent drop(QPointF(5, 5), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(Place(widget), &drop);
+    if (offered) {
+      EXPECT_EQ(drop.dropAction(), Qt::IgnoreAction) << "the effect is none";
+    }
+    bool handled = false;
+    QTimer::singleShot(0, &Window(), [&] { handled = true; });
+    ASSERT_TRUE(WaitFor([&] { return handled; }));
+  }
+
+  QWidget* Place(const char* name) {
+    return std::string(name) == "Folioweld" ? &Window() : Find<QWidget>(name);
+  }
+
+  [[nodiscard]] std::string LogText() { return Window().Log().LogText(); }
+};
+
+TEST_F(Drop, AFileListIsOfferedACopyAndNothingElse) {
+  QMimeData data;
+  data.setUrls({QUrl(QStringLiteral("file:///tmp/a.pdf"))});
+  EXPECT_EQ(DragOver("frameFileIn2", data), Qt::CopyAction);
+  EXPECT_EQ(Window().DropTarget, 1);
+  EXPECT_EQ(DragOver("frameFileOut", data), Qt::CopyAction);
+  EXPECT_EQ(Window().DropTarget, 2);
+  EXPECT_EQ(DragOver("Folioweld", data), Qt::CopyAction);
+  EXPECT_EQ(DragOver("frameFileIn1", data, Qt::MoveAction), Qt::IgnoreAction);
+}
+
+TEST_F(Drop, WhatIsNoLocalFileIsOfferedNothing) {
+  QMimeData text;
+  text.setText(QStringLiteral("/tmp/a.pdf"));
+  EXPECT_EQ(DragOver("frameFileIn1", text), Qt::IgnoreAction);
+  QMimeData remote;
+  remote.setUrls({QUrl(QStringLiteral("https://example.com/a.pdf"))});
+  EXPECT_EQ(DragOver("frameFileIn1", remote), Qt::IgnoreAction);
+}
+
+TEST_F(Drop, WhileBusyNothingIsOfferedAndADropDoesNothing) {
+  const std::string path = Document("a.pdf");
+  QMimeData data;
+  data.setUrls({QUrl(QStringLiteral("file:///tmp/a.pdf"))});
+  Window().Program().ExternalBusy = true;
+  EXPECT_EQ(DragOver("frameFileIn1", data), Qt::IgnoreAction);
+  DropOn("frameFileIn1", {path});
+  Window().Program().ExternalBusy = false;
+  EXPECT_EQ(FileName(1), "");
+}
+
+TEST_F(Drop, ADocumentOnTheFirstPlaceIsTaken) {
+  DropOn("frameFileIn1", {Document("a b%#.pdf")});
+  EXPECT_EQ(FileName(1), folder_.File("a b%#.pdf"));
+  EXPECT_EQ(Marks(), "1<,,");
+  EXPECT_THAT(LogText(), ::testing::HasSubstr("[Folioweld-ProcessOLEDragDrop]=>Index: 0 * file name: <" +
+                                              folder_.File("a b%#.pdf") + ">"));
+}
+
+TEST_F(Drop, ANameThatIsNoUtf8ArrivesIntact) {
+  const std::string path = Document("caf\xE9.pdf");
+  DropOn("frameFileIn1", {path});
+  EXPECT_EQ(FileName(1), path);
+}
+
+TEST_F(Drop, ARefusedFileOnTheFirstPlaceClearsItAndMovesTheSecondUp) {
+  ChooseAll();
+  DropOn("frameFileIn1", {folder_.Write("bad.pdf", "no")});
+  EXPECT_EQ(FileName(1), folder_.File("second.pdf"));
+  EXPECT_EQ(FileName(2), "");
+  EXPECT_TRUE(dialogs_.Boxes.empty());
+}
+
+TEST_F(Drop, OnTheSecondPlaceWhileTheFirstIsEmptyTheFirstIsFilled) {
+  DropOn("frameFileIn2", {Document("a.pdf")});
+  EXPECT_EQ(FileName(1), folder_.File("a.pdf"));
+  EXPECT_EQ(FileName(2), "");
+  EXPECT_EQ(Window().DropTarget, 0);
+}
+
+TEST_F(Drop, ADocumentOnTheSecondPlaceIsTaken) {
+  ChooseAll();
+  DropOn("frameFileIn2", {Document("new.pdf")});
+  EXPECT_EQ(FileName(2), folder_.File("new.pdf"));
+}
+
+TEST_F(Drop, ARefusedFileOnTheSecondPlaceEmptiesIt) {
+  ChooseAll();
+  DropOn("frameFileIn2", {folder_.Write("bad.pdf", "no")});
+  EXPECT_EQ(FileName(1), folder_.File("first.pdf"));
+  EXPECT_EQ(FileName(2), "");
+}
+
+TEST_F(Drop, ARefusedFileMeantForTheSecondPlaceEmptiesTheFirst) {
+  DropOn("frameFileIn2", {folder_.Write("bad.pdf", "no")});
+  EXPECT_EQ(FileName(1) + FileName(2), "");
+}
+
+TEST_F(Drop, AnyFileOnTheOutputPlaceBecomesTheOutputEvenAnInput) {
+  ChooseAll();
+  DropOn("frameFileOut", {folder_.File("first.pdf")});
+  EXPECT_EQ(FileName(3), folder_.File("first.pdf"));
+  EXPECT_TRUE(Exists(FileName(3)));
+}
+
+TEST_F(Drop, OnTheOutputPlaceWithoutAFirstInputNothingHappens) {
+  DropOn("frameFileOut", {Document("a.pdf")});
+  EXPECT_EQ(FileName(3), "");
+}
+
+TEST_F(Drop, TwoFilesAtOnceDoNothing) {
+  DropOn("frameFileIn1", {Document("a.pdf"), Document("b.pdf")});
+  EXPECT_EQ(FileName(1), "");
+}
+
+TEST_F(Drop, AFileBesideThePlacesDoesNothing) {
+  DropOn("Folioweld", {Document("a.pdf")});
+  EXPECT_EQ(FileName(1) + FileName(2) + FileName(3), "");
+}
+
+TEST_F(Drop, AFolderIsMergedInTheOrderChosenWithoutAFolderPicker) {
+  const std::string documents = folder_.MakeFolder("documents");
+  for (const char* name : {"b.pdf", "a.pdf"}) Document(std::string("documents/") + name);
+  dialogs_.SortAnswer = std::int16_t{-2};
+  dialogs_.SaveAnswers = {folder_.File("out.pdf")};
+  DropOn("Folioweld", {documents});
+  EXPECT_EQ(dialogs_.SortQuestions, std::vector<std::int16_t>{1});
+  EXPECT_EQ(Window().Program().SortOrder, -2);
+  EXPECT_TRUE(Item("MenuSortByDateRev")->isChecked());
+  EXPECT_EQ(Stored("MenuSort"), "-2");
+  EXPECT_EQ(Stored("MergeCurDir"), documents + "/");
+  EXPECT_TRUE(dialogs_.FolderQuestions.empty());
+  ASSERT_EQ(dialogs_.SaveQuestions.size(), 1U);
+  EXPECT_EQ(dialogs_.SaveQuestions[0].Title, "Folioweld: Choose the OUTPUT FILE");
+  EXPECT_TRUE(Exists(folder_.File("out.pdf")));
+  EXPECT_EQ(Window().Program().CommandLineDirectory, "");
+  EXPECT_THAT(LogText(),
+              ::testing::HasSubstr("[Folioweld-ProcessOLEDragDrop]=>Index: -1 * directory name: <" +
+                                   documents + "> has been stored for later use"));
+}
+
+TEST_F(Drop, AFolderOnAPlaceIsMergedToo) {
+  Document("first.pdf");
+  dialogs_.SaveAnswers = {folder_.File("config/out.pdf")};
+  DropOn("frameFileOut", {folder_.Path()});
+  EXPECT_TRUE(Exists(folder_.File("config/out.pdf")));
+}
+
+TEST_F(Drop, AFolderThatCannotBeEnteredIsIgnored) {
+  system_.Decide = FaultingSystem::Failing("SetCurrentDirectory", EACCES);
+  DropOn("Folioweld", {folder_.MakeFolder("closed")});
+  EXPECT_TRUE(dialogs_.SortQuestions.empty());
+  EXPECT_TRUE(dialogs_.Boxes.empty());
+  system_.Decide = nullptr;
+}
+
+TEST(DraggedFiles, KeepsTheBytesOfLocalFilesOnly) {
+  QMimeData data;
+  data.setUrls({QUrl::fromEncoded("file:///tmp/%FF%20%23.pdf"), QUrl::fromEncoded("file://localhost/b"),
+                QUrl::fromEncoded("https://example.com/c"), QUrl::fromEncoded("file://elsewhere.invalid/d"),
+                QUrl::fromEncoded("file:///e%00f")});
+  EXPECT_EQ(DraggedFiles(&data), (std::vector<std::string>{"/tmp/\xFF #.pdf", "/b"}));
+}
+
+}  // namespace
+}  // namespace folioweld::testing

@@ -1,0 +1,265 @@
+// A merge that was started with "Go".
+
+#include <csignal>
+#include <gmock/gmock.h>
+
+#include "tests/ui/window_fixture.h"
+
+namespace folioweld::testing {
+namespace {
+
+using ::testing::HasSubstr;
+
+class Job : public WindowTest {
+ protected:
+  void SetUp() override {
+    Open();
+    ChooseAll();
+    desktop_.Starts = false;
+  }
+
+  [[nodiscard]] bool Running() { return Caption("cmdCancel") == "CANCEL (abort)"; }
+
+  /// Calls the step once, at the first turn of the event loop in which the window looks as if it ran.
+  void WhenRunning(std::function<void()> step) {
+    AtEveryTurn([this, step] {
+      if (seen_ || !Running()) return;
+      seen_ = true;
+      step();
+    });
+  }
+
+  bool seen_ = false;
+};
+
+TEST_F(Job, JoinsTheInputsAndLeavesTheStatusLinesReadable) {
+  Click("cmdOK");
+  EXPECT_TRUE(Exists(folder_.File("joined.pdf")));
+  EXPECT_THAT(Label("txtDoing0"), HasSubstr("Parsing file #1: " + folder_.File("first.pdf") + "\r\n"));
+  EXPECT_THAT(Label("txtDoing1"), ::testing::EndsWith("   -> OK"));
+  EXPECT_THAT(Label("txtDoing2"), ::testing::EndsWith("   -> OK\r\n"));
+  EXPECT_EQ(EnabledButtons(), "cmdInput1 CmdClr1 cmdInput2 CmdClr2 PictToggle cmdOutput CmdClrOut cmdOK");
+  EXPECT_EQ(DefaultButton(), "cmdOK");
+  EXPECT_EQ(Caption("cmdCancel"), "Exit");
+  EXPECT_EQ(Window().cursor().shape(), Qt::ArrowCursor);
+  EXPECT_TRUE(Button("cmdOK")->hasFocus());
+}
+
+TEST_F(Job, TheMarksComeBackWhenAHandlerChangesAName) {
+  Click("cmdOK");
+  Window().RefreshControls();
+  EXPECT_THAT(Label("txtDoing0"), HasSubstr("Parsing"));
+  Click("cmdInput1");
+  EXPECT_THAT(Label("txtDoing0"), HasSubstr("Parsing")) << "a cancelled dialog changes no name";
+  Click("CmdClr2");
+  EXPECT_EQ(Marks(), "1<,,>");
+}
+
+TEST_F(Job, LooksBusyWhileItRuns) {
+  WhenRunning([this] {
+    EXPECT_EQ(EnabledButtons(), "");
+    EXPECT_TRUE(Enabled("cmdCancel"));
+    EXPECT_EQ(DefaultButton(), "cmdCancel");
+    EXPECT_EQ(Window().cursor().shape(), Qt::WaitCursor);
+    EXPECT_FALSE(Item("MenuPdfMergeDir")->isEnabled());
+    EXPECT_TRUE(Item("MenuFilExit")->isEnabled());
+    EXPECT_TRUE(Item("MnuLogHide")->isEnabled());
+    EXPECT_TRUE(Button("cmdCancel")->hasFocus());
+    Window().RefreshControls();
+    EXPECT_EQ(EnabledButtons(), "");
+    Window().cmdOK_Click();
+  });
+  Click("cmdOK");
+  EXPECT_TRUE(seen_);
+  EXPECT_TRUE(Item("MenuPdfMergeDir")->isEnabled());
+}
+
+TEST_F(Job, ShowsItsProgressWhileItRuns) {
+  std::vector<std::string> seen;
+  AtEveryTurn([&] { seen.push_back(Label("txtDoing0")); });
+  Click("cmdOK");
+  EXPECT_THAT(seen, ::testing::Contains(HasSubstr("Parsing file #1")));
+}
+
+TEST_F(Job, OptionsLogAndAboutWorkWhileItRuns) {
+  WhenRunning([this] {
+    Item("MenuSortByDate")->trigger();
+    Item("MnuLogHide")->trigger();
+    Item("MenuAboutFolioweld")->trigger();
+  });
+  Click("cmdOK");
+  EXPECT_EQ(Window().Program().SortOrder, 2);
+  EXPECT_FALSE(Window().TheLogWindow().isVisible());
+  EXPECT_EQ(dialogs_.Boxes.size(), 1U);
+  EXPECT_TRUE(Exists(folder_.File("joined.pdf")));
+}
+
+TEST_F(Job, CancelEndsIt) {
+  WhenRunning([this] { Click("cmdCancel"); });
+  Click("cmdOK");
+  EXPECT_TRUE(seen_);
+  EXPECT_THAT(Label("txtDoing0"), ::testing::EndsWith("   -> FAILED or cancelled"));
+  EXPECT_FALSE(Exists(folder_.File("joined.pdf")));
+  EXPECT_EQ(Merge().MergeStatus, -1);
+  EXPECT_EQ(FileName(3), "");
+  EXPECT_EQ(Caption("cmdCancel"), "Exit");
+  EXPECT_FALSE(ended_);
+  EXPECT_FALSE(Merge().AbortRequested);
+}
+
+TEST_F(Job, EnterCancelsItAndEscapeDoesNothing) {
+  int escapes = 0;
+  AtEveryTurn([&] {
+    if (Running() && escapes++ == 0) QTest::keyClick(&Window(), Qt::Key_Escape);
+    if (Running() && escapes > 1) QTest::keyClick(Window().focusWidget(), Qt::Key_Return);
+  });
+  Click("cmdOK");
+  EXPECT_GT(escapes, 1);
+  EXPECT_EQ(Merge().MergeStatus, -1);
+  EXPECT_FALSE(ended_);
+  EXPECT_TRUE(Window().isVisible());
+}
+
+TEST_F(Job, APressBegunOnCancelDoesNotCountOnExit) {
+  WhenRunning([this] {
+    QTest::mousePress(Button("cmdCancel"), Qt::LeftButton);
+    Window().cmdCancel_Click();
+  });
+  Click("cmdOK");
+  ASSERT_EQ(Caption("cmdCancel"), "Exit");
+  QTest::mouseRelease(Button("cmdCancel"), Qt::LeftButton);
+  EXPECT_FALSE(ended_);
+  Click("cmdCancel");
+  EXPECT_TRUE(ended_) << "a press of its own counts";
+}
+
+TEST_F(Job, ASpaceBarHeldDownOnCancelDoesNotCountOnExit) {
+  WhenRunning([this] {
+    QTest::keyPress(Button("cmdCancel"), Qt::Key_Space);
+    Window().cmdCancel_Click();
+  });
+  Click("cmdOK");
+  QTest::keyRelease(Button("cmdCancel"), Qt::Key_Space);
+  EXPECT_FALSE(ended_);
+}
+
+TEST_F(Job, TheSecondClickOfADoubleClickOnCancelDoesNotCountOnExit) {
+  WhenRunning([this] { Click("cmdCancel"); });
+  Click("cmdOK");
+  ASSERT_EQ(Caption("cmdCancel"), "Exit");
+  // What the toolkit makes of the second click.
+  const QPointF middle = Button("cmdCancel")->rect().center();
+  QMouseEvent second(QEvent::MouseButtonDblClick, middle, Button("cmdCancel")->mapToGlobal(middle),
+                     Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(Button("cmdCancel"), &second);
+  QTest::mouseRelease(Button("cmdCancel"), Qt::LeftButton);
+  EXPECT_FALSE(ended_);
+}
+
+TEST_F(Job, AnEnterKeyHeldDownPressesNothingElse) {
+  WhenRunning([this] { Window().cmdCancel_Click(); });
+  Click("cmdOK");
+  FileName(3).clear();
+  Window().RefreshControls();
+  ASSERT_EQ(DefaultButton(), "cmdCancel");
+  QKeyEvent again(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QString(), true);
+  QApplication::sendEvent(Button("cmdCancel"), &again);
+  EXPECT_FALSE(ended_);
+}
+
+TEST_F(Job, TheCloseBoxStopsItAndTheWindowStays) {
+  WhenRunning([this] { EXPECT_FALSE(Window().close()); });
+  Click("cmdOK");
+  EXPECT_TRUE(seen_);
+  EXPECT_EQ(Merge().MergeStatus, -1);
+  EXPECT_TRUE(dialogs_.Boxes.empty());
+  EXPECT_FALSE(ended_);
+  EXPECT_TRUE(Window().isVisible());
+}
+
+TEST_F(Job, ExitInTheMenuAsksAndNoLetsItGoOn) {
+  WhenRunning([this] { Item("MenuFilExit")->trigger(); });
+  Click("cmdOK");
+  ASSERT_EQ(dialogs_.Boxes.size(), 1U);
+  EXPECT_TRUE(Exists(folder_.File("joined.pdf")));
+  EXPECT_FALSE(ended_);
+}
+
+TEST_F(Job, ExitInTheMenuAsksAndYesCancelsCleansUpAndEnds) {
+  dialogs_.BoxAnswers = {true};
+  WhenRunning([this] {
+    Item("MenuFilExit")->trigger();
+    EXPECT_FALSE(ended_) << "the job cleans up first";
+  });
+  Click("cmdOK");
+  EXPECT_TRUE(ended_);
+  EXPECT_FALSE(Exists(folder_.File("joined.pdf")));
+  EXPECT_FALSE(Window().isVisible());
+}
+
+TEST_F(Job, AStopSignalCancelsItCleansUpAndEnds) {
+  WhenRunning([] { ASSERT_EQ(std::raise(SIGTERM), 0); });
+  Click("cmdOK");
+  ASSERT_TRUE(WaitFor([this] { return ended_.has_value(); }));
+  EXPECT_EQ(*ended_, kNoOutput);
+  EXPECT_FALSE(Exists(folder_.File("joined.pdf")));
+  EXPECT_TRUE(dialogs_.Closed);
+}
+
+TEST_F(Job, AnOutputThatCannotBeOpenedIsToldWithTheRunningLookLifted) {
+  const std::string name = FileName(3) = folder_.File("missing/out.pdf");
+  dialogs_.WhileOpen = [this] {
+    EXPECT_FALSE(Running());
+    EXPECT_EQ(Window().cursor().shape(), Qt::ArrowCursor);
+    EXPECT_EQ(EnabledButtons(), "");
+  };
+  Click("cmdOK");
+  ASSERT_EQ(dialogs_.Boxes.size(), 1U);
+  EXPECT_EQ(dialogs_.Boxes[0].Icon, BoxIcon::Exclamation);
+  EXPECT_EQ(dialogs_.Boxes[0].Title, "Folioweld");
+  EXPECT_EQ(dialogs_.Boxes[0].Text, "Could not open output file: " + name);
+  EXPECT_EQ(FileName(3), "");
+  EXPECT_EQ(DefaultButton(), "cmdCancel");
+}
+
+TEST_F(Job, AnOutputThatIsAnInputIsToldAndNothingIsTouched) {
+  FileName(3) = FileName(1);
+  Click("cmdOK");
+  ASSERT_EQ(dialogs_.Boxes.size(), 1U);
+  EXPECT_EQ(dialogs_.Boxes[0].Text,
+            "The output file is also an input file!\r\nThis operation cannot be done.");
+  EXPECT_EQ(EnabledButtons(), "cmdInput1 CmdClr1 cmdInput2 CmdClr2 PictToggle cmdOutput CmdClrOut cmdOK");
+  EXPECT_EQ(Marks(), "1<,2<,>");
+}
+
+TEST_F(Job, ARefusedFirstInputIsDroppedAndItsStatusLineSaysWhy) {
+  folder_.Write("first.pdf", "no longer a document");
+  Click("cmdOK");
+  EXPECT_EQ(FileName(1), "");
+  EXPECT_EQ(Label("txtFileName0"), "");
+  EXPECT_THAT(Label("txtDoing0"), HasSubstr("FAILED or cancelled: "));
+  EXPECT_EQ(EnabledButtons(), "cmdInput1 CmdClrOut cmdOK");
+  EXPECT_EQ(Caption("cmdCancel"), "Exit");
+}
+
+TEST_F(Job, ARefusedSecondInputIsLeftOutAndItsStatusLineSaysWhy) {
+  folder_.Write("second.pdf", "no longer a document");
+  Click("cmdOK");
+  EXPECT_EQ(FileName(2), "");
+  EXPECT_TRUE(Exists(folder_.File("joined.pdf")));
+  EXPECT_THAT(Label("txtDoing1"), HasSubstr("FAILED or cancelled: "));
+  EXPECT_TRUE(dialogs_.Boxes.empty());
+}
+
+TEST_F(Job, WithoutAnyInputNothingHappensAndTheMarksStay) {
+  FileName(1).clear();
+  FileName(2).clear();
+  Window().RefreshControls();
+  Click("cmdOK");
+  EXPECT_EQ(EnabledButtons(), "cmdInput1 CmdClrOut cmdOK");
+  EXPECT_EQ(Marks(), ",,>");
+  EXPECT_FALSE(Exists(folder_.File("joined.pdf")));
+}
+
+}  // namespace
+}  // namespace folioweld::testing

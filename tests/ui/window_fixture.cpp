@@ -1,0 +1,137 @@
+#include "tests/ui/window_fixture.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <utility>
+
+namespace folioweld::testing {
+
+std::string AnsweringDialogs::Next(std::deque<std::string>& answers) {
+  if (WhileOpen) WhileOpen();
+  if (Closed || answers.empty()) return {};
+  std::string answer = std::move(answers.front());
+  answers.pop_front();
+  return answer;
+}
+
+bool AnsweringDialogs::ShowBox(const BoxRequest& request) {
+  Boxes.push_back(request);
+  if (WhileOpen) WhileOpen();
+  if (Closed || BoxAnswers.empty()) return false;
+  const bool answer = BoxAnswers.front();
+  BoxAnswers.pop_front();
+  return answer;
+}
+
+std::string AnsweringDialogs::AskOpenFile(const FileRequest& request) {
+  OpenQuestions.push_back(request);
+  return Next(OpenAnswers);
+}
+
+std::string AnsweringDialogs::AskSaveFile(const FileRequest& request) {
+  SaveQuestions.push_back(request);
+  return Next(SaveAnswers);
+}
+
+std::string AnsweringDialogs::AskFolder(const FolderRequest& request) {
+  FolderQuestions.push_back(request);
+  return Next(FolderAnswers);
+}
+
+std::int16_t AnsweringDialogs::AskSortOrder(std::int16_t current) {
+  SortQuestions.push_back(current);
+  if (WhileOpen) WhileOpen();
+  return SortAnswer.value_or(current);
+}
+
+SystemResult<bool> WindowSystem::PollProcess(Process child) {
+  ++Polls;
+  if (child != kViewer) return SystemError{ECHILD};
+  return ViewerRuns;
+}
+
+SystemError WindowSystem::TerminateProcess(Process process) {
+  Terminated.push_back(process);
+  return {};
+}
+
+std::string FakeDesktop::FindPdfReader(const std::string& extension) {
+  Extensions.push_back(extension);
+  return Reader;
+}
+
+bool FakeDesktop::LaunchProcess(const std::string& document, Process& process) {
+  Launched.push_back(document);
+  process = WindowSystem::kViewer;
+  system_.ViewerRuns = Starts && !EndsAtOnce;
+  return Starts;
+}
+
+bool FakeDesktop::CloseThreadWindows(Process process) {
+  Asked.push_back(process);
+  return HasWindows;
+}
+
+WindowTest::WindowTest() : startFolder_(std::filesystem::current_path().string()) {
+  system_.Environment = {{"XDG_CONFIG_HOME", folder_.MakeFolder("config")},
+                         {"TMPDIR", folder_.MakeFolder("tmp")}};
+}
+
+WindowTest::~WindowTest() {
+  timers_.clear();
+  window_.reset();
+  EXPECT_EQ(std::filesystem::current_path().string(), startFolder_) << "the current folder was left changed";
+}
+
+void WindowTest::Open(const std::string& commandLine) {
+  window_ = std::make_unique<Folioweld>(system_, dialogs_, desktop_, commandLine);
+  window_->EndProgram = [this](int status) { ended_ = status; };
+  window_->Start();
+  ASSERT_TRUE(WaitFor([this] { return window_->WasActivated(); }));
+}
+
+std::string WindowTest::DefaultButton() {
+  std::string names;
+  for (const char* name : {"cmdOK", "cmdCancel"}) {
+    if (Find<QPushButton>(name)->isDefault()) names += name;
+  }
+  return names;
+}
+
+std::string WindowTest::EnabledButtons() {
+  std::string names;
+  for (const char* name :
+       {"cmdInput1", "CmdClr1", "cmdInput2", "CmdClr2", "PictToggle", "cmdOutput", "CmdClrOut", "cmdOK"}) {
+    if (Enabled(name)) names += std::string(names.empty() ? "" : " ") + name;
+  }
+  return names;
+}
+
+std::string WindowTest::Marks() {
+  return Label("txtDoing0") + "," + Label("txtDoing1") + "," + Label("txtDoing2");
+}
+
+std::string WindowTest::Stored(const std::string& setting) {
+  SettingsStore settings(system_);
+  const std::string text = settings.ReadSetting(setting);
+  return settings.LastError() == kSettingsOk ? text : "(not stored)";
+}
+
+void WindowTest::AtEveryTurn(std::function<void()> step) {
+  timers_.push_back(std::make_unique<QTimer>());
+  QObject::connect(timers_.back().get(), &QTimer::timeout, timers_.back().get(), std::move(step));
+  timers_.back()->start(0);
+}
+
+std::string WindowTest::Document(const std::string& name, int pages) {
+  return folder_.Write(name, SimpleDocument(pages, name));
+}
+
+void WindowTest::ChooseAll() {
+  FileName(1) = Document("first.pdf");
+  FileName(2) = Document("second.pdf");
+  FileName(3) = folder_.File("joined.pdf");
+  Window().RefreshControls();
+}
+
+}  // namespace folioweld::testing
