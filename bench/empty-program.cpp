@@ -1,0 +1,2 @@
+// What starting a program costs that does nothing at all.
+int main() {}
