@@ -34,6 +34,7 @@ int main(int argc, char** argv) {
   const Clock::time_point start = Clock::now();
   pid_t child = -1;
   const int error = posix_spawnp(&child, argv[3], &actions, nullptr, argv + 3, environ);
+  posix_spawn_file_actions_destroy(&actions);
   if (error != 0) {
     std::fprintf(stderr, "time-command: %s cannot be started (error %d)\n", argv[3], error);
     return 1;

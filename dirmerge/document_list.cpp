@@ -37,6 +37,19 @@ bool LooksLikeDocument(FileModule& files, const std::string& path) {
   return start == "%PDF-" || (failed && EndsInPdf(path));
 }
 
+/// Ends a search whatever ends its use; memory can run out in the middle.
+class OpenSearch {
+ public:
+  OpenSearch(WindowsAPI& system, WindowsAPI::Search search) : system_(system), search_(search) {}
+  OpenSearch(const OpenSearch&) = delete;
+  OpenSearch& operator=(const OpenSearch&) = delete;
+  ~OpenSearch() { system_.FindClose(search_); }
+
+ private:
+  WindowsAPI& system_;
+  const WindowsAPI::Search search_;
+};
+
 class Listing {
  public:
   Listing(const std::string& folder, FileModule& files, MergeShell& shell, const MergeState& state,
@@ -52,9 +65,8 @@ class Listing {
   ListOutcome Run() {
     const auto search = RetryInterrupted([&] { return files_.System().FindFirstFile(folder_); });
     if (!search.Ok()) return ListOutcome::FolderFailed;
-    const ListOutcome outcome = TakeAll(search.Value());
-    files_.System().FindClose(search.Value());
-    return outcome;
+    const OpenSearch open(files_.System(), search.Value());
+    return TakeAll(search.Value());
   }
 
  private:
