@@ -57,6 +57,7 @@ Folioweld::Folioweld(WindowsAPI& system, Dialogs& dialogs, ViewerDesktop& deskto
   SetTabOrder();
   Arrange();
   CatchSystemEnd();
+  QCoreApplication::instance()->installEventFilter(&heldKeys_);
   viewerCollector_.setInterval(kCollectMillis);
   connect(&viewerCollector_, &QTimer::timeout, this, [this] {
     if (!viewer_.CollectEnded()) viewerCollector_.stop();

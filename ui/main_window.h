@@ -20,6 +20,7 @@
 #include "ui/dialogs.h"
 #include "ui/drop_handling.h"
 #include "ui/file_place.h"
+#include "ui/held_keys.h"
 #include "ui/log_window.h"
 #include "ui/menus.h"
 #include "ui/toggle_picture.h"
@@ -196,6 +197,7 @@ class Folioweld : public QMainWindow {
   CaptionButton* cmdOK_ = nullptr;
   CaptionButton* cmdCancel_ = nullptr;
   DropHandling drops_;
+  HeldKeys heldKeys_;
   QTimer viewerCollector_;
 
   bool activated_ = false;

@@ -167,6 +167,24 @@ TEST_F(Job, AnEnterKeyHeldDownPressesNothingElse) {
   EXPECT_FALSE(ended_);
 }
 
+TEST_F(Job, ARepetitionOfAHeldEnterKeyThatLooksLikeANewPressPressesNothing) {
+  WhenRunning([this] { Window().cmdCancel_Click(); });
+  Click("cmdOK");
+  FileName(3).clear();
+  Window().RefreshControls();
+  ASSERT_EQ(DefaultButton(), "cmdCancel");
+  QKeyEvent release(QEvent::KeyRelease, Qt::Key_Return, Qt::NoModifier);
+  release.setTimestamp(4711);
+  QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+  press.setTimestamp(4711);
+  QApplication::sendEvent(Button("cmdCancel"), &release);
+  QApplication::sendEvent(Button("cmdCancel"), &press);
+  EXPECT_FALSE(ended_);
+  press.setTimestamp(4712);
+  QApplication::sendEvent(Button("cmdCancel"), &press);
+  EXPECT_TRUE(ended_) << "a press of its own counts";
+}
+
 TEST_F(Job, TheCloseBoxStopsItAndTheWindowStays) {
   WhenRunning([this] { EXPECT_FALSE(Window().close()); });
   Click("cmdOK");
