@@ -4,6 +4,15 @@
 
 namespace folioweld {
 
+namespace {
+
+/// Only the keys that press buttons: a program that types for a person may well type two letters at one time.
+bool PressesButtons(int key) {
+  return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space;
+}
+
+}  // namespace
+
 bool HeldKeys::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::KeyRelease) {
     const auto* const key = static_cast<const QKeyEvent*>(event);
@@ -11,7 +20,8 @@ bool HeldKeys::eventFilter(QObject* watched, QEvent* event) {
     releasedAt_ = key->timestamp();
   } else if (event->type() == QEvent::KeyPress) {
     const auto* const key = static_cast<const QKeyEvent*>(event);
-    if (releasedAt_ != 0 && key->timestamp() == releasedAt_ && key->key() == releasedKey_) return true;
+    const bool again = releasedAt_ != 0 && key->timestamp() == releasedAt_ && key->key() == releasedKey_;
+    if (again && PressesButtons(key->key())) return true;
   }
   return QObject::eventFilter(watched, event);
 }

@@ -4,7 +4,7 @@
 
 namespace folioweld {
 
-/// Keeps the repetitions of a key that is held down from looking like presses of their own.
+/// Keeps the repetitions of Enter or Space, held down, from looking like presses of their own.
 ///
 /// An X server repeats a key as a release and a press at one and the same time. Qt knows a repetition only
 /// when the press has arrived by the time that it handles the release, so now and then one gets through as a

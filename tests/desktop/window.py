@@ -204,7 +204,8 @@ class Window:
             self.screen.press("Ctrl+a")
             self.screen.type(str(path))
             try:
-                wait_for(lambda: field.text == str(path), f"{path} is typed", SECONDS / 10)
+                wait_for(lambda: field.text == str(path), lambda: f"{path} is typed; there is {field.text!r}",
+                         SECONDS / 10)
                 self.screen.press(key)
                 wait_for(lambda: not self._is_on_top(dialog), f"{title!r} is answered with {path}", SECONDS / 10)
                 return

@@ -1,5 +1,6 @@
 // A merge that was started with "Go".
 
+#include <QLineEdit>
 #include <csignal>
 #include <gmock/gmock.h>
 
@@ -183,6 +184,17 @@ TEST_F(Job, ARepetitionOfAHeldEnterKeyThatLooksLikeANewPressPressesNothing) {
   press.setTimestamp(4712);
   QApplication::sendEvent(Button("cmdCancel"), &press);
   EXPECT_TRUE(ended_) << "a press of its own counts";
+}
+
+TEST_F(Job, ALetterTypedTwiceAtOneTimeIsTypedTwice) {
+  QLineEdit field;
+  for (const QEvent::Type type :
+       {QEvent::KeyPress, QEvent::KeyRelease, QEvent::KeyPress, QEvent::KeyRelease}) {
+    QKeyEvent key(type, Qt::Key_1, Qt::NoModifier, QStringLiteral("1"));
+    key.setTimestamp(4711);
+    QApplication::sendEvent(&field, &key);
+  }
+  EXPECT_EQ(field.text(), QStringLiteral("11"));
 }
 
 TEST_F(Job, TheCloseBoxStopsItAndTheWindowStays) {
