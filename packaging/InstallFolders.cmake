@@ -1,0 +1,37 @@
+# Where an installation puts what: the folders of GNUInstallDirs and those of the desktop's specifications.
+# Everything that is installed goes into one of these folders; the uninstallation relies on it.
+include(GNUInstallDirs)
+
+set(FOLIOWELD_PRIVATE_DIR ${CMAKE_INSTALL_LIBEXECDIR}/folioweld)
+# Named as the program, unless the builder chose another folder.
+string(REGEX REPLACE "/${PROJECT_NAME}$" "/folioweld" FOLIOWELD_DOC_DIR ${CMAKE_INSTALL_DOCDIR})
+set(FOLIOWELD_WINDOW_DOC_DIR ${CMAKE_INSTALL_DATAROOTDIR}/doc/folioweld-window)
+set(FOLIOWELD_MAN_DIR ${CMAKE_INSTALL_MANDIR}/man1)
+set(FOLIOWELD_COMPLETION_DIR ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+set(FOLIOWELD_DESKTOP_DIR ${CMAKE_INSTALL_DATADIR}/applications)
+set(FOLIOWELD_METAINFO_DIR ${CMAKE_INSTALL_DATADIR}/metainfo)
+set(FOLIOWELD_ICON_DIR ${CMAKE_INSTALL_DATADIR}/icons/hicolor)
+set(FOLIOWELD_ICON_SIZES 16 22 24 32 48 64 128 256)
+
+set(folders ${CMAKE_INSTALL_BINDIR} ${FOLIOWELD_DOC_DIR}/examples ${FOLIOWELD_DOC_DIR}/images ${FOLIOWELD_MAN_DIR}
+            ${FOLIOWELD_COMPLETION_DIR})
+if(FOLIOWELD_WINDOW)
+  list(APPEND folders ${FOLIOWELD_PRIVATE_DIR} ${FOLIOWELD_DESKTOP_DIR} ${FOLIOWELD_METAINFO_DIR}
+       ${FOLIOWELD_ICON_DIR}/scalable/apps ${FOLIOWELD_ICON_DIR}/symbolic/apps)
+  foreach(size ${FOLIOWELD_ICON_SIZES})
+    list(APPEND folders ${FOLIOWELD_ICON_DIR}/${size}x${size}/apps)
+  endforeach()
+endif()
+
+# Folders are made with these permissions whatever the umask of the one who installs.
+set(CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE
+                                                WORLD_READ WORLD_EXECUTE)
+
+# Packages are taken away by the package manager.
+if(NOT FOLIOWELD_DEBIAN_PACKAGES)
+  configure_file(packaging/note_folders.cmake.in note_folders.cmake @ONLY)
+  install(SCRIPT ${PROJECT_BINARY_DIR}/note_folders.cmake ALL_COMPONENTS)
+  add_custom_target(uninstall
+    COMMAND ${CMAKE_COMMAND} -D BUILD=${PROJECT_BINARY_DIR} -P ${PROJECT_SOURCE_DIR}/packaging/uninstall.cmake
+    VERBATIM)
+endif()

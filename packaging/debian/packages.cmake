@@ -1,0 +1,55 @@
+# The two Debian packages, built by CPack: see scripts/package.sh.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME folioweld)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGE_CONTACT "The Folioweld developers <maintainers@folioweld.example>")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+# The desktop entry is written with the final prefix: it is installed into a staging folder, not under another prefix.
+set(CPACK_SET_DESTDIR ON)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS ${CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS})
+set(CPACK_THREADS 1)
+
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_GROUPING IGNORE)
+set(CPACK_COMPONENTS_ALL command window)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_PACKAGE_HOMEPAGE https://folioweld.example/)
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+
+set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME folioweld)
+set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION text)
+set(CPACK_DEBIAN_COMMAND_PACKAGE_SUGGESTS folioweld-window)
+set(CPACK_DEBIAN_COMMAND_DESCRIPTION "joins PDF documents into one file\n\
+Joins every PDF document of a folder into one file, from the command line and\n\
+without a screen. Page contents, fonts and pictures are copied byte for byte\n\
+and never decoded, so a page comes out as it went in.\n\
+\n\
+The window that joins documents with the mouse is in folioweld-window.")
+
+set(CPACK_DEBIAN_WINDOW_PACKAGE_NAME folioweld-window)
+set(CPACK_DEBIAN_WINDOW_PACKAGE_SECTION text)
+# The screens that Qt draws on are plugins, which no program is linked with.
+set(CPACK_DEBIAN_WINDOW_PACKAGE_DEPENDS "folioweld (= ${PROJECT_VERSION}), qt6-qpa-plugins")
+set(CPACK_DEBIAN_WINDOW_PACKAGE_RECOMMENDS qt6-wayland)
+set(CPACK_DEBIAN_WINDOW_DESCRIPTION "joins PDF documents into one file - window\n\
+Joins two PDF documents, or every document of a folder, into one file. They\n\
+are chosen in the window or dragged there, and the output is opened in the PDF\n\
+viewer of the desktop. Page contents, fonts and pictures are copied byte for\n\
+byte and never decoded, so a page comes out as it went in.")
+
+find_package(Python3 REQUIRED COMPONENTS Interpreter)
+set(maker ${CMAKE_CURRENT_SOURCE_DIR}/debian/changelog.py)
+set(source ${PROJECT_SOURCE_DIR}/CHANGELOG.md)
+set(changelog ${CMAKE_CURRENT_BINARY_DIR}/changelog)
+add_custom_command(OUTPUT ${changelog} COMMAND Python3::Interpreter ${maker} ${source} > ${changelog}
+                   DEPENDS ${maker} ${source} VERBATIM)
+folioweld_compress(${changelog}.gz ${changelog})
+add_custom_target(debian_changelog ALL DEPENDS ${changelog}.gz)
+install(FILES ${changelog}.gz debian/copyright DESTINATION ${FOLIOWELD_DOC_DIR} COMPONENT command)
+install(FILES ${changelog}.gz debian/copyright DESTINATION ${FOLIOWELD_WINDOW_DOC_DIR} COMPONENT window)
+
+include(CPack)

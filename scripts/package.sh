@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# package.sh [FOLDER [BUILD_FOLDER]]: builds the Debian packages folioweld and folioweld-window and puts them into
+# FOLDER, build/packages unless told otherwise. The same sources and tools give the same bytes.
+set -euo pipefail
+root=$(dirname "$(dirname "$(readlink -f "$0")")")
+folder=$(realpath -m "${1:-$root/build/packages}")
+build=$(realpath -m "${2:-$root/build/package}")
+
+# Nothing of the caller's gets into the packages: neither the time nor the language, nor who may read new files.
+export LC_ALL=C.UTF-8 TZ=UTC
+umask 022
+read -r _version date < <("$root/packaging/debian/changelog.py" --newest "$root/CHANGELOG.md")
+SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(date -d "$date" +%s)}
+export SOURCE_DATE_EPOCH
+
+"$root/scripts/install-packages.sh" run window package
+"$root/scripts/build.sh" package "$build"
+mkdir -p "$folder"
+log=$build/cpack.log
+# CPack works in a folder below the one it starts in.
+if ! (cd "$build" && cpack --config CPackConfig.cmake -B "$build/cpack") >"$log" 2>&1 </dev/null; then
+  cat "$log" >&2
+  exit 1
+fi
+cp "$build"/cpack/folioweld*.deb "$folder"
+ls "$folder"/folioweld*.deb
