@@ -6,6 +6,7 @@
 Checks: table      expectations.tsv, the documents and the rules of rules_model.py agree
         join       documents of each producer in both orders
         chain      a joined output is joined again, as first and as second input, and with itself
+        rounds     the output of a merge is an input of the next, five times over
         folder     every acceptable document of the corpus in one run
         refused    what cannot be joined is refused, by name and with a reason
         encrypted  what readers can no longer read is joined object by object, and said to be so
@@ -170,6 +171,16 @@ def join_pair(session, first, second):
         if outcome.stderr:
             yield f"nothing is wrong, but stderr says {outcome.stderr!r}"
         yield from compare_with_documents(session, outcome.output, [first, second])
+        yield from accepted_again(session, outcome.output)
+
+
+def accepted_again(session, output):
+    """The output of every merge is an input that is joined without a word."""
+    with session.world() as world:
+        outcome = world.join(session.options.program, [("again.pdf", output)])
+        yield from outcome.problems
+        if outcome.status != 0 or not outcome.written or outcome.stderr:
+            yield f"not accepted again: status {outcome.status}, stderr {outcome.stderr!r}"
 
 
 def check_chain(session):
@@ -206,6 +217,42 @@ def chain_link(session, paths, order):
             yield f"status {outcome.status}, stderr {outcome.stderr!r}"
             return
         yield from compare_with_documents(session, outcome.output, order)
+
+
+ROUNDS = 5
+
+
+def check_rounds(session):
+    groups = corpus_documents.families(session.documents)
+    for i, family in enumerate(groups):
+        beside = [groups[(i + step) % len(groups)][0] for step in range(1, ROUNDS + 1)]
+        chosen = i % 6 == 0 or session.options.all
+        if chosen and session.chosen([family[0], *beside]):
+            yield f"{family[0].name}, {ROUNDS} rounds", lambda f=family[0], b=beside: rounds(session, f, b)
+
+
+def rounds(session, first, beside):
+    """Every round joins the output of the last one with one more document, before it and behind it in turn."""
+    order, path = [first], first.path
+    with session.world() as last_world:
+        for number, document in enumerate(beside, 1):
+            ahead = number % 2 == 0
+            order = [document, *order] if ahead else [*order, document]
+            paths = [document.path, path] if ahead else [path, document.path]
+            with session.world() as world:
+                outcome = world.join(session.options.program, [("1.pdf", paths[0]), ("2.pdf", paths[1])])
+                yield from (f"round {number}: {problem}" for problem in outcome.problems)
+                if outcome.status != 0 or not outcome.written or outcome.stderr:
+                    yield f"round {number}: status {outcome.status}, stderr {outcome.stderr!r}"
+                    return
+                path = last_world.path(f"round-{number}.pdf")
+                shutil.copyfile(outcome.output, path)
+        yield from compare_with_documents(session, path, order)
+        said = readers.mutool_complaints(path)
+        for document in order:
+            said -= readers.mutool_complaints(document.path)
+        for complaint, times in said.items():
+            yield f"{times} new: {complaint}"
 
 
 def check_folder(session):
@@ -348,6 +395,7 @@ CHECKS = {
     "table": check_table,
     "join": check_join,
     "chain": check_chain,
+    "rounds": check_rounds,
     "folder": check_folder,
     "refused": check_refused,
     "encrypted": check_encrypted,
@@ -401,7 +449,7 @@ def main(arguments):
         return SKIPPED
     missing = [tool for tool in readers.TOOLS if not shutil.which(tool)]
     if missing:
-        print(f"FAILED: not installed: {', '.join(missing)} (Debian: qpdf, poppler-utils)")
+        print(f"FAILED: not installed: {', '.join(missing)} (Debian: qpdf, mupdf-tools, poppler-utils)")
         return 1
     documents = corpus_documents.load(options.corpus, options.expectations)
     if options.print_table:

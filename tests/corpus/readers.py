@@ -9,7 +9,7 @@ from collections import Counter
 from dataclasses import dataclass, field
 
 RESOLUTION = "72"
-TOOLS = ("qpdf", "pdfinfo", "pdftotext", "pdftoppm")
+TOOLS = ("qpdf", "mutool", "pdfinfo", "pdftotext", "pdftoppm")
 LONGEST_RUN_SECONDS = 120
 
 # What `qpdf --check` says about every file, be it ever so good.
@@ -94,6 +94,20 @@ def read_document(path):
     counts["pdftotext"], counts["pdftoppm"] = len(texts), len(pictures)
     pages = [Page(text, *picture) for text, picture in zip(texts, pictures)]
     return Reading(pages, counts, check.returncode, complaints)
+
+
+# Links lead to names in the catalog, and of those only the first document's are kept.
+SAID_OF_LOST_NAMES = re.compile(r"mutool: warning: (undefined link destination|\.\.\. repeated N times\.\.\.)$")
+
+
+def mutool_complaints(path):
+    """What a second judge of the syntax says of every page, and that it failed where it did."""
+    drawn = run(["mutool", "draw", "-q", "-F", "trace", "-o", os.devnull, path])
+    kinds = complaint_kinds("mutool", drawn.stderr, path)
+    complaints = Counter({kind: times for kind, times in kinds.items() if not SAID_OF_LOST_NAMES.match(kind)})
+    if drawn.returncode != 0:
+        complaints["mutool: failed"] += 1
+    return complaints
 
 
 class Library:
