@@ -12,16 +12,12 @@ from accessible import AccessibilityBus
 from desktop import Desktop, wait_for
 from documents import LETTER, REPORT, fill_folder, write_large
 from drag import DragSource
+from palette import make_dark
 from screen import Screen
 from window import FIRST, GO, OUTPUT, TITLE, Window, select
 
 # Shown in the pictures, hence short.
 DOCUMENTS = Path("/tmp/folioweld")
-
-# A dark palette the way a desktop hands it to Qt without any plug-in.
-DARK = {"Button": ("49,54,59", "239,240,241"), "Window": ("42,46,50", "239,240,241"),
-        "View": ("27,30,32", "239,240,241"), "Selection": ("61,174,233", "255,255,255"),
-        "Tooltip": ("49,54,59", "239,240,241")}
 
 
 class Photographer:
@@ -38,11 +34,7 @@ class Photographer:
         (config / "folioweld").mkdir()
         (config / "folioweld" / "settings.ini").write_text(f"[Settings]\nMenuShowLogWindow={int(log)}\n")
         if self.palette == "dark":
-            environment.update(XDG_CURRENT_DESKTOP="KDE", KDE_SESSION_VERSION="5")
-            (config / "kdeglobals").write_text("".join(
-                f"[Colors:{group}]\nBackgroundNormal={back}\nBackgroundAlternate={back}\nForegroundNormal={fore}\n"
-                f"ForegroundInactive=140,143,146\nForegroundLink=29,153,243\nForegroundVisited=155,89,182\n"
-                for group, (back, fore) in DARK.items()))
+            make_dark(environment)
         return Window(self.desktop, self.screen, self.bus, environment, slow_disk=slow_disk).wait_until_ready()
 
     def press_on(self, window, name):
