@@ -39,9 +39,9 @@ class DesktopTest(unittest.TestCase):
             window.close()
         wait_for(lambda: not self.screen.managed(), "every window of the test is gone")
 
-    def open(self, *arguments, ready=True, **more):
+    def open(self, *arguments, ready=True, kind=Window, **more):
         """The program, started; its window ready to be used unless told otherwise."""
-        window = Window(self.desktop, self.screen, self.bus, self.environment, arguments, **more)
+        window = kind(self.desktop, self.screen, self.bus, self.environment, arguments, **more)
         self.windows.append(window)
         if ready:
             window.wait_until_ready()

@@ -1,5 +1,4 @@
-"""A private Wayland desktop, and the window on it. No mouse and no keyboard can be imitated there, so everything
-is done as assistive tools do it: by the actions and the editable texts of the accessibility tree."""
+"""A private Wayland desktop, and the window on it. No mouse and no keyboard can be imitated there."""
 
 import socket
 import subprocess
@@ -7,12 +6,10 @@ import tempfile
 import unittest
 from pathlib import Path
 
-from gi.repository import Gio, GLib
-
 from accessible import AccessibilityBus
+from acting_window import ActingWindow
 from desktop import Desktop, wait_for
 from picture import read_png
-from window import Window
 
 SOCKET = "folioweld"
 SIZE = 1600, 1200
@@ -29,7 +26,6 @@ startup-animation=none
 close-animation=none
 [keyboard]
 """
-BUTTONS = ("Open", "Save", "Choose")
 
 
 class WaylandDesktop(Desktop):
@@ -83,48 +79,6 @@ class WaylandDesktop(Desktop):
         self._short.cleanup()
 
 
-class WaylandWindow(Window):
-    """The window used by its actions."""
-
-    def __init__(self, desktop, bus, environment, arguments=(), **more):
-        super().__init__(desktop, None, bus, environment, arguments, **more)
-
-    def wait_until_ready(self):
-        wait_for(lambda: self._main_node() is not None and "showing" in self.main.states,
-                 lambda: "the window appears; " + self.errors())
-        return self
-
-    def wait_active(self, title):
-        """Without a keyboard no window has it."""
-
-    def click_node(self, node, what):
-        # The answer comes after a dialog that this opens was answered.
-        node.bus.call(node.owner, node.path, "org.a11y.atspi.Action", "DoAction", GLib.Variant("(i)", (0,)), None,
-                      Gio.DBusCallFlags.NO_AUTO_START, -1, None, lambda *_: None)
-        node.bus.flush_sync(None)
-
-    def choose(self, *captions):
-        """Does what a menu item does; the menus on the way stay closed."""
-        node = self.main.find("menu bar")
-        for caption in captions:
-            inside = node
-            node = wait_for(lambda: inside.find("menu item", caption, states=("enabled",)),
-                            f"the menu item {caption!r} of {captions}")
-        self.click_node(node, captions)
-
-    def answer_file(self, title, path, key=None):
-        dialog = self.dialog(title)
-        field = wait_for(lambda: dialog.find("text", states=("editable", "showing")), "the field for the name")
-        field.call("EditableText", "SetTextContents", GLib.Variant("(s)", (str(path),)))
-        # A file that the dialog has found is marked in its list, and then the field holds the bare name.
-        wait_for(lambda: field.text in (str(path), Path(path).name),
-                 lambda: f"{path} is in the field; there is {field.text!r}")
-        button = wait_for(lambda: dialog.find("push button", lambda name: name.replace("&", "") in BUTTONS,
-                                              ("enabled",)), f"{title!r} can be answered")
-        self.click_node(button, path)
-        wait_for(lambda: dialog not in [seen.node for seen in self.dialogs()], f"{title!r} is answered with {path}")
-
-
 class WaylandTest(unittest.TestCase):
     scale = 1
     tests = 0
@@ -149,7 +103,7 @@ class WaylandTest(unittest.TestCase):
             window.close()
 
     def open(self, *arguments, ready=True, **more):
-        window = WaylandWindow(self.desktop, self.bus, self.environment, arguments, **more)
+        window = ActingWindow(self.desktop, None, self.bus, self.environment, arguments, **more)
         self.windows.append(window)
         return window.wait_until_ready() if ready else window
 
