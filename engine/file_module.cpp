@@ -40,6 +40,10 @@ std::int16_t FileModule::OpenForBinaryRead(const std::string& path) {
 }
 
 std::int16_t FileModule::OpenForBinaryWrite(const std::string& path) {
+  return OpenOutput(path, true);
+}
+
+std::int16_t FileModule::OpenOutput(const std::string& path, bool mayReplace) {
   const auto handle = RetryInterrupted([&] { return system_.CreateFile(path, OpenMode::WriteKeep); });
   if (!handle.Ok()) return Refuse(-1, handle.Error());
   const auto information = system_.GetFileInformationByHandle(handle.Value());
@@ -53,6 +57,9 @@ std::int16_t FileModule::OpenForBinaryWrite(const std::string& path) {
   // there is nothing that could be done.
   const SystemError lock = RetryInterrupted([&] { return system_.TryLockFile(handle.Value()); });
   if (lock.Code == EWOULDBLOCK) return Refuse(handle.Value(), SystemError{EBUSY});
+  if (information.Value().Links > 1) {
+    return mayReplace ? ReplaceName(path, handle.Value()) : Refuse(handle.Value(), SystemError{EMLINK});
+  }
   // Emptied only now that it is known not to be an input, and only when there is something to empty: a file
   // system may take any cut to nothing for the start of a replacement and write it to the disk when it is
   // closed.
@@ -65,6 +72,16 @@ std::int16_t FileModule::OpenForBinaryWrite(const std::string& path) {
   file->Information = information.Value();
   file->Output.emplace(system_, file->Handle);
   return Store(std::move(file));
+}
+
+/// Whoever can write to the folder may have given a file of somebody else's this name, and whoever made a
+/// copy of a folder out of links does not want it changed: the name is taken away, and the file stays as it
+/// is.
+std::int16_t FileModule::ReplaceName(const std::string& path, WindowsAPI::Handle handle) {
+  const SystemError error = RetryInterrupted([&] { return system_.DeleteFile(path); });
+  if (error) return Refuse(handle, error);
+  static_cast<void>(system_.CloseHandle(handle));
+  return OpenOutput(path, false);
 }
 
 bool FileModule::Close(std::int16_t fileNumber) {
@@ -136,6 +153,13 @@ bool FileModule::Flush(std::int16_t fileNumber) {
   OpenFile* const file = Find(fileNumber);
   if (file == nullptr || !file->Output) return Fail(SystemError{EBADF});
   const SystemError error = file->Output->Flush();
+  return !error || Fail(error);
+}
+
+bool FileModule::SetFileSize(std::int16_t fileNumber, std::int32_t size) {
+  OpenFile* const file = Find(fileNumber);
+  if (file == nullptr || !file->Output) return Fail(SystemError{EBADF});
+  const SystemError error = RetryInterrupted([&] { return system_.SetEndOfFile(file->Handle, size); });
   return !error || Fail(error);
 }
 

@@ -43,9 +43,10 @@ class FileModule {
   /// Opens a regular file for reading and remembers its length. -1 when it cannot be opened.
   [[nodiscard]] std::int16_t OpenForBinaryRead(const std::string& path);
 
-  /// Opens a regular file for writing, created when missing and emptied otherwise. -1, with the file as it
-  /// was, when it cannot be opened, is reached through a link or is the file behind one of the file numbers
-  /// that are open for reading, under whatever name. EBUSY when another program is writing it.
+  /// Opens a regular file for writing, created when missing and emptied otherwise. A file with further names
+  /// keeps its contents under those and the path gets a file of its own. -1, with the file as it was, when it
+  /// cannot be opened, is reached through a link or is the file behind one of the file numbers that are open
+  /// for reading, under whatever name. EBUSY when another program is writing it.
   [[nodiscard]] std::int16_t OpenForBinaryWrite(const std::string& path);
 
   /// Writes out what is gathered and closes. False when the last bytes could not be written or the system
@@ -78,6 +79,9 @@ class FileModule {
 
   /// Writes out everything gathered.
   [[nodiscard]] bool Flush(std::int16_t fileNumber);
+
+  /// Sets the end of an output, whatever its path may name by now.
+  [[nodiscard]] bool SetFileSize(std::int16_t fileNumber, std::int32_t size);
 
   // Positioned reads. On every negative code the line or block is emptied, but for `kNoLineEnd` of
   // `ReadLineFromRandomFile` and `ReadLineChunk`, which give the bytes gathered.
@@ -123,6 +127,8 @@ class FileModule {
   struct OpenFile;
 
   OpenFile* Find(std::int16_t fileNumber) const;
+  std::int16_t OpenOutput(const std::string& path, bool mayReplace);
+  std::int16_t ReplaceName(const std::string& path, WindowsAPI::Handle handle);
   std::int16_t Store(std::unique_ptr<OpenFile> file);
   std::int16_t Refuse(WindowsAPI::Handle handle, SystemError error);
   void RemoveEmpty(const std::string& path);

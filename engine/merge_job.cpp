@@ -163,7 +163,7 @@ bool MergeJob::WriteOutput(std::int32_t& written) {
     state_.Failure = {slot, -1, -1, "the file was changed while it was being read"};
     ok = false;
   }
-  // Cutting by name must not touch a file that took the output's place.
+  // What another file has taken the place of is no output that anybody will find.
   if (ok && !files_.IsNamed(state_.DocFileNumber(3), state_.DocFileName(3))) {
     state_.Failure = {3, -1, -1, "the output was moved, removed or replaced while it was being written"};
     ok = false;
@@ -173,7 +173,8 @@ bool MergeJob::WriteOutput(std::int32_t& written) {
     DiscardOutput();
     return false;
   }
-  // Cut while it is still open, and with that locked: afterwards another program may be writing it.
+  // Cut while it is still open, and with that locked: afterwards another program may be writing it. Not by
+  // its name, which can come to lead to another file at any moment.
   CutOutput(written, ok);
   const bool cut = ok;
   if (cut) CloseFile(3, ok);
@@ -221,7 +222,7 @@ void MergeJob::CloseFile(std::int16_t slot, bool& ok) {
 }
 
 void MergeJob::CutOutput(std::int32_t written, bool& ok) {
-  ok = files_.SetFileSize(state_.DocFileName(3), written);
+  ok = files_.SetFileSize(state_.DocFileNumber(3), written);
 }
 
 void MergeJob::FinishFailed() {

@@ -31,6 +31,55 @@ TEST_F(OutputGuardTest, AnOutputThatAnotherProgramWritesIsRefusedAndStaysAsItIs)
   EXPECT_GE(Files.OpenForBinaryWrite(path), 1);
 }
 
+TEST_F(OutputGuardTest, AFileWithAnotherNameKeepsItsContentsAndTheOutputGetsAFileOfItsOwn) {
+  const std::string path = Folder.Write("out", "old contents");
+  fs::create_hard_link(path, Folder.File("other"));
+  const std::int16_t number = Files.OpenForBinaryWrite(path);
+  ASSERT_GE(number, 1);
+  EXPECT_TRUE(Files.IsNamed(number, path));
+  EXPECT_TRUE(Files.WriteAt(number, "new", 0));
+  EXPECT_TRUE(Files.Close(number));
+  EXPECT_EQ(ReadFile(path), "new");
+  EXPECT_EQ(ReadFile(Folder.File("other")), "old contents");
+}
+
+TEST_F(OutputGuardTest, AFileWithAnotherNameWhoseNameCannotBeTakenAwayIsRefused) {
+  const std::string path = Folder.Write("out", "old contents");
+  fs::create_hard_link(path, Folder.File("other"));
+  System.Decide = FaultingSystem::Failing("DeleteFile", EACCES);
+  EXPECT_EQ(Files.OpenForBinaryWrite(path), -1);
+  EXPECT_EQ(Files.LastError().Code, EACCES);
+  EXPECT_EQ(ReadFile(path), "old contents");
+  // Somebody gives it another name as fast as it is taken away.
+  System.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
+    if (call.Name == "GetFileInformationByHandle" && !Exists(path)) ADD_FAILURE() << "there is no output";
+    if (call.Name == "CreateFile" && !Exists(path)) fs::create_hard_link(Folder.File("other"), path);
+    return FaultingSystem::Fault{};
+  };
+  EXPECT_EQ(Files.OpenForBinaryWrite(path), -1);
+  EXPECT_EQ(Files.LastError().Code, EMLINK);
+  EXPECT_EQ(ReadFile(Folder.File("other")), "old contents");
+}
+
+TEST_F(OutputGuardTest, AnOutputIsCutUnderWhateverName) {
+  const std::string path = Folder.File("out");
+  const std::int16_t number = Files.OpenForBinaryWrite(path);
+  EXPECT_TRUE(Files.WriteAt(number, "0123456789", 0));
+  EXPECT_TRUE(Files.Flush(number));
+  fs::rename(path, Folder.File("moved"));
+  Folder.Write("out", "somebody else's");
+  EXPECT_TRUE(Files.SetFileSize(number, 4));
+  EXPECT_EQ(ReadFile(Folder.File("moved")), "0123");
+  EXPECT_EQ(ReadFile(path), "somebody else's");
+  const std::int16_t input = Files.OpenForBinaryRead(path);
+  EXPECT_FALSE(Files.SetFileSize(input, 0));
+  EXPECT_FALSE(Files.SetFileSize(std::int16_t{99}, 0));
+  EXPECT_EQ(Files.LastError().Code, EBADF);
+  System.Decide = FaultingSystem::Failing("SetEndOfFile", EIO);
+  EXPECT_FALSE(Files.SetFileSize(number, 0));
+  EXPECT_EQ(Files.LastError().Code, EIO);
+}
+
 TEST_F(OutputGuardTest, AnOutputIsGivenBackWhenItIsClosedOrAbandoned) {
   const std::string path = Folder.File("out");
   for (const bool abandoned : {true, false, true}) {
