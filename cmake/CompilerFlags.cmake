@@ -8,6 +8,12 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
 endif()
 target_include_directories(folioweld_flags INTERFACE ${PROJECT_SOURCE_DIR})
 
+if(FOLIOWELD_DEBIAN_PACKAGES)
+  # Where a package was built says nothing to those who use it, and would make every build another one.
+  target_compile_options(folioweld_flags INTERFACE -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.
+                                                   -ffile-prefix-map=${PROJECT_BINARY_DIR}=.)
+endif()
+
 if(FOLIOWELD_SANITIZE)
   target_compile_options(folioweld_flags INTERFACE -fsanitize=${FOLIOWELD_SANITIZE}
                                                    -fno-sanitize-recover=all -fno-omit-frame-pointer)

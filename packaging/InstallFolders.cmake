@@ -23,11 +23,7 @@ if(FOLIOWELD_WINDOW)
   endforeach()
 endif()
 
-# Folders are made with these permissions whatever the umask of the one who installs.
-set(CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE
-                                                WORLD_READ WORLD_EXECUTE)
-
-# Packages are taken away by the package manager.
+# Packages are put in place and taken away by the package manager.
 if(NOT FOLIOWELD_DEBIAN_PACKAGES)
   configure_file(packaging/note_folders.cmake.in note_folders.cmake @ONLY)
   install(SCRIPT ${PROJECT_BINARY_DIR}/note_folders.cmake ALL_COMPONENTS)

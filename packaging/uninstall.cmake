@@ -24,6 +24,6 @@ list(REMOVE_DUPLICATES folders)
 list(SORT folders ORDER DESCENDING)
 foreach(folder ${folders})
   # Refuses what is not empty, and that is all that is asked of it.
-  execute_process(COMMAND rmdir "$ENV{DESTDIR}${folder}" ERROR_QUIET)
+  execute_process(COMMAND rmdir "${folder}" ERROR_QUIET)
 endforeach()
 file(REMOVE ${manifests} ${BUILD}/install_folders.txt)

@@ -7,7 +7,6 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 # The desktop entry is written with the final prefix: it is installed into a staging folder, not under another prefix.
 set(CPACK_SET_DESTDIR ON)
 set(CPACK_STRIP_FILES ON)
-set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS ${CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS})
 set(CPACK_THREADS 1)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -32,8 +31,8 @@ The window that joins documents with the mouse is in folioweld-window.")
 
 set(CPACK_DEBIAN_WINDOW_PACKAGE_NAME folioweld-window)
 set(CPACK_DEBIAN_WINDOW_PACKAGE_SECTION text)
-# The screens that Qt draws on are plugins, which no program is linked with.
-set(CPACK_DEBIAN_WINDOW_PACKAGE_DEPENDS "folioweld (= ${PROJECT_VERSION}), qt6-qpa-plugins")
+set(CPACK_DEBIAN_WINDOW_PACKAGE_DEPENDS "folioweld (= ${PROJECT_VERSION})")
+# Qt's way to a Wayland screen is a plugin, which no program is linked with; that to X11 comes with Qt.
 set(CPACK_DEBIAN_WINDOW_PACKAGE_RECOMMENDS qt6-wayland)
 set(CPACK_DEBIAN_WINDOW_DESCRIPTION "joins PDF documents into one file - window\n\
 Joins two PDF documents, or every document of a folder, into one file. They\n\
