@@ -80,3 +80,7 @@ write("settings", {"usual": b"/tmp/\n[Settings]\nMenuSort=1\nMergeTmpDir=/tmp/\n
                    "odd": b"a\\x00b\\\n[Other]\nMenuSort=3\n[Settings]\r\nMenuSort=\\n\\q\r\n=\n\n"})
 write("command_line", {"bar": b"out.pdf|folder", "two": b"out.pdf\nfolder", "none": b"folder", "only": b"|",
                        "many": b"a\nb|c\nd"})
+write("dropped_files", {
+    "usual": b"file:///home/a/one.pdf\r\nfile:///home/a/two%20%C3%A9.pdf\r\n",
+    "odd": b"# comment\n\nFILE://LocalHost/%FF%0a%25%\nfile:/b%2\nfile://there/c\nhttp://here/d\nfile:///e%00?x#y",
+})
