@@ -43,6 +43,8 @@ const std::vector<Fault>& FaultsOf(const std::string& call) {
       {"SetCurrentDirectory", {{EACCES, 0}, {ENOENT, 0}}},
       {"RandomNumber", {{EIO, 0}, {EINTR, 0}}},
       {"FileTimeToLocalTime", {{EOVERFLOW, 0}}},
+      {"PollProcess", {{ECHILD, 0}, {EINTR, 0}}},
+      {"TerminateProcess", {{ESRCH, 0}, {EPERM, 0}}},
   };
   static const std::vector<Fault> unknown = {{EIO, 0}};
   const auto found = faults.find(call);

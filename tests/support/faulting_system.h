@@ -62,7 +62,8 @@ class FaultingSystem : public PosixApi {
   /// Environment variables as the code under test sees them, in place of the real ones; "\x01" = unset.
   std::vector<std::pair<std::string, std::string>> Environment;
 
- private:
+ protected:
+  /// Notes a call and decides about it; for calls that a derived class answers by itself.
   Fault Count(const char* name, const std::string& path = {});
 };
 

@@ -1,6 +1,9 @@
 #include <QApplication>
 #include <QStandardPaths>
 #include <gtest/gtest.h>
+#include <string>
+
+#include "tests/ui/second_window.h"
 
 int main(int argc, char** argv) {
   ::testing::InitGoogleTest(&argc, argv);
@@ -12,5 +15,8 @@ int main(int argc, char** argv) {
   }
   QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
+  if (argc == 4 && std::string(argv[1]) == folioweld::testing::kAsSecondWindow) {
+    return folioweld::testing::RunAsSecondWindow(argv[2], argv[3]);
+  }
   return RUN_ALL_TESTS();
 }

@@ -46,13 +46,15 @@ std::int16_t AnsweringDialogs::AskSortOrder(std::int16_t current) {
 
 SystemResult<bool> WindowSystem::PollProcess(Process child) {
   ++Polls;
+  const Fault fault = Count("PollProcess");
+  if (fault.Error != 0) return SystemError{fault.Error};
   if (child != kViewer) return SystemError{ECHILD};
   return ViewerRuns;
 }
 
 SystemError WindowSystem::TerminateProcess(Process process) {
   Terminated.push_back(process);
-  return {};
+  return SystemError{Count("TerminateProcess").Error};
 }
 
 std::string FakeDesktop::FindPdfReader(const std::string& extension) {
