@@ -16,6 +16,8 @@ export SOURCE_DATE_EPOCH
 "$root/scripts/install-packages.sh" run window package
 "$root/scripts/build.sh" package "$build"
 mkdir -p "$folder"
+# Packages of an earlier version would be taken for this one's.
+rm -f "$folder"/folioweld*.deb "$build"/cpack/folioweld*.deb
 log=$build/cpack.log
 # CPack works in a folder below the one it starts in.
 if ! (cd "$build" && cpack --config CPackConfig.cmake -B "$build/cpack") >"$log" 2>&1 </dev/null; then
