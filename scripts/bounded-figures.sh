@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # scripts/bounded-figures.sh [FAULTS_TESTS]: joins the worst documents known, whose work has to stay in proportion
 # to their bytes, with the program that is named or else with that of the preset dev, built before. Prints what
-# each costs: the bytes of the document, the processor's seconds for the merge, the longest time without a look at the user's wishes, the longest wait for a
-# cancel, and the most memory. With FOLIOWELD_FAULTS_FULL=1 the documents are of sixteen megabytes.
+# each costs: the bytes of the document, the processor's seconds for the merge, the longest time without a look at
+# the user's wishes, the longest wait for a cancel, and the most memory. With FOLIOWELD_FAULTS_FULL=1 the documents
+# are of sixteen megabytes.
 set -euo pipefail
 cd "$(dirname "$(dirname "$(readlink -f "$0")")")"
 program=${1:-build/dev/tests/faults/faults_tests}
