@@ -11,6 +11,7 @@ function(folioweld_add_check NAME SCRIPT)
 endfunction()
 
 folioweld_add_check(format check-format.sh)
+folioweld_add_check(messages_are_explained check-messages.py)
 folioweld_add_check(headers_stand_alone check-headers.sh ${CMAKE_CXX_COMPILER})
 folioweld_add_check(clang_tidy check-clang-tidy.sh ${PROJECT_BINARY_DIR}/clang-tidy)
 set_tests_properties(headers_stand_alone clang_tidy PROPERTIES PROCESSORS 2 TIMEOUT 2400)
