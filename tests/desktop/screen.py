@@ -23,6 +23,8 @@ class Screen:
         self._display = Display(name)
         self._root = self._display.screen().root
         self._display.xfixes_query_version()
+        # Never shown; the window manager is asked about it.
+        self._probe = self._root.create_window(0, 0, 1, 1, 0, X.CopyFromParent)
 
     def close(self):
         self._display.close()
@@ -88,7 +90,12 @@ class Screen:
     # The windows.
 
     def has_window_manager(self):
-        return self._windows_in(self._root, "_NET_SUPPORTING_WM_CHECK") != []
+        """Whether it answers. While it starts it announces itself too early: a window that is shown then stays
+        unmanaged until something else happens, which this question is."""
+        if self._windows_in(self._root, "_NET_SUPPORTING_WM_CHECK") == []:
+            return False
+        self.ask_manager(self._probe.id, "_NET_REQUEST_FRAME_EXTENTS")
+        return self._numbers(self._probe, "_NET_FRAME_EXTENTS") != []
 
     def managed(self):
         return self._windows_in(self._root, "_NET_CLIENT_LIST")

@@ -14,28 +14,46 @@ from documents import LETTER, REPORT, fill_folder, write_large
 from drag import DragSource
 from palette import make_dark
 from screen import Screen
-from window import FIRST, GO, OUTPUT, TITLE, Window, select
+from window import CLOSE_VIEWER, FIRST, GO, OUTPUT, TITLE, Window, select
 
 # Shown in the pictures, hence short.
 DOCUMENTS = Path("/tmp/folioweld")
 
 
 class Photographer:
-    def __init__(self, desktop, screen, bus, folder, scale, palette):
+    """Takes the pictures of one look: scale, palette, and further arguments of the program."""
+
+    def __init__(self, desktop, screen, bus, folder, scale, palette, *arguments):
         self.desktop, self.screen, self.bus, self.folder = desktop, screen, bus, folder
-        self.scale, self.palette = scale, palette
+        self.scale, self.palette, self.arguments = scale, palette, arguments
+        self.look = "-".join([palette, *(argument.strip("-") for argument in arguments), str(scale)])
         self.homes = 0
 
-    def open(self, log=False, slow_disk=False):
+    def open(self, log=False, slow_disk=False, viewer=False):
         self.homes += 1
-        environment = self.desktop.home(f"{self.palette}{self.scale}-{self.homes}")
+        environment = self.desktop.home(f"{self.look}-{self.homes}")
         environment["QT_SCALE_FACTOR"] = str(self.scale)
         config = Path(environment["XDG_CONFIG_HOME"])
         (config / "folioweld").mkdir()
         (config / "folioweld" / "settings.ini").write_text(f"[Settings]\nMenuShowLogWindow={int(log)}\n")
         if self.palette == "dark":
             make_dark(environment)
-        return Window(self.desktop, self.screen, self.bus, environment, slow_disk=slow_disk).wait_until_ready()
+        if viewer:
+            self.choose_viewer(environment)
+        return Window(self.desktop, self.screen, self.bus, environment, self.arguments,
+                      slow_disk=slow_disk).wait_until_ready()
+
+    def choose_viewer(self, environment):
+        """A viewer that runs and shows nothing."""
+        script = Path(environment["HOME"]) / "viewer"
+        script.write_text("#!/bin/sh\nexec sleep 1000\n")
+        script.chmod(0o755)
+        applications = Path(environment["XDG_DATA_HOME"]) / "applications"
+        applications.mkdir()
+        (applications / "viewer.desktop").write_text(
+            f"[Desktop Entry]\nType=Application\nName=Viewer\nMimeType=application/pdf;\nExec={script} %f\n")
+        (Path(environment["XDG_CONFIG_HOME"]) / "mimeapps.list").write_text(
+            "[Default Applications]\napplication/pdf=viewer.desktop\n")
 
     def press_on(self, window, name):
         while window.focused() != name:
@@ -67,11 +85,50 @@ class Photographer:
 
         if not name.endswith("running"):
             wait_for(settled, "the picture stays the same")
-        self.screen.save_picture(place, self.folder / f"{name}-{self.palette}-{self.scale}.png")
+        self.screen.save_picture(place, self.folder / f"{name}-{self.look}.png")
+
+    def open_menu(self, window, number, shown):
+        self.screen.press("F10")
+        wait_for(lambda: window.focused() == "File", "the menu bar has the keyboard")
+        for key in ["Right"] * number + ["Down"]:
+            self.screen.press(key)
+        wait_for(lambda: "showing" in window.menu_item(*shown).states, f"the menu of {shown} is open")
 
     def all(self):
         for made in DOCUMENTS.glob("joined*"):
             made.unlink()
+        self.joining()
+        self.menus()
+        self.refusal()
+        self.running()
+        self.viewing()
+        self.folder_merge()
+
+    def menus(self):
+        for number, (name, shown) in enumerate((("file", ("File", "Exit")),
+                                                ("options", ("Options", "Select TMP directory")))):
+            window = self.open(viewer=True)
+            self.open_menu(window, number, shown)
+            self.save("menu-" + name, window.main_window())
+            window.close()
+
+    def refusal(self):
+        window = self.open()
+        self.press_on(window, select(FIRST))
+        window.answer_file("Folioweld - Please choose 1st input file", DOCUMENTS / "scanned.pdf")
+        window.dialog("Folioweld")
+        self.save("refusal", self.screen.active())
+        window.close()
+
+    def viewing(self):
+        window = self.open(viewer=True)
+        self.fill(window, DOCUMENTS / "letter.pdf", DOCUMENTS / "report.pdf", DOCUMENTS / "joined-shown.pdf")
+        self.press_on(window, GO)
+        window.wait_enabled(CLOSE_VIEWER)
+        self.save("window-viewing", window.main_window())
+        window.close()
+
+    def joining(self):
         window = self.open()
         self.save("window-empty", window.main_window())
         self.fill(window, DOCUMENTS / "letter.pdf", DOCUMENTS / "report.pdf", DOCUMENTS / "joined.pdf")
@@ -81,6 +138,7 @@ class Photographer:
         self.save("window-finished", window.main_window())
         window.close()
 
+    def running(self):
         window = self.open(slow_disk=True)
         self.fill(window, DOCUMENTS / "large-1.pdf", DOCUMENTS / "large-2.pdf", DOCUMENTS / "joined-large.pdf")
         self.press_on(window, GO)
@@ -89,6 +147,7 @@ class Photographer:
         self.save("window-running", window.main_window())
         window.close()
 
+    def folder_merge(self):
         window = self.open(log=True)
         with DragSource(self.desktop, self.screen, self.desktop.environment, DOCUMENTS / "to join") as source:
             source.drop_on(self.screen.outline(window.main_window()))
@@ -113,6 +172,7 @@ def main():
         shutil.copy(REPORT, DOCUMENTS / "report.pdf")
         for number in (1, 2):
             write_large(DOCUMENTS / f"large-{number}.pdf", 900)
+        (DOCUMENTS / "scanned.pdf").write_bytes(b"%PDF-1.7\n%\xe2\xe3\xcf\xd3\nits table is a stream\n")
         fill_folder(DOCUMENTS / "to join")
         desktop = Desktop("3200x2400x24")
         try:
@@ -120,8 +180,9 @@ def main():
             wait_for(screen.has_window_manager, "the window manager")
             bus = AccessibilityBus(desktop.environment["DBUS_SESSION_BUS_ADDRESS"])
             for palette in ("light", "dark"):
-                for scale in (1, 2):
+                for scale in (1, 1.5, 2):
                     Photographer(desktop, screen, bus, folder, scale, palette).all()
+            Photographer(desktop, screen, bus, folder, 1, "light", "-reverse").all()
         finally:
             desktop.close()
     finally:
