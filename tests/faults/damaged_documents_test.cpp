@@ -1,13 +1,18 @@
 // Small documents, cut short at every byte and changed at every byte, are joined or refused, and do no harm.
 
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <iostream>
 #include <string>
+#include <vector>
 
 #include "engine/merge_job.h"
 #include "tests/faults/fault_sweep.h"
 #include "tests/support/document_builder.h"
 #include "tests/support/memory_system.h"
+#include "tests/support/temp_folder.h"
 
 namespace folioweld {
 namespace {
@@ -32,7 +37,7 @@ std::string Varied() {
   return builder.Build();
 }
 
-class DamagedDocuments : public ::testing::TestWithParam<std::string> {
+class DamageFixture : public ::testing::Test {
  protected:
   /// Joins the bytes as the first and as the second document.
   void Join(const std::string& bytes) {
@@ -58,28 +63,35 @@ class DamagedDocuments : public ::testing::TestWithParam<std::string> {
     }
   }
 
+  /// Cuts the document and changes it in four ways at every `stride`th byte.
+  void Damage(const std::string& whole, std::size_t stride) {
+    for (std::size_t at = 0; at < whole.size(); at += stride) {
+      std::string other = whole;
+      other[at] = static_cast<char>(static_cast<unsigned char>(other[at]) ^ (1U << (at % 8)));
+      std::string without = whole;
+      without.erase(at, 1);
+      std::string doubled = whole;
+      doubled.insert(at, 1, whole[at]);
+      std::string delimiter = whole;
+      delimiter[at] = "()<>[]/%\r\n0"[at % 11];
+      for (const std::string& bytes : {whole.substr(0, at), other, without, doubled, delimiter}) {
+        ASSERT_NO_FATAL_FAILURE(Join(bytes)) << "at byte " << at;
+      }
+    }
+  }
+
   const std::string plain_ = testing::SimpleDocument(1);
   int joined_ = 0;
   int refused_ = 0;
 };
 
+class DamagedDocuments : public DamageFixture, public ::testing::WithParamInterface<std::string> {};
+
 TEST_P(DamagedDocuments, AreJoinedOrRefusedWhereverTheyAreCutOrChanged) {
   const std::string& whole = GetParam();
   ASSERT_NO_FATAL_FAILURE(Join(whole));
   ASSERT_EQ(joined_, 2);
-  for (std::size_t at = 0; at < whole.size(); ++at) {
-    std::string other = whole;
-    other[at] = static_cast<char>(static_cast<unsigned char>(other[at]) ^ (1U << (at % 8)));
-    std::string without = whole;
-    without.erase(at, 1);
-    std::string doubled = whole;
-    doubled.insert(at, 1, whole[at]);
-    std::string delimiter = whole;
-    delimiter[at] = "()<>[]/%\r\n0"[at % 11];
-    for (const std::string& bytes : {whole.substr(0, at), other, without, doubled, delimiter}) {
-      ASSERT_NO_FATAL_FAILURE(Join(bytes)) << "at byte " << at;
-    }
-  }
+  ASSERT_NO_FATAL_FAILURE(Damage(whole, 1));
   std::cout << "  joined: " << joined_ << ", refused: " << refused_ << '\n';
   EXPECT_GT(joined_, 100);
   EXPECT_GT(refused_, 100);
@@ -87,6 +99,41 @@ TEST_P(DamagedDocuments, AreJoinedOrRefusedWhereverTheyAreCutOrChanged) {
 
 INSTANTIATE_TEST_SUITE_P(Documents, DamagedDocuments, ::testing::Values(Varied(), testing::SimpleDocument(1)),
                          [](const auto& tested) { return tested.index == 0 ? "Varied" : "Simple"; });
+
+/// The smaller example documents and, where there are any, those of real producers.
+std::vector<std::string> SmallDocuments() {
+  const char* const named = std::getenv("FOLIOWELD_CORPUS");
+  const std::uintmax_t largest = testing::FullRun() ? 8000 : 4500;
+  std::vector<std::string> paths;
+  for (const std::string& folder :
+       {std::string(FOLIOWELD_EXAMPLES), std::string(named ? named : FOLIOWELD_CORPUS)}) {
+    std::error_code missing;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, missing)) {
+      const bool document = entry.path().extension() == ".pdf" && entry.file_size() <= largest;
+      if (document) paths.push_back(entry.path().string());
+    }
+  }
+  std::sort(paths.begin(), paths.end());
+  return paths;
+}
+
+class RealDocuments : public DamageFixture {};
+
+TEST_F(RealDocuments, AreJoinedOrRefusedWhereverTheyAreCutOrChanged) {
+  const std::vector<std::string> paths = SmallDocuments();
+  ASSERT_FALSE(paths.empty());
+  // By default every document has another share of its bytes changed.
+  const std::size_t stride = testing::FullRun() ? 1 : testing::kSanitized ? 67 : 29;
+  for (std::size_t i = 0; i < paths.size(); ++i) {
+    const std::string whole = testing::ReadFile(paths[i]);
+    ASSERT_NO_FATAL_FAILURE(Join(whole)) << paths[i];
+    ASSERT_NO_FATAL_FAILURE(Damage(whole, stride == 1 ? 1 : stride + i % 7)) << paths[i];
+  }
+  std::cout << "  documents: " << paths.size() << ", joined: " << joined_ << ", refused: " << refused_
+            << '\n';
+  EXPECT_GT(joined_, 100);
+  EXPECT_GT(refused_, 100);
+}
 
 }  // namespace
 }  // namespace folioweld

@@ -254,6 +254,24 @@ TEST_F(StickyFolder, WithNamesOfAnotherUserServesForTemporaries) {
   }
 }
 
+TEST_F(StickyFolder, ADocumentThatMayNotBeReadIsNamedAndTheOthersAreJoined) {
+  ASSERT_EQ(::chmod(folder_.File("docs/b.pdf").c_str(), 0), 0);
+  folder_.MakeFolder("docs/closed.pdf");
+  ASSERT_EQ(::chmod(folder_.File("docs/closed.pdf").c_str(), 0), 0);
+  AsNobody([&] {
+    testing::QuietSystem system;
+    EXPECT_EQ(Run(system), kJoinedWithLosses) << system.Said;
+    EXPECT_NE(system.Said.find("b.pdf"), std::string::npos) << system.Said;
+    EXPECT_EQ(system.Said.find("closed.pdf"), std::string::npos) << system.Said;
+  });
+  if (IsSkipped()) return;
+  const std::string output = ReadFile(Output());
+  for (const char* text : {"text of a", "text of c", "text of d", "text of e"}) {
+    EXPECT_NE(output.find(text), std::string::npos) << text;
+  }
+  EXPECT_EQ(output.find("text of b"), std::string::npos);
+}
+
 TEST_F(StickyFolder, KeepsAnotherUsersFileInTheOutputsPlace) {
   folder_.Write("out/joined.pdf", kPrecious);
   for (const mode_t mode : {0600U, 0644U, 0666U}) {
