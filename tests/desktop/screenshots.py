@@ -21,12 +21,11 @@ DOCUMENTS = Path("/tmp/folioweld")
 
 
 class Photographer:
-    """Takes the pictures of one look: scale, palette, and further arguments of the program."""
+    """Takes the pictures of one look."""
 
-    def __init__(self, desktop, screen, bus, folder, scale, palette, *arguments):
+    def __init__(self, desktop, screen, bus, folder, scale, palette):
         self.desktop, self.screen, self.bus, self.folder = desktop, screen, bus, folder
-        self.scale, self.palette, self.arguments = scale, palette, arguments
-        self.look = "-".join([palette, *(argument.strip("-") for argument in arguments), str(scale)])
+        self.scale, self.palette, self.look = scale, palette, f"{palette}-{scale}"
         self.homes = 0
 
     def open(self, log=False, slow_disk=False, viewer=False):
@@ -40,8 +39,7 @@ class Photographer:
             make_dark(environment)
         if viewer:
             self.choose_viewer(environment)
-        return Window(self.desktop, self.screen, self.bus, environment, self.arguments,
-                      slow_disk=slow_disk).wait_until_ready()
+        return Window(self.desktop, self.screen, self.bus, environment, slow_disk=slow_disk).wait_until_ready()
 
     def choose_viewer(self, environment):
         """A viewer that runs and shows nothing."""
@@ -182,7 +180,6 @@ def main():
             for palette in ("light", "dark"):
                 for scale in (1, 1.5, 2):
                     Photographer(desktop, screen, bus, folder, scale, palette).all()
-            Photographer(desktop, screen, bus, folder, 1, "light", "-reverse").all()
         finally:
             desktop.close()
     finally:
