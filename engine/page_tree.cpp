@@ -239,17 +239,24 @@ std::int32_t PdfBuilder::ResolveIntegerValue(std::string_view text) const {
 }
 
 std::string PdfBuilder::RebuildDictionaryText(std::int32_t firstRow) {
-  if (firstRow < 0 || firstRow >= state_.NameEntryCount) return {};
-  std::string text = "<<\r";
+  std::string text;
+  return AppendDictionary(firstRow, text) ? text : std::string();
+}
+
+/// Into one text for all nested dictionaries: handing the text of each on to the one around it would copy it
+/// a hundred times, with nobody looking at the user's wishes meanwhile.
+bool PdfBuilder::AppendDictionary(std::int32_t firstRow, std::string& text) {
+  if (firstRow < 0 || firstRow >= state_.NameEntryCount) return true;
+  text += "<<\r";
   for (std::int32_t row = firstRow; row >= 1; row = state_.NameEntries[row].NameId) {
-    if (YieldAndCheckAbort(shell_, state_)) return {};
+    if (YieldAndCheckAbort(shell_, state_)) return false;
     const NameEntry& entry = state_.NameEntries[row];
     AppendPiece(text, entry.NameText);
-    AppendPiece(text,
-                entry.NameFlag != 0 ? RebuildDictionaryText(entry.NameRef) : std::string(entry.NameValue));
-    if (state_.AbortRequested) return {};
+    AppendPiece(text, entry.NameFlag != 0 ? std::string_view() : entry.NameValue);
+    if (entry.NameFlag != 0 && !AppendDictionary(entry.NameRef, text)) return false;
   }
-  return text + "\r>>";
+  text += "\r>>";
+  return true;
 }
 
 }  // namespace folioweld

@@ -56,6 +56,9 @@ class PdfBuilder {
                                              std::int32_t length, std::int32_t& position);
 
  private:
+  /// False on a cancel.
+  [[nodiscard]] bool AppendDictionary(std::int32_t firstRow, std::string& text);
+
   MergeState& state_;
   FileModule& files_;
   MergeShell& shell_;
