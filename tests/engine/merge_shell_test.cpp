@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 namespace folioweld {
@@ -27,6 +28,15 @@ TEST(MergeShellTest, KeepsThreeStatusLines) {
   EXPECT_EQ(shell.StatusText(2), "output+");
   shell.SetStatusText(0, "other");
   EXPECT_EQ(shell.StatusText(0), "other");
+}
+
+TEST(MergeShellTest, AStatusLineThatGrowsTooLongLosesItsBeginning) {
+  MergeShell shell;
+  const std::string full(MergeShell::kLongestStatusText - 3, '+');
+  shell.SetStatusText(1, "abc" + full);
+  EXPECT_EQ(shell.StatusText(1), "abc" + full);
+  shell.AppendStatusText(1, "OK");
+  EXPECT_EQ(shell.StatusText(1), "c" + full + "OK");
 }
 
 TEST(MergeShellTest, HasNoFourthStatusLine) {
