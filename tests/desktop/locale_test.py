@@ -90,7 +90,6 @@ class Locales(DesktopTest):
 
         def join():
             window = self.open(kind=ActingWindow)
-            window.choose("Options", "Display output document...", "Do not display")
             window.fill(LETTER, REPORT, joined)
             window.click(GO)
             window.wait_finished()
