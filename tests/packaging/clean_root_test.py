@@ -65,6 +65,7 @@ class FreshSystem(unittest.TestCase):
         self.addCleanup(desktop.close)
         screen = Screen(desktop.display)
         self.addCleanup(screen.close)
+        wait_for(screen.has_window_manager, "the window manager")
         program = subprocess.Popen(self.root.command("folioweld", user=True), stdin=subprocess.DEVNULL,
                                    env=self.root.environment(DISPLAY=desktop.display, QT_QPA_PLATFORM="xcb"))
         try:
