@@ -28,6 +28,10 @@ bool IsMember(std::string_view set, char c) {
   return false;
 }
 
+constexpr bool IsBlank(char c) {
+  return c == ' ' || c == '\r' || c == '\n';
+}
+
 constexpr bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
@@ -95,7 +99,12 @@ std::string_view TrimCrLf(std::string_view text) {
 }
 
 std::string_view TrimBlanks(std::string_view text) {
-  return TrimSet(text, kWhiteSpace);
+  // Every text of a document goes through here, most of them have nothing to trim, and none has much.
+  std::size_t first = 0;
+  while (first < text.size() && IsBlank(text[first])) ++first;
+  std::size_t end = text.size();
+  while (end > first && IsBlank(text[end - 1])) --end;
+  return text.substr(first == text.size() ? 0 : first, end - first);
 }
 
 std::string_view TrimSpaces(std::string_view text) {

@@ -8,7 +8,7 @@
 
 #include "engine/activity_log.h"
 #include "engine/conversions.h"
-#include "engine/file_module.h"
+#include "engine/open_file.h"
 
 namespace folioweld {
 
@@ -52,7 +52,8 @@ std::int32_t FileModule::CheckRead(std::int16_t fileNumber, std::int64_t positio
                                    std::int32_t& available) const {
   available = 0;
   if (fileNumber < 0 || position < 0 || count < 1) return kBadArguments;
-  const std::int32_t length = FileLength(fileNumber);
+  const OpenFile* const file = Find(fileNumber);
+  const std::int32_t length = file == nullptr ? static_cast<std::int32_t>(kNoLength) : file->Length();
   if (length < 0) return kNoLength;
   if (position > length) return kBeyondEnd;
   if (position == 0) return kSeekFailed;
@@ -116,6 +117,26 @@ std::int32_t FileModule::ReadLineFromRandomFile(std::int16_t fileNumber, std::in
   if (logging && tries >= 2) LogRetries(bufferSize, tries, code);
   if (code >= 0) return lineStart;
   if (code != kNoLineEnd) line.clear();
+  return code;
+}
+
+std::int32_t FileModule::ViewLine(std::int16_t fileNumber, std::int32_t position, std::int16_t bufferSize,
+                                  std::int16_t mostTries, std::string& room, std::string_view& line) {
+  line = {};
+  std::int32_t available = 0;
+  std::string_view bytes;
+  std::int32_t code = CheckRead(fileNumber, position, bufferSize, available);
+  if (code == 0) code = ViewBytes(fileNumber, position, available, bytes);
+  if (code < 0) return code;
+  const std::size_t first = SkipLineEnds(bytes);
+  const std::size_t end = FindLineEnd(bytes, first);
+  if (end < bytes.size()) {
+    line = bytes.substr(first, end - first);
+    return position + static_cast<std::int32_t>(first);
+  }
+  // Its end lies further on; the bytes seen so far are still at hand.
+  code = ReadLineFromRandomFile(fileNumber, position, bufferSize, mostTries, room, false);
+  line = room;
   return code;
 }
 

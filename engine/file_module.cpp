@@ -2,22 +2,12 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <limits>
-#include <optional>
 #include <utility>
 
-#include "engine/input_buffer.h"
-#include "engine/output_buffer.h"
+#include "engine/open_file.h"
 #include "platform/retry.h"
 
 namespace folioweld {
-
-struct FileModule::OpenFile {
-  WindowsAPI::Handle Handle = -1;
-  FileInformation Information;  ///< as it was when opened
-  std::optional<InputBuffer> Input;
-  std::optional<OutputBuffer> Output;
-};
 
 FileModule::FileModule(WindowsAPI& system) : system_(system) {}
 
@@ -115,8 +105,7 @@ bool FileModule::IsNamed(std::int16_t fileNumber, const std::string& path) {
 
 std::int32_t FileModule::FileLength(std::int16_t fileNumber) const {
   const OpenFile* const file = Find(fileNumber);
-  if (file == nullptr || file->Information.Size > std::numeric_limits<std::int32_t>::max()) return kNoLength;
-  return static_cast<std::int32_t>(file->Information.Size);
+  return file == nullptr ? static_cast<std::int32_t>(kNoLength) : file->Length();
 }
 
 bool FileModule::InputIsUnchanged(std::int16_t fileNumber) {
@@ -161,24 +150,6 @@ bool FileModule::SetFileSize(std::int16_t fileNumber, std::int32_t size) {
   if (file == nullptr || !file->Output) return Fail(SystemError{EBADF});
   const SystemError error = RetryInterrupted([&] { return system_.SetEndOfFile(file->Handle, size); });
   return !error || Fail(error);
-}
-
-std::int32_t FileModule::ViewBytes(std::int16_t fileNumber, std::int64_t position, std::int32_t count,
-                                   std::string_view& bytes) {
-  OpenFile* const file = Find(fileNumber);
-  if (file == nullptr || !file->Input) return kReadFailed;
-  const auto view = file->Input->View(position - 1, count);
-  if (!view.Ok()) {
-    lastError_ = view.Error();
-    return kReadFailed;
-  }
-  bytes = view.Value();
-  return 0;
-}
-
-FileModule::OpenFile* FileModule::Find(std::int16_t fileNumber) const {
-  if (fileNumber < 1 || static_cast<std::size_t>(fileNumber) > files_.size()) return nullptr;
-  return files_[static_cast<std::size_t>(fileNumber) - 1].get();
 }
 
 std::int16_t FileModule::Store(std::unique_ptr<OpenFile> file) {

@@ -97,6 +97,11 @@ class FileModule {
   std::int32_t ReadLineFromRandomFile(std::int16_t fileNumber, std::int32_t position, std::int16_t bufferSize,
                                       std::int16_t mostTries, std::string& line, bool logging);
 
+  /// The same without a copy where one is not needed: `line` is a view, valid until the next read of the file
+  /// and for as long as `room`, which holds a line that one buffer's worth does not.
+  std::int32_t ViewLine(std::int16_t fileNumber, std::int32_t position, std::int16_t bufferSize,
+                        std::int16_t mostTries, std::string& room, std::string_view& line);
+
   /// Up to `count` bytes, every value kept. Returns how many, fewer only at the end of the file, or a code.
   std::int16_t ReadBlock(std::int16_t fileNumber, std::int32_t position, std::int16_t count,
                          std::string& bytes);
@@ -126,7 +131,7 @@ class FileModule {
  private:
   struct OpenFile;
 
-  OpenFile* Find(std::int16_t fileNumber) const;
+  [[nodiscard]] OpenFile* Find(std::int16_t fileNumber) const;
   std::int16_t OpenOutput(const std::string& path, bool mayReplace);
   std::int16_t ReplaceName(const std::string& path, WindowsAPI::Handle handle);
   std::int16_t Store(std::unique_ptr<OpenFile> file);

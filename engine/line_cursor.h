@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <string_view>
 
 #include "engine/file_module.h"
 
@@ -19,10 +20,10 @@ class LineCursor {
   LineCursor(FileModule& files, std::int16_t fileNumber, std::int32_t position)
       : files_(files), fileNumber_(fileNumber), next_(position) {}
 
-  /// Reads the next line into `Line`; false at the end of the file, for a line that is too long and on
-  /// errors.
+  /// Reads the next line into `Line`, where it stays until the next read of the file; false at the end of the
+  /// file, for a line that is too long and on errors.
   [[nodiscard]] bool Next() {
-    code_ = files_.ReadLineFromRandomFile(fileNumber_, next_, kBufferSize, kMostTries, Line, false);
+    code_ = files_.ViewLine(fileNumber_, next_, kBufferSize, kMostTries, room_, Line);
     if (code_ < 1) return false;
     // Behind the last byte of the longest readable file there is no position to go to.
     next_ =
@@ -31,7 +32,7 @@ class LineCursor {
     return true;
   }
 
-  /// Goes on at another 1-based position, with the memory that the last line took.
+  /// Goes on at another 1-based position.
   void GoTo(std::int32_t position) {
     next_ = position;
     code_ = 0;
@@ -47,9 +48,10 @@ class LineCursor {
     return "the file cannot be read: " + files_.LastError().Words();
   }
 
-  std::string Line;
+  std::string_view Line;
 
  private:
+  std::string room_;  ///< for a line that does not fit into one buffer
   FileModule& files_;
   std::int16_t fileNumber_;
   std::int32_t next_;

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string_view>
+
+#include "engine/file_module.h"
+#include "engine/input_buffer.h"
+#include "engine/output_buffer.h"
+
+namespace folioweld {
+
+// What only the sources of FileModule see: an open file, and the steps that every line read and every text
+// written goes through. They stand here so that the compiler can merge them into their callers.
+
+struct FileModule::OpenFile {
+  WindowsAPI::Handle Handle = -1;
+  FileInformation Information;  ///< as it was when opened
+  std::optional<InputBuffer> Input;
+  std::optional<OutputBuffer> Output;
+
+  [[nodiscard]] std::int32_t Length() const {
+    if (Information.Size > std::numeric_limits<std::int32_t>::max()) return kNoLength;
+    return static_cast<std::int32_t>(Information.Size);
+  }
+};
+
+inline FileModule::OpenFile* FileModule::Find(std::int16_t fileNumber) const {
+  if (fileNumber < 1 || static_cast<std::size_t>(fileNumber) > files_.size()) return nullptr;
+  return files_[static_cast<std::size_t>(fileNumber) - 1].get();
+}
+
+inline std::int32_t FileModule::ViewBytes(std::int16_t fileNumber, std::int64_t position, std::int32_t count,
+                                          std::string_view& bytes) {
+  OpenFile* const file = Find(fileNumber);
+  if (file == nullptr || !file->Input) return kReadFailed;
+  const auto view = file->Input->View(position - 1, count);
+  if (!view.Ok()) {
+    lastError_ = view.Error();
+    return kReadFailed;
+  }
+  bytes = view.Value();
+  return 0;
+}
+
+}  // namespace folioweld
