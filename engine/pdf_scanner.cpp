@@ -102,9 +102,32 @@ std::int32_t ParseKeyword(std::string_view text, std::int32_t secondStart, std::
   return result;
 }
 
-/// Whether the token from `index` to `end` is digits followed by white space, as the first number is.
-bool MayBeFirstNumber(std::string_view text, std::size_t index, std::size_t end) {
-  return end < text.size() && kWhiteSpaceSet.Has(text[end]) && kDigitSet.Skip(text, index) >= end;
+/// Whether the digits from `index` to `end` are a whole token, as the first number is.
+bool EndsFirstNumber(std::string_view text, std::size_t index, std::size_t end) {
+  return end > index && end < text.size() && kWhiteSpaceSet.Has(text[end]);
+}
+
+/// `ParseNumberPairKeyword` for usable keywords and a first token known to be the digits from `index` to
+/// `firstEnd`, with white space behind. Looks at the keyword before it computes anything, as most pairs of
+/// numbers belong to no reference; `found` is left as it is then.
+std::int32_t MatchReference(std::string_view text, std::size_t index, std::size_t firstEnd,
+                            std::span<const std::string_view> keywords, NumberPairKeyword& found) {
+  const std::size_t second = kWhiteSpaceSet.Skip(text, firstEnd);
+  const std::size_t secondEnd = kDigitSet.Skip(text, second);
+  if (secondEnd == second || secondEnd == text.size() || !kWhiteSpaceSet.Has(text[secondEnd])) return 0;
+  const std::size_t word = kWhiteSpaceSet.Skip(text, secondEnd);
+  const std::size_t end = kDelimiterOrEscapeSet.Find(text, word);
+  NumberPairKeyword match;
+  match.KeywordIndex = MatchKeyword(text.substr(word, end - word), keywords);
+  std::int16_t digits = 0;
+  if (match.KeywordIndex < 0 ||
+      !ParseToken(text.substr(index, firstEnd - index), match.FirstNumber, match.DigitCount) ||
+      !ParseToken(text.substr(second, secondEnd - second), match.SecondNumber, digits)) {
+    return 0;
+  }
+  match.FirstTokenStart = static_cast<std::int32_t>(index) + 1;
+  found = match;
+  return end == text.size() ? 0 : static_cast<std::int32_t>(end) + 1;
 }
 
 /// Index behind whatever is no candidate: a string, name, comment or single delimiter.
@@ -179,6 +202,14 @@ std::int32_t ParseNumberPairKeyword(std::string_view text, std::int32_t start,
   const bool usable = IsUsable(keywords);
   const std::int32_t first = SkipWhiteSpace(text, start);
   if (first == 0) return 0;
+  if (usable) {
+    const std::size_t index = static_cast<std::size_t>(first) - 1;
+    const std::size_t end = kDigitSet.Skip(text, index);
+    if (EndsFirstNumber(text, index, end)) {
+      const std::int32_t behind = MatchReference(text, index, end, keywords, found);
+      if (found.KeywordIndex >= 0) return behind;
+    }
+  }
   found.FirstTokenStart = first;
   const std::int32_t firstEnd = FindIn(text, kWhiteSpaceSet, first);
   if (firstEnd == 0) return 0;
@@ -209,19 +240,22 @@ std::int32_t ParseNumberPairKeyword(std::string_view text, std::int32_t start,
 
 std::int32_t FindNextReference(std::string_view text, std::int32_t position,
                                std::span<const std::string_view> keywords, NumberPairKeyword& found) {
+  const bool usable = IsUsable(keywords);
+  found = {};
   std::size_t index = position < 1 ? text.size() : static_cast<std::size_t>(position) - 1;
   while (index < text.size()) {
     if (kDelimiterSet.Has(text[index])) {
       index = SkipOther(text, index);
       continue;
     }
-    const std::size_t end = kDelimiterSet.Find(text, index);
-    if (kDigitSet.Has(text[index]) && MayBeFirstNumber(text, index, end)) {
+    const std::size_t digits = kDigitSet.Skip(text, index);
+    if (EndsFirstNumber(text, index, digits)) {
       const std::int32_t next =
-          ParseNumberPairKeyword(text, static_cast<std::int32_t>(index) + 1, keywords, found);
+          usable ? MatchReference(text, index, digits, keywords, found)
+                 : ParseNumberPairKeyword(text, static_cast<std::int32_t>(index) + 1, keywords, found);
       if (found.KeywordIndex >= 0) return next;
     }
-    index = end;
+    index = kDelimiterSet.Find(text, digits);
   }
   found = {};
   return 0;
