@@ -7,9 +7,6 @@
 namespace folioweld {
 
 namespace {
-/// What is gathered ends where the file's offset is a multiple of this: file systems take in large aligned
-/// writes with a fraction of the work.
-constexpr std::size_t kGatherSize = 256 * 1024;
 /// Shorter ranges are cheaper through memory than as system calls of their own.
 constexpr std::int64_t kShortRange = 64 * 1024;
 constexpr std::int64_t kLongestRange = 8 * 1024 * 1024;
@@ -17,10 +14,6 @@ constexpr std::int64_t kLongestRange = 8 * 1024 * 1024;
 
 OutputBuffer::OutputBuffer(WindowsAPI& system, WindowsAPI::Handle file)
     : system_(system), file_(file), gathered_(std::make_unique_for_overwrite<char[]>(kGatherSize)) {}
-
-std::int64_t OutputBuffer::End() const {
-  return start_ + static_cast<std::int64_t>(size_);
-}
 
 std::span<char> OutputBuffer::Room(std::size_t wanted) {
   const std::size_t left = kGatherSize - static_cast<std::size_t>(End()) % kGatherSize;
@@ -32,7 +25,7 @@ SystemError OutputBuffer::MakeRoom() {
   return full ? WriteGathered() : SystemError{};
 }
 
-SystemError OutputBuffer::Write(std::int64_t offset, std::string_view bytes) {
+SystemError OutputBuffer::WriteAnywhere(std::int64_t offset, std::string_view bytes) {
   SystemError error = SettleRange();
   if (!error && offset != End()) {
     error = WriteGathered();

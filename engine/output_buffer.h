@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -18,7 +19,15 @@ class OutputBuffer {
   /// The handle stays the caller's.
   OutputBuffer(WindowsAPI& system, WindowsAPI::Handle file);
 
-  SystemError Write(std::int64_t offset, std::string_view bytes);
+  SystemError Write(std::int64_t offset, std::string_view bytes) {
+    // Nearly always a short text that follows the last one: it is added without further ado.
+    if (range_.Count == 0 && offset == End() && bytes.size() <= LeftWithoutCall()) {
+      std::copy(bytes.begin(), bytes.end(), gathered_.get() + size_);
+      size_ += bytes.size();
+      return {};
+    }
+    return WriteAnywhere(offset, bytes);
+  }
 
   /// `source` reads `from` and has to live until the next call that is not a `Copy` from the same file.
   SystemError Copy(std::int64_t offset, InputBuffer& source, WindowsAPI::Handle from, std::int64_t fromOffset,
@@ -34,7 +43,17 @@ class OutputBuffer {
     std::int64_t Count = 0;
   };
 
-  [[nodiscard]] std::int64_t End() const;
+  /// What is gathered ends where the file's offset is a multiple of this: file systems take in large aligned
+  /// writes with a fraction of the work.
+  static constexpr std::size_t kGatherSize = 256 * 1024;
+
+  [[nodiscard]] std::int64_t End() const { return start_ + static_cast<std::int64_t>(size_); }
+  /// How many bytes can be added before anything has to be written out.
+  [[nodiscard]] std::size_t LeftWithoutCall() const {
+    const std::size_t used = static_cast<std::size_t>(End()) % kGatherSize;
+    return used == 0 && size_ > 0 ? 0 : kGatherSize - used;
+  }
+  SystemError WriteAnywhere(std::int64_t offset, std::string_view bytes);
   /// Writes out what is gathered when nothing can be added to it.
   SystemError MakeRoom();
   /// The memory that the next `wanted` bytes go to, or as many of them as there is room for; never none after
