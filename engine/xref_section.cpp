@@ -1,6 +1,7 @@
 // Cross-reference sections: PdfReader::ReadXrefSection and the object table's growth.
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "engine/conversions.h"
@@ -25,6 +26,25 @@ struct XrefEntry {
 
 bool StartsWithDigit(std::string_view text) {
   return !text.empty() && text[0] >= '0' && text[0] <= '9';
+}
+
+/// The value of a field of digits only; -1 for any other, and for one whose value is no offset.
+std::int32_t ParseField(std::string_view field) {
+  std::int64_t value = 0;
+  for (const char c : field) {
+    if (c < '0' || c > '9') return -1;
+    value = value * 10 + (c - '0');
+  }
+  return value < std::numeric_limits<std::int32_t>::max() ? static_cast<std::int32_t>(value) : -1;
+}
+
+/// An entry with one blank between its fields, as nearly every one is. False says nothing about the line.
+bool ParseUsualEntryLine(std::string_view line, XrefEntry& entry) {
+  if (line.size() < 18 || line[10] != ' ' || line[16] != ' ' || line[17] == ' ') return false;
+  entry.Offset = ParseField(line.substr(0, 10));
+  entry.Generation = ParseField(line.substr(11, 5));
+  entry.Type = line[17];
+  return entry.Offset >= 0 && entry.Generation >= 0;
 }
 
 /// "0000000016 00000 n", any keyword character; false for any other line.
@@ -139,7 +159,9 @@ class SectionReading {
   void ReadEntry(std::int32_t number) {
     ReadLine("a cross-reference entry", number);
     XrefEntry parsed;
-    if (!ParseEntryLine(lines_.Line, parsed)) Fail("the cross-reference entry is malformed", number);
+    if (!ParseUsualEntryLine(lines_.Line, parsed) && !ParseEntryLine(lines_.Line, parsed)) {
+      Fail("the cross-reference entry is malformed", number);
+    }
     Register(number, parsed);
   }
 
