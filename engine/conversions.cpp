@@ -1,6 +1,7 @@
 #include "engine/conversions.h"
 
 #include <array>
+#include <charconv>
 #include <cstddef>
 #include <limits>
 #include <stdexcept>
@@ -26,10 +27,6 @@ bool IsMember(std::string_view set, char c) {
     if (member == c) return true;
   }
   return false;
-}
-
-constexpr bool IsBlank(char c) {
-  return c == ' ' || c == '\r' || c == '\n';
 }
 
 constexpr bool IsDigit(char c) {
@@ -98,15 +95,6 @@ std::string_view TrimCrLf(std::string_view text) {
   return TrimSet(text, kLineEnd);
 }
 
-std::string_view TrimBlanks(std::string_view text) {
-  // Every text of a document goes through here, most of them have nothing to trim, and none has much.
-  std::size_t first = 0;
-  while (first < text.size() && IsBlank(text[first])) ++first;
-  std::size_t end = text.size();
-  while (end > first && IsBlank(text[end - 1])) --end;
-  return text.substr(first == text.size() ? 0 : first, end - first);
-}
-
 std::string_view TrimSpaces(std::string_view text) {
   return TrimSet(text, " ");
 }
@@ -133,6 +121,12 @@ std::int32_t ParseLeadingNumber(std::string_view text, std::int16_t& digitCount)
   const std::size_t first = text.find_first_not_of(kWhiteSpace);
   if (first == std::string_view::npos) return 0;
   return ParseDecimalToken(LeftUntilFirstOf(text.substr(first), kWhiteSpace, 1), digitCount);
+}
+
+void AppendNumber(std::string& text, std::int32_t number) {
+  std::array<char, 12> digits{};
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+  text.append(digits.data(), end);
 }
 
 std::string_view StripAtNull(std::string_view text) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -40,7 +41,27 @@ inline constexpr std::string_view kDelimitersInLineWithEscape = " ()<>[]{}/%\\";
 [[nodiscard]] std::string_view TrimRightSet(std::string_view text, std::string_view set);
 [[nodiscard]] std::string_view TrimSet(std::string_view text, std::string_view set);
 [[nodiscard]] std::string_view TrimCrLf(std::string_view text);
-[[nodiscard]] std::string_view TrimBlanks(std::string_view text);
+
+/// Whether the character is in `kWhiteSpace`.
+[[nodiscard]] constexpr bool IsBlank(char c) {
+  return c == ' ' || c == '\r' || c == '\n';
+}
+
+// Trimming `kWhiteSpace` stands here for speed: every text of a document is trimmed, and few have much to
+// lose.
+[[nodiscard]] constexpr std::string_view TrimRightBlanks(std::string_view text) {
+  std::size_t length = text.size();
+  while (length > 0 && IsBlank(text[length - 1])) --length;
+  return text.substr(0, length);
+}
+/// Nothing is left of a text of white space only: the result points to its beginning all the same.
+[[nodiscard]] constexpr std::string_view TrimBlanks(std::string_view text) {
+  const std::string_view left = TrimRightBlanks(text);
+  std::size_t first = 0;
+  while (first < left.size() && IsBlank(left[first])) ++first;
+  return left.substr(first);
+}
+
 /// Without leading and trailing spaces, and spaces only.
 [[nodiscard]] std::string_view TrimSpaces(std::string_view text);
 
@@ -51,6 +72,9 @@ inline constexpr std::string_view kDelimitersInLineWithEscape = " ()<>[]{}/%\\";
 
 /// `ParseDecimalToken` of the first token after leading white space.
 [[nodiscard]] std::int32_t ParseLeadingNumber(std::string_view text, std::int16_t& digitCount);
+
+/// Appends the number in decimal digits.
+void AppendNumber(std::string& text, std::int32_t number);
 
 /// The text before its first NUL.
 [[nodiscard]] std::string_view StripAtNull(std::string_view text);

@@ -48,8 +48,8 @@ std::size_t SkipLineEnds(std::string_view bytes) {
 
 }  // namespace
 
-std::int32_t FileModule::CheckRead(std::int16_t fileNumber, std::int64_t position, std::int16_t count,
-                                   std::int32_t& available) const {
+inline std::int32_t FileModule::CheckRead(std::int16_t fileNumber, std::int64_t position, std::int16_t count,
+                                          std::int32_t& available) const {
   available = 0;
   if (fileNumber < 0 || position < 0 || count < 1) return kBadArguments;
   const OpenFile* const file = Find(fileNumber);

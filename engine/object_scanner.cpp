@@ -34,6 +34,16 @@ bool EndsWith(std::string_view text, std::string_view end) {
   return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
+/// "12 0 obj" and a carriage return.
+std::string HeaderLine(std::int32_t number, std::int32_t generation) {
+  std::string line;
+  AppendNumber(line, number);
+  line += ' ';
+  AppendNumber(line, generation);
+  line += " obj\r";
+  return line;
+}
+
 /// The text of one object as gathered from its lines.
 struct ObjectText {
   std::string Text;                 ///< from the header to the closing keyword
@@ -177,7 +187,7 @@ class ObjectScan {
 
   /// The same as trimming text, carriage return and line together, without touching the old text again.
   static void AppendTrimmed(std::string& text, std::string_view line) {
-    const std::string_view added = text.empty() ? TrimBlanks(line) : TrimRightSet(line, kWhiteSpace);
+    const std::string_view added = text.empty() ? TrimBlanks(line) : TrimRightBlanks(line);
     if (added.empty()) return;
     if (!text.empty()) text += '\r';
     text += added;
@@ -185,8 +195,7 @@ class ObjectScan {
 
   void StoreLines(std::int32_t index, std::string_view body, bool hasStream) {
     const std::int32_t generation = state_.Objects[index].Generation;
-    const std::int32_t first =
-        AppendObjLine(state_, (std::to_string(number_) + ' ').append(std::to_string(generation)) + " obj\r");
+    const std::int32_t first = AppendObjLine(state_, HeaderLine(number_, generation));
     std::string line;
     // The second input's numbers become longer; room for that keeps the line where it is.
     line.reserve(body.size() + 1 + (slot_ == 2 ? body.size() / kShareForLongerNumbers : 0));
@@ -232,7 +241,7 @@ class ObjectScan {
       entry.ObjState = kPlainNumber;
     } else {
       std::string& line = state_.ObjLines[entry.LastLine];
-      line = std::string(TrimRightSet(line, kWhiteSpace));
+      line = std::string(TrimRightBlanks(line));
     }
   }
 

@@ -89,7 +89,7 @@ class FileWriting {
 
   /// The line with one carriage return in place of whatever blanks and line ends it has.
   void WriteLine(const std::string& line) {
-    const std::size_t length = TrimRightSet(line, kWhiteSpace).size();
+    const std::size_t length = TrimRightBlanks(line).size();
     // Most lines are kept with that carriage return already.
     if (length < line.size() && line[length] == '\r') {
       Write(std::string_view(line).substr(0, length + 1));

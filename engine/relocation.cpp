@@ -1,7 +1,5 @@
 // Output passes #1 and #2 of PdfBuilder: missing lengths and new object numbers.
 
-#include <array>
-#include <charconv>
 #include <utility>
 
 #include "engine/conversions.h"
@@ -14,12 +12,6 @@ namespace folioweld {
 using namespace Conversions;
 
 namespace {
-
-void AppendNumber(std::string& text, std::int32_t number) {
-  std::array<char, 12> digits{};
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-  text.append(digits.data(), end);
-}
 
 /// Appends the line with `offset` added to the object number of every reference and object header in it.
 void AppendShifted(std::string_view line, std::int32_t offset, std::string& shifted) {
