@@ -50,11 +50,11 @@ struct MissingLength {
 
 /// One key of a parsed dictionary. Texts point into `MergeState::DictionaryTexts`.
 struct NameEntry {
-  std::int32_t NameId = -1;   ///< index of the next key of the same dictionary; -1 = last
-  std::string_view NameText;  ///< the key with its leading "/"
-  std::int16_t NameFlag = 0;  ///< 1 = the value is a dictionary and `NameRef` its first key
-  std::string_view NameValue;
+  PooledText NameText;  ///< the key with its leading "/"
+  PooledText NameValue;
+  std::int32_t NameId = -1;  ///< index of the next key of the same dictionary; -1 = last
   std::int32_t NameRef = -1;
+  std::int16_t NameFlag = 0;  ///< 1 = the value is a dictionary and `NameRef` its first key
 };
 
 /// Everything the engine knows about one merge. Plain data: the reader fills it, the builder completes and
