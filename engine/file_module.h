@@ -131,7 +131,8 @@ class FileModule {
  private:
   struct OpenFile;
 
-  [[nodiscard]] OpenFile* Find(std::int16_t fileNumber) const;
+  // Defined in `open_file.h` and `file_lines.cpp`, where alone they are called.
+  [[nodiscard]] inline OpenFile* Find(std::int16_t fileNumber) const;
   std::int16_t OpenOutput(const std::string& path, bool mayReplace);
   std::int16_t ReplaceName(const std::string& path, WindowsAPI::Handle handle);
   std::int16_t Store(std::unique_ptr<OpenFile> file);
@@ -139,10 +140,10 @@ class FileModule {
   void RemoveEmpty(const std::string& path);
   bool Fail(SystemError error);
   [[nodiscard]] bool IsOpenInput(const FileIdentity& identity) const;
-  std::int32_t CheckRead(std::int16_t fileNumber, std::int64_t position, std::int16_t count,
-                         std::int32_t& available) const;
-  std::int32_t ViewBytes(std::int16_t fileNumber, std::int64_t position, std::int32_t count,
-                         std::string_view& bytes);
+  inline std::int32_t CheckRead(std::int16_t fileNumber, std::int64_t position, std::int16_t count,
+                                std::int32_t& available) const;
+  inline std::int32_t ViewBytes(std::int16_t fileNumber, std::int64_t position, std::int32_t count,
+                                std::string_view& bytes);
   std::int32_t ContinueLine(std::int16_t fileNumber, std::int64_t position, std::int16_t bufferSize,
                             std::string& line);
   void LogRetries(std::int16_t bufferSize, std::int16_t tries, std::int32_t code);
