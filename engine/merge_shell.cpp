@@ -9,13 +9,19 @@ const std::string& MergeShell::StatusText(int line) const {
 }
 
 void MergeShell::SetStatusText(int line, std::string text) {
-  if (text.size() > kLongestStatusText) text.erase(0, text.size() - kLongestStatusText);
   statusTexts_.at(static_cast<std::size_t>(line)) = std::move(text);
-  StatusTextChanged(line);
+  TakeChange(line);
 }
 
 void MergeShell::AppendStatusText(int line, const std::string& text) {
-  SetStatusText(line, StatusText(line) + text);
+  statusTexts_.at(static_cast<std::size_t>(line)) += text;
+  TakeChange(line);
+}
+
+void MergeShell::TakeChange(int line) {
+  std::string& text = statusTexts_.at(static_cast<std::size_t>(line));
+  if (text.size() > kLongestStatusText) text.erase(0, text.size() - kLongestStatusText);
+  StatusTextChanged(line);
 }
 
 void MergeShell::ShowMessage(MessageIcon /*icon*/, const std::string& /*title*/,

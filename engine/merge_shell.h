@@ -67,6 +67,8 @@ class MergeShell {
   virtual void StatusTextChanged(int line);
 
  private:
+  void TakeChange(int line);
+
   std::array<std::string, 3> statusTexts_;
 };
 
