@@ -158,7 +158,7 @@ class BoundedWork : public ::testing::TestWithParam<HostileDocument> {
 
 TEST_P(BoundedWork, GrowsWithTheBytesAndNotFaster) {
   const std::size_t small = testing::FullRun() ? 1000000 : testing::kSanitized ? 100000 : 300000;
-  const std::size_t factor = testing::FullRun() ? 16 : 4;
+  const std::size_t factor = testing::FullRun() ? 16 : 8;
   const long baseline = [&] { return Measure(testing::SimpleDocument(1), 1, false); }().Kilobytes;
   for (const int slot : {1, 2}) {
     const std::string lesser = GetParam().Build(small);
@@ -167,7 +167,12 @@ TEST_P(BoundedWork, GrowsWithTheBytesAndNotFaster) {
     const Cost many = Measure(greater, slot, true);
     std::cout << "  " << lesser.size() << ": " << few << "\n  " << greater.size() << ": " << many << '\n';
     const double growth = static_cast<double>(greater.size()) / static_cast<double>(lesser.size());
-    EXPECT_LT(many.Seconds, few.Seconds * growth * 1.7 + 0.1);
+    // Work that grows with the square of the bytes takes 64 times as long for 8 times as many, and fails in
+    // either form. Only a sanitizer's time says nothing: it hands out new memory for every text.
+    const double tolerance = testing::FullRun() ? 1.7 : 3;
+    if (!testing::kSanitized) {
+      EXPECT_LT(many.Seconds, few.Seconds * growth * tolerance + 0.1);
+    }
     // A jump back reads a window of 4 KiB, and a section is some 80 bytes long.
     EXPECT_LT(many.Bytes, 60 * greater.size() + 40000000);
     EXPECT_LT(many.Calls, greater.size() / 60 + 1000);
