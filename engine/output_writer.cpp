@@ -82,20 +82,21 @@ class FileWriting {
     entry.OutOffset = position_;
     // Line indices are 16 bits wide here, which limits how many objects an output can hold; kept on purpose.
     const std::int32_t last = CheckedInt16(entry.LastLine);
-    for (std::int32_t j = CheckedInt16(entry.FirstLine); j <= last; ++j) WriteLine(state_.ObjLines[j]);
-    if (entry.ObjState == kWithStream) WriteStream(entry);
-    Write("endobj\r\n");
+    text_.clear();
+    for (std::int32_t j = CheckedInt16(entry.FirstLine); j <= last; ++j) AddLine(state_.ObjLines[j]);
+    if (entry.ObjState == kWithStream) {
+      Write(text_);
+      WriteStream(entry);
+      text_.clear();
+    }
+    text_ += "endobj\r\n";
+    Write(text_);
   }
 
   /// The line with one carriage return in place of whatever blanks and line ends it has.
-  void WriteLine(const std::string& line) {
-    const std::size_t length = TrimRightBlanks(line).size();
-    // Most lines are kept with that carriage return already.
-    if (length < line.size() && line[length] == '\r') {
-      Write(std::string_view(line).substr(0, length + 1));
-      return;
-    }
-    Write(line.substr(0, length) + '\r');
+  void AddLine(std::string_view line) {
+    text_ += TrimRightBlanks(line);
+    text_ += '\r';
   }
 
   void WriteStream(const ObjectEntry& entry) {
@@ -119,7 +120,7 @@ class FileWriting {
   }
 
   void WriteXref() {
-    Write("xref\r\n0 " + std::to_string(state_.ObjectsTotal) + "\r\n");
+    text_ = "xref\r\n0 " + std::to_string(state_.ObjectsTotal) + "\r\n";
     for (std::int32_t i = 0; i < state_.ObjectsTotal; ++i) {
       if (i % kBlockSize == 0) CheckAbort();
       const ObjectEntry& entry = state_.Objects[i];
@@ -127,8 +128,12 @@ class FileWriting {
       PutDigits(std::span(line).first<10>(), entry.OutOffset);
       PutDigits(std::span(line).subspan<11, 5>(), entry.Generation);
       line[17] = entry.EntryType;
-      Write({line, sizeof line - 1});
+      text_.append(line, sizeof line - 1);
+      if (text_.size() < std::size_t{kBlockSize}) continue;
+      Write(text_);
+      text_.clear();
     }
+    Write(text_);
   }
 
   MergeState& state_;
@@ -137,6 +142,7 @@ class FileWriting {
   MergeShell& shell_;
   std::int32_t position_ = 0;
   std::int32_t index_ = -1;
+  std::string text_;  ///< of one object, or of some cross-reference entries: many short writes take longer
 };
 
 }  // namespace
