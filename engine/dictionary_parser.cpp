@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <type_traits>
 
 #include "engine/character_set.h"
 #include "engine/conversions.h"
@@ -179,17 +180,29 @@ class ValueScan {
 
 std::int32_t PdfReader::JoinAndParseDictionary(const Table<std::string>& lines, std::int32_t first,
                                                std::int32_t last) {
+  return JoinAndParse(lines, first, last);
+}
+
+std::int32_t PdfReader::JoinAndParseDictionary(const Table<PooledText>& lines, std::int32_t first,
+                                               std::int32_t last) {
+  return JoinAndParse(lines, first, last);
+}
+
+template <typename Line>
+std::int32_t PdfReader::JoinAndParse(const Table<Line>& lines, std::int32_t first, std::int32_t last) {
   if (first < 0 || last > lines.UpperBound() || first > last) return -1;
   try {
     std::int32_t firstEntry = -1;
-    if (first == last) {
-      // The usual case: no joined copy is needed beside the one that the pool keeps.
-      ParseDictionary(state_.DictionaryTexts.Keep(TrimBlanks(lines[first])), 1, firstEntry);
-      return firstEntry;
+    if constexpr (std::is_same_v<Line, PooledText>) {
+      if (first == last) {
+        // The usual case: the text is kept already.
+        ParseDictionary(TrimBlanks(lines[first]), 1, firstEntry);
+        return firstEntry;
+      }
     }
     std::string joined;
-    for (std::int32_t i = first; i <= last; ++i) joined += lines[i];
-    ParseDictionary(state_.DictionaryTexts.Keep(TrimBlanks(joined)), 1, firstEntry);
+    for (std::int32_t i = first; i <= last; ++i) joined += std::string_view(lines[i]);
+    ParseDictionary(state_.Texts.Keep(TrimBlanks(joined)), 1, firstEntry);
     return firstEntry;
   } catch (const std::exception&) {
     return -1;
@@ -206,16 +219,19 @@ std::int32_t PdfReader::ParseDictionary(std::string_view text, std::int32_t star
 
 std::int32_t PdfReader::ParseDictionaryText(std::string_view text, std::int32_t start,
                                             std::int32_t& firstEntry) {
-  const std::int32_t begin = FindFirstNotOf(text, kWhiteSpace, start);
-  if (begin == 0) return -1;
-  const std::string_view dictionary = TrimRightSet(text.substr(static_cast<std::size_t>(begin) - 1), " ");
+  if (start < 1) return -1;
+  const std::size_t begin = kWhiteSpaceSet.Skip(text, static_cast<std::size_t>(start) - 1);
+  if (begin >= text.size()) return -1;
+  std::size_t end = text.size();
+  while (end > begin && text[end - 1] == ' ') --end;
+  const std::string_view dictionary = text.substr(begin, end - begin);
   if (!IsDictionaryText(dictionary)) return -1;
   const std::string_view inner = dictionary.substr(2, dictionary.size() - 4);
   if (inner.find('/') == std::string_view::npos) return TrimBlanks(inner).empty() ? 0 : -1;
   const std::int32_t position = ParseDictionaryEntries(inner, firstEntry);
   if (position == 0) return 0;
   // A non-zero value in any case: the inner text begins two characters behind the start.
-  return position + begin + 1;
+  return position + static_cast<std::int32_t>(begin) + 2;
 }
 
 std::int32_t PdfReader::ParseDictionaryEntries(std::string_view inner, std::int32_t& firstEntry) {
@@ -248,7 +264,6 @@ std::int32_t PdfReader::AppendNameEntry() {
   if (index > state_.NameEntries.UpperBound()) {
     state_.NameEntries.Grow(CheckedAdd(index, 63));
   }
-  state_.NameEntries[index] = {};
   state_.NameEntryCount = index + 1;
   return index;
 }
@@ -266,7 +281,7 @@ std::int32_t PdfReader::ParseDictionaryEntry(std::string_view inner, std::size_t
 
   const std::int32_t entry = AppendNameEntry();
   const std::string_view value =
-      TrimBlanks(scan.HoldsComments() ? state_.DictionaryTexts.Keep(scan.WithoutComments()) : scan.Plain());
+      TrimBlanks(scan.HoldsComments() ? state_.Texts.Keep(scan.WithoutComments()) : scan.Plain());
   NameEntry& row = state_.NameEntries[entry];
   row.NameText = inner.substr(keyStart, keyEnd - keyStart);
   row.NameValue = value;

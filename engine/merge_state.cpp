@@ -1,7 +1,6 @@
 #include "engine/merge_state.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "engine/conversions.h"
 
@@ -43,7 +42,6 @@ void ResetSectionTables(MergeState& state) {
 void ResetNames(MergeState& state) {
   state.NameEntries.Reset(1);
   state.NameEntryCount = 0;
-  state.DictionaryTexts.Reset();
 }
 
 void ResetObjects(MergeState& state) {
@@ -51,6 +49,7 @@ void ResetObjects(MergeState& state) {
   state.ObjLineCount = 0;
   state.ObjLineLast = -1;
   state.Objects.Reset(1);
+  state.Texts.Reset();
 }
 
 void ResetTrailerLines(MergeState& state) {
@@ -59,6 +58,14 @@ void ResetTrailerLines(MergeState& state) {
   state.PageKidsCount = 0;
   state.PageKidsLast = -1;
   state.OutputTrailerText.clear();
+}
+
+std::int32_t AppendKeptLine(MergeState& state, std::string_view line) {
+  const std::int32_t index = state.ObjLineCount;
+  if (index > state.ObjLines.UpperBound()) state.ObjLines.Grow(CheckedAdd(index, 63));
+  state.ObjLines[index] = line;
+  state.ObjLineCount = index + 1;
+  return index;
 }
 
 }  // namespace
@@ -109,12 +116,12 @@ std::int32_t TableIndexOf(const MergeState& state, std::int32_t objectNumber, st
   }
 }
 
-std::int32_t AppendObjLine(MergeState& state, std::string line) {
-  const std::int32_t index = state.ObjLineCount;
-  if (index > state.ObjLines.UpperBound()) state.ObjLines.Grow(CheckedAdd(index, 63));
-  state.ObjLines[index] = std::move(line);
-  state.ObjLineCount = index + 1;
-  return index;
+std::int32_t AppendObjLine(MergeState& state, std::string_view line) {
+  return AppendKeptLine(state, state.Texts.Keep(line));
+}
+
+std::int32_t AppendObjLine(MergeState& state, std::string_view line, char end) {
+  return AppendKeptLine(state, state.Texts.Keep(line, end));
 }
 
 }  // namespace folioweld

@@ -30,7 +30,7 @@ struct ObjectEntry {
   std::int32_t ObjAux = -1;     ///< index in `NameEntries` of the dictionary's first entry; -1 = none
   std::int32_t FirstLine = -1;  ///< index in `ObjLines`; negative = none
   std::int32_t LastLine = -1;
-  std::string ValueText;  ///< decimal text when the object is a plain number
+  PooledText ValueText;  ///< decimal text when the object is a plain number
   std::int32_t StreamStart =
       -1;  ///< 0-based offset of the first stream byte in the input; negative = unknown
   std::int32_t StreamLength = -1;     ///< bytes; -1 = not yet known
@@ -48,7 +48,7 @@ struct MissingLength {
   std::int16_t MissingDocNo = 0;
 };
 
-/// One key of a parsed dictionary. Texts point into `MergeState::DictionaryTexts`.
+/// One key of a parsed dictionary.
 struct NameEntry {
   PooledText NameText;  ///< the key with its leading "/"
   PooledText NameValue;
@@ -90,14 +90,14 @@ struct MergeState {
 
   // Objects of both inputs: the first input's, then the second's.
   Table<ObjectEntry> Objects;
-  Table<std::string> ObjLines;
+  Table<PooledText> ObjLines;
   std::int32_t ObjLineCount = 0;
   std::int32_t ObjLineLast = -1;
   Table<MissingLength> MissingLengths;
   std::int32_t MissingLengthCount = 0;
   Table<NameEntry> NameEntries;
   std::int32_t NameEntryCount = 0;
-  TextPool DictionaryTexts;     ///< what the texts of `NameEntries` point into
+  TextPool Texts;               ///< what the texts of `Objects`, `ObjLines` and `NameEntries` point into
   Table<std::string> PageKids;  ///< the trailers' text lines
   Table<std::string> PageKidsExtra;
   std::int32_t PageKidsCount = 0;
@@ -127,7 +127,8 @@ void ResetMergeState(MergeState& state);
 [[nodiscard]] std::int32_t TableIndexOf(const MergeState& state, std::int32_t objectNumber,
                                         std::int32_t slot);
 
-/// Appends a line to `ObjLines` and returns its index.
-std::int32_t AppendObjLine(MergeState& state, std::string line);
+/// Appends a copy of the line to `ObjLines` and returns its index; the second one puts a character behind it.
+std::int32_t AppendObjLine(MergeState& state, std::string_view line);
+std::int32_t AppendObjLine(MergeState& state, std::string_view line, char end);
 
 }  // namespace folioweld

@@ -28,8 +28,6 @@ constexpr char kFillerValue[] = "19540716";
 constexpr std::int64_t kTextAllowance = 16 * 1024 * 1024;
 constexpr std::int64_t kTextPerByte = 4;
 
-constexpr std::size_t kShareForLongerNumbers = 8;
-
 bool EndsWith(std::string_view text, std::string_view end) {
   return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
@@ -124,8 +122,8 @@ class ObjectScan {
 
   /// The second input's object 0 stands in the middle of the joined numbering, where a real object has to be.
   void MakeFiller(std::int32_t index) {
-    const std::int32_t first = AppendObjLine(state_, std::string("0") + " 0 obj" + "\r");
-    const std::int32_t last = AppendObjLine(state_, std::string(kFillerValue) + "\r");
+    const std::int32_t first = AppendObjLine(state_, "0 0 obj\r");
+    const std::int32_t last = AppendObjLine(state_, kFillerValue, '\r');
     ObjectEntry& entry = state_.Objects[index];
     entry.FirstLine = first;
     entry.LastLine = last;
@@ -196,12 +194,7 @@ class ObjectScan {
   void StoreLines(std::int32_t index, std::string_view body, bool hasStream) {
     const std::int32_t generation = state_.Objects[index].Generation;
     const std::int32_t first = AppendObjLine(state_, HeaderLine(number_, generation));
-    std::string line;
-    // The second input's numbers become longer; room for that keeps the line where it is.
-    line.reserve(body.size() + 1 + (slot_ == 2 ? body.size() / kShareForLongerNumbers : 0));
-    line += body;
-    line += hasStream ? '\n' : '\r';
-    const std::int32_t last = AppendObjLine(state_, std::move(line));
+    const std::int32_t last = AppendObjLine(state_, body, hasStream ? '\n' : '\r');
     ObjectEntry& entry = state_.Objects[index];
     entry.FirstLine = first;
     entry.LastLine = last;
@@ -237,11 +230,11 @@ class ObjectScan {
       const std::int32_t value = ParseDecimalToken(body, digits);
       if (digits == 0)
         Fail("the object's value is neither a plain number, a dictionary, an array, a string nor a name");
-      entry.ValueText = std::to_string(value);
+      entry.ValueText = state_.Texts.Keep(std::to_string(value));
       entry.ObjState = kPlainNumber;
     } else {
-      std::string& line = state_.ObjLines[entry.LastLine];
-      line = std::string(TrimRightBlanks(line));
+      PooledText& line = state_.ObjLines[entry.LastLine];
+      line = TrimRightBlanks(line);
     }
   }
 

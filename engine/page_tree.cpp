@@ -96,14 +96,18 @@ class PagePasting {
     return pages;
   }
 
-  [[nodiscard]] std::string& LastLineOf(std::int32_t index) {
+  [[nodiscard]] std::string_view LastLineOf(std::int32_t index) const {
     return state_.ObjLines[state_.Objects[index].LastLine];
+  }
+
+  void SetLastLine(std::int32_t index, std::string_view text) {
+    state_.ObjLines[state_.Objects[index].LastLine] = state_.Texts.Keep(text);
   }
 
   [[nodiscard]] std::int32_t ParseLastLine(std::int32_t index) {
     const std::string_view text = TrimDictionaryLine(LastLineOf(index));
     std::int32_t first = -1;
-    reader_.ParseDictionary(state_.DictionaryTexts.Keep(text), 1, first);
+    reader_.ParseDictionary(state_.Texts.Keep(text), 1, first);
     return first;
   }
 
@@ -120,7 +124,7 @@ class PagePasting {
   void ReplaceInformation(std::int32_t index) {
     if (index <= 0) return;
     const ObjectEntry& entry = state_.Objects[index];
-    if (entry.ObjNumber == index && entry.LastLine >= 0) LastLineOf(index) = kInformationDictionary;
+    if (entry.ObjNumber == index && entry.LastLine >= 0) SetLastLine(index, kInformationDictionary);
   }
 
   [[nodiscard]] std::int32_t PageCount(std::int16_t slot, const Reference& pages) {
@@ -141,9 +145,9 @@ class PagePasting {
 
   /// The second catalog's slot becomes the new root, so that no object has to be added.
   void MakeRoot(std::int32_t index, const Reference& pages1, const Reference& pages2, std::int32_t count) {
-    LastLineOf(index) = "<<\r/Type /Pages /Kids [ " + Text(pages1.Number) + " " + Text(pages1.Generation) +
-                        " R " + Text(pages2.Number) + " " + Text(pages2.Generation) + " R ] /Count " +
-                        Text(count) + "\r>>\r";
+    SetLastLine(index, "<<\r/Type /Pages /Kids [ " + Text(pages1.Number) + " " + Text(pages1.Generation) +
+                           " R " + Text(pages2.Number) + " " + Text(pages2.Generation) + " R ] /Count " +
+                           Text(count) + "\r>>\r");
     state_.Objects[index].ObjState = kWithoutStream;
     state_.Objects[index].ObjAux = -1;
   }
@@ -153,13 +157,13 @@ class PagePasting {
     for (std::int32_t row = first; row >= 1; row = state_.NameEntries[row].NameId) {
       CheckAbort(1, catalog);
       if (state_.NameEntries[row].NameText != "/Pages") continue;
-      state_.NameEntries[row].NameValue = state_.DictionaryTexts.Keep(root);
+      state_.NameEntries[row].NameValue = state_.Texts.Keep(root);
       state_.NameEntries[row].NameFlag = 0;
       break;
     }
-    std::string text = builder_.RebuildDictionaryText(first);
+    const std::string text = builder_.RebuildDictionaryText(first);
     if (text.empty()) Fail(1, catalog, "the catalog cannot be rewritten");
-    LastLineOf(catalog) = std::move(text);
+    SetLastLine(catalog, text);
   }
 
   /// Gives an old root its new parent; an old "/Parent" is not removed.
@@ -168,7 +172,7 @@ class PagePasting {
     const std::size_t end = line.rfind(">>");
     if (end == std::string_view::npos)
       Fail(slot, index, "the root of the page tree does not end with \">>\"");
-    LastLineOf(index) = std::string(line.substr(0, end)) + "/Parent" + parent + ">>\r";
+    SetLastLine(index, std::string(line.substr(0, end)) + "/Parent" + parent + ">>\r");
   }
 
   MergeState& state_;
@@ -213,8 +217,7 @@ bool PdfBuilder::FindPagesReference(std::int32_t catalogSlot, std::int32_t& numb
   if (entry.ObjNumber != catalogSlot || entry.LastLine < 0) return false;
   PdfReader reader(state_, files_, shell_);
   std::int32_t row = -1;
-  reader.ParseDictionary(state_.DictionaryTexts.Keep(TrimDictionaryLine(state_.ObjLines[entry.LastLine])), 1,
-                         row);
+  reader.ParseDictionary(state_.Texts.Keep(TrimDictionaryLine(state_.ObjLines[entry.LastLine])), 1, row);
   while (row >= 0 && state_.NameEntries[row].NameText != "/Pages") row = state_.NameEntries[row].NameId;
   if (row < 0) return false;
   NumberPairKeyword found;

@@ -65,6 +65,6 @@ class PdfBuilder {
 };
 
 /// A number object's value as text, converted to a number; -1 when it is none.
-[[nodiscard]] std::int32_t NumberOfValueText(const std::string& valueText);
+[[nodiscard]] std::int32_t NumberOfValueText(std::string_view valueText);
 
 }  // namespace folioweld

@@ -55,6 +55,8 @@ class PdfReader {
   /// the first key, -1 when there is none.
   [[nodiscard]] std::int32_t JoinAndParseDictionary(const Table<std::string>& lines, std::int32_t first,
                                                     std::int32_t last);
+  [[nodiscard]] std::int32_t JoinAndParseDictionary(const Table<PooledText>& lines, std::int32_t first,
+                                                    std::int32_t last);
 
   /// Parses the dictionary text from a 1-based position on. Returns 0 when the text was used up, another
   /// value on failure; `firstEntry` is -1 when no key was found. Nesting deeper than 100 is refused.
@@ -69,6 +71,8 @@ class PdfReader {
   [[nodiscard]] bool ScanObjects(std::int16_t slot);
 
  private:
+  template <typename Line>
+  std::int32_t JoinAndParse(const Table<Line>& lines, std::int32_t first, std::int32_t last);
   std::int32_t ParseDictionaryEntry(std::string_view inner, std::size_t lastLineEnd, std::int32_t position,
                                     std::int32_t& next);
   std::int32_t ParseDictionaryEntries(std::string_view inner, std::int32_t& firstEntry);

@@ -1,7 +1,5 @@
 // Output passes #1 and #2 of PdfBuilder: missing lengths and new object numbers.
 
-#include <utility>
-
 #include "engine/conversions.h"
 #include "engine/pass_guard.h"
 #include "engine/pdf_builder.h"
@@ -33,18 +31,6 @@ void AppendShifted(std::string_view line, std::int32_t offset, std::string& shif
     position = next;
   }
   shifted += line.substr(copied);
-}
-
-/// Makes the line the text and a carriage return, in the memory that it has or in as much as it needs: there
-/// are many lines, and a string that grows by itself takes twice its size.
-void SetLine(std::string& line, std::string_view text) {
-  if (line.capacity() < text.size() + 1) {
-    std::string longer;
-    longer.reserve(text.size() + 1);
-    line = std::move(longer);
-  }
-  line.assign(text);
-  line += '\r';
 }
 
 /// Number of the object in its own document.
@@ -97,7 +83,7 @@ void CheckStreams(const MergeState& state, const FileModule& files, std::int16_t
 
 }  // namespace
 
-std::int32_t NumberOfValueText(const std::string& valueText) {
+std::int32_t NumberOfValueText(std::string_view valueText) {
   std::int16_t digits = 0;
   const std::int32_t value = ParseDecimalToken(valueText, digits);
   return digits > 0 && static_cast<std::size_t>(digits) == valueText.size() ? value : -1;
@@ -141,7 +127,8 @@ bool PdfBuilder::RenumberSecondInput() {
         }
         shifted.clear();
         AppendShifted(state_.ObjLines[j], state_.ObjectsInDoc1, shifted);
-        SetLine(state_.ObjLines[j], TrimBlanks(shifted));
+        // The old text stays where it is: the keys of its dictionary point into it.
+        state_.ObjLines[j] = state_.Texts.Keep(TrimBlanks(shifted), '\r');
       }
     }
     entry.ObjNumber = i;

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace folioweld {
@@ -38,16 +40,34 @@ class PooledText {
   std::uint32_t size_ = 0;
 };
 
-/// Keeps texts at fixed addresses until it is reset, so that many short pieces of one dictionary can point
-/// into a single copy of it.
+/// Keeps texts at fixed addresses until it is reset, so that an object's text and the many short pieces of
+/// its dictionary are one copy.
 class TextPool {
  public:
   /// A view of the pool's own copy of the text, valid until `Reset`.
-  [[nodiscard]] std::string_view Keep(std::string_view text);
+  [[nodiscard]] std::string_view Keep(std::string_view text) {
+    char* const kept = Room(text.size());
+    std::copy(text.begin(), text.end(), kept);
+    return {kept, text.size()};
+  }
+
+  /// The same for a text and one more character.
+  [[nodiscard]] std::string_view Keep(std::string_view text, char end) {
+    char* const kept = Room(text.size() + 1);
+    *std::copy(text.begin(), text.end(), kept) = end;
+    return {kept, text.size() + 1};
+  }
 
   void Reset();
 
  private:
+  [[nodiscard]] char* Room(std::size_t size) {
+    if (size > left_) return RoomInNewBlock(size);
+    left_ -= size;
+    return std::exchange(next_, next_ + size);
+  }
+  [[nodiscard]] char* RoomInNewBlock(std::size_t size);
+
   std::vector<std::unique_ptr<char[]>> blocks_;
   char* next_ = nullptr;
   std::size_t left_ = 0;

@@ -36,8 +36,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   ResetMergeState(state);
   // Row 0 is none of a catalog's, as the rebuilding takes it for the end.
   std::int32_t first = -1;
-  reader.ParseDictionary(state.DictionaryTexts.Keep("<</First 1>>"), 1, first);
-  reader.ParseDictionary(state.DictionaryTexts.Keep(fuzz::TextOf(data, size)), 1, first);
+  reader.ParseDictionary(state.Texts.Keep("<</First 1>>"), 1, first);
+  reader.ParseDictionary(state.Texts.Keep(fuzz::TextOf(data, size)), 1, first);
   fuzz::Require(state.DictDepth == 0, "the nesting is counted back");
   CountRows(state, first, 1);
   if (first >= 0) {

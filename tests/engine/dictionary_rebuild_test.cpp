@@ -20,9 +20,8 @@ class DictionaryTextTest : public ::testing::Test {
   std::int32_t Parse(const std::string& text) {
     PdfReader reader(State(), run_.Files, run_.Shell);
     std::int32_t first = -1;
-    if (State().NameEntryCount == 0)
-      reader.ParseDictionary(State().DictionaryTexts.Keep("<</X 1>>"), 1, first);
-    reader.ParseDictionary(State().DictionaryTexts.Keep(text), 1, first);
+    if (State().NameEntryCount == 0) reader.ParseDictionary(State().Texts.Keep("<</X 1>>"), 1, first);
+    reader.ParseDictionary(State().Texts.Keep(text), 1, first);
     return first;
   }
 

@@ -165,7 +165,7 @@ TEST(ResetMergeStateTest, TrailingWhiteSpaceOfTheOutputsLinesIsReplacedByOneLine
 TEST(ResetMergeStateTest, EmptiesEveryTable) {
   MergeState state;
   state.NameEntries.Grow(9);
-  state.NameEntries[0].NameText = state.DictionaryTexts.Keep("/Size");
+  state.NameEntries[0].NameText = state.Texts.Keep("/Size");
   state.NameEntryCount = 10;
   state.Objects.Grow(9);
   state.Objects[0].ObjNumber = 5;

@@ -26,7 +26,7 @@ class ObjectScannerTest : public ::testing::Test, public ReaderSetup {
   bool ScanBody(const std::string& body) { return ScanRaw("1 0 obj\n" + body + "\nendobj\n"); }
 
   [[nodiscard]] const ObjectEntry& One() const { return State.Objects[1]; }
-  [[nodiscard]] const std::string& LastLine() const { return State.ObjLines[One().LastLine]; }
+  [[nodiscard]] std::string_view LastLine() const { return State.ObjLines[One().LastLine]; }
 };
 
 // Slots.

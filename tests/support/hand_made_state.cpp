@@ -41,10 +41,10 @@ void PutDictionary(MergeState& state, std::int32_t index, const std::string& bod
 void PutNumber(MergeState& state, std::int32_t index, const std::string& valueText) {
   PutDictionary(state, index, valueText);
   state.Objects[index].ObjState = kPlainNumber;
-  state.Objects[index].ValueText = valueText;
+  state.Objects[index].ValueText = state.Texts.Keep(valueText);
 }
 
-const std::string& LastLineOf(const MergeState& state, std::int32_t index) {
+std::string_view LastLineOf(const MergeState& state, std::int32_t index) {
   return state.ObjLines[state.Objects[index].LastLine];
 }
 

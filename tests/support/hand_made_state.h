@@ -22,6 +22,6 @@ void PutDictionary(MergeState& state, std::int32_t index, const std::string& bod
 void PutNumber(MergeState& state, std::int32_t index, const std::string& valueText);
 
 /// The last line of the object.
-[[nodiscard]] const std::string& LastLineOf(const MergeState& state, std::int32_t index);
+[[nodiscard]] std::string_view LastLineOf(const MergeState& state, std::int32_t index);
 
 }  // namespace folioweld::testing

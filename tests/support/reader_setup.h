@@ -43,7 +43,7 @@ class ReaderSetup {
 
   /// Parses a text that the state keeps; `First` becomes the first row.
   std::int32_t Parse(const std::string& text, std::int32_t start = 1) {
-    return Reader.ParseDictionary(State.DictionaryTexts.Keep(text), start, First);
+    return Reader.ParseDictionary(State.Texts.Keep(text), start, First);
   }
 
   [[nodiscard]] const NameEntry& Row(std::int32_t index) const { return State.NameEntries[index]; }
