@@ -74,6 +74,18 @@ TEST_F(SettingsFaultsTest, CallsThatFailFromOneOnLeaveTheOldOrTheNewSettings) {
   }
 }
 
+TEST_F(SettingsFaultsTest, ANewTextThatCouldNotBeClosedDoesNotTakeTheOldOnesPlace) {
+  WriteSettingsFile(kOld);
+  bool written = false;
+  System.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
+    written = written || call.Name == "WriteFile";
+    return FaultingSystem::Fault{written && call.Name == "CloseHandle" ? EIO : 0, 0};
+  };
+  EXPECT_EQ(Store.WriteSetting("MenuSort", "2"), EIO);
+  EXPECT_EQ(ReadFile(SettingsFile()), kOld);
+  EXPECT_EQ(TemporaryFiles(), 0);
+}
+
 TEST_F(SettingsFaultsTest, AFailingReadNeverPutsTheDefaultInThePlaceOfAStoredText) {
   for (const bool lasting : {false, true}) {
     ForEveryFailingCall(EIO, lasting, [&](SettingsStore& store) {
