@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <stdexcept>
 #include <type_traits>
 
 #include "engine/character_set.h"
@@ -219,7 +220,7 @@ std::int32_t PdfReader::ParseDictionary(std::string_view text, std::int32_t star
 
 std::int32_t PdfReader::ParseDictionaryText(std::string_view text, std::int32_t start,
                                             std::int32_t& firstEntry) {
-  if (start < 1) return -1;
+  if (start < 1) throw std::invalid_argument("a text position starts at 1");
   const std::size_t begin = kWhiteSpaceSet.Skip(text, static_cast<std::size_t>(start) - 1);
   if (begin >= text.size()) return -1;
   std::size_t end = text.size();
