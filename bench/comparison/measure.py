@@ -30,20 +30,30 @@ class Runner:
         self.environment = environment
 
     def run(self, program, documents, pages):
-        """Seconds and peak memory in KiB of one run; raises ValueError when the output is not what it should be."""
+        """Seconds and peak memory in KiB of one run; raises ValueError when the output is not what it should be.
+
+        A run that does not count goes before it: what the program before left in caches and in the system's free
+        memory would decide about the time otherwise, a virtual machine's most of all.
+        """
+        try:
+            self.run_once(program, documents)
+            self.remove_output()
+            seconds, peak_kib = self.run_once(program, documents)
+            if program.joins:
+                self.check_pages(pages)
+            return seconds, peak_kib
+        finally:
+            self.remove_output()
+
+    def run_once(self, program, documents):
         command = program.command(documents, self.output)
         stdout = self.output if program.to_stdout else str(self.work / "stdout")
         errors = self.work / "stderr"
-        try:
-            told = subprocess.run([self.timer, stdout, str(errors), *command], env=self.environment, check=True,
-                                  capture_output=True, text=True).stdout.split()
-            if int(told[1]) != 0:
-                raise ValueError(f"exit status {told[1]}: {errors.read_text(errors='replace').strip()[:200]}")
-            if program.joins:
-                self.check_pages(pages)
-            return int(told[0]) / 1e9, int(told[2])
-        finally:
-            self.remove_output()
+        told = subprocess.run([self.timer, stdout, str(errors), *command], env=self.environment, check=True,
+                              capture_output=True, text=True).stdout.split()
+        if int(told[1]) != 0:
+            raise ValueError(f"exit status {told[1]}: {errors.read_text(errors='replace').strip()[:200]}")
+        return int(told[0]) / 1e9, int(told[2])
 
     def check_pages(self, pages):
         # Exit status 3 is success with warnings; some programs write tables that deserve one.
@@ -67,7 +77,7 @@ def rounds_for(load, wanted):
 
 def measure_load(runner, all_programs, load, folder, wanted_rounds, say):
     """Every program's series for one load: a round that does not count, then round after round, each with every
-    program once and each begun by another one."""
+    program in its turn and each begun by another one."""
     documents = sorted(str(file) for file in (folder / load["name"]).iterdir())
     taking_part = [program for program in all_programs if takes_part(program, load)]
     series = [Series(program.name, program.way) for program in taking_part]
