@@ -48,16 +48,21 @@ std::size_t SkipLineEnds(std::string_view bytes) {
 
 }  // namespace
 
-inline std::int32_t FileModule::CheckRead(std::int16_t fileNumber, std::int64_t position, std::int16_t count,
-                                          std::int32_t& available) const {
-  available = 0;
+inline std::int32_t FileModule::ViewUpTo(std::int16_t fileNumber, std::int64_t position, std::int16_t count,
+                                         std::string_view& bytes) {
   if (fileNumber < 0 || position < 0 || count < 1) return kBadArguments;
-  const OpenFile* const file = Find(fileNumber);
+  OpenFile* const file = Find(fileNumber);
   const std::int32_t length = file == nullptr ? static_cast<std::int32_t>(kNoLength) : file->Length();
   if (length < 0) return kNoLength;
   if (position > length) return kBeyondEnd;
   if (position == 0) return kSeekFailed;
-  available = static_cast<std::int32_t>(std::min<std::int64_t>(count, length - position + 1));
+  if (!file->Input) return kReadFailed;
+  const auto view = file->Input->View(position - 1, std::min<std::int64_t>(count, length - position + 1));
+  if (!view.Ok()) {
+    lastError_ = view.Error();
+    return kReadFailed;
+  }
+  bytes = view.Value();
   return 0;
 }
 
@@ -66,10 +71,8 @@ std::int32_t FileModule::ReadLineChunk(std::int16_t fileNumber, std::int32_t pos
                                        bool /*logging*/) {
   line.clear();
   lineStart = -1;
-  std::int32_t available = 0;
   std::string_view bytes;
-  std::int32_t code = CheckRead(fileNumber, position, bufferSize, available);
-  if (code == 0) code = ViewBytes(fileNumber, position, available, bytes);
+  std::int32_t code = ViewUpTo(fileNumber, position, bufferSize, bytes);
   if (code < 0) return code;
   const std::size_t first = SkipLineEnds(bytes);
   const std::size_t end = FindLineEnd(bytes, first);
@@ -83,10 +86,8 @@ std::int32_t FileModule::ReadLineChunk(std::int16_t fileNumber, std::int32_t pos
 
 std::int32_t FileModule::ContinueLine(std::int16_t fileNumber, std::int64_t position, std::int16_t bufferSize,
                                       std::string& line) {
-  std::int32_t available = 0;
   std::string_view bytes;
-  std::int32_t code = CheckRead(fileNumber, position, bufferSize, available);
-  if (code == 0) code = ViewBytes(fileNumber, position, available, bytes);
+  std::int32_t code = ViewUpTo(fileNumber, position, bufferSize, bytes);
   if (code < 0) return code;
   const std::size_t end = FindLineEnd(bytes, 0);
   line.append(bytes.substr(0, end));
@@ -123,10 +124,8 @@ std::int32_t FileModule::ReadLineFromRandomFile(std::int16_t fileNumber, std::in
 std::int32_t FileModule::ViewLine(std::int16_t fileNumber, std::int32_t position, std::int16_t bufferSize,
                                   std::int16_t mostTries, std::string& room, std::string_view& line) {
   line = {};
-  std::int32_t available = 0;
   std::string_view bytes;
-  std::int32_t code = CheckRead(fileNumber, position, bufferSize, available);
-  if (code == 0) code = ViewBytes(fileNumber, position, available, bytes);
+  std::int32_t code = ViewUpTo(fileNumber, position, bufferSize, bytes);
   if (code < 0) return code;
   const std::size_t first = SkipLineEnds(bytes);
   const std::size_t end = FindLineEnd(bytes, first);
@@ -157,13 +156,11 @@ void FileModule::LogRetries(std::int16_t bufferSize, std::int16_t tries, std::in
 std::int16_t FileModule::ReadBlock(std::int16_t fileNumber, std::int32_t position, std::int16_t count,
                                    std::string& bytes) {
   bytes.clear();
-  std::int32_t available = 0;
   std::string_view view;
-  std::int32_t code = CheckRead(fileNumber, position, count, available);
-  if (code == 0) code = ViewBytes(fileNumber, position, available, view);
+  std::int32_t code = ViewUpTo(fileNumber, position, count, view);
   if (code < 0) return static_cast<std::int16_t>(code);
   bytes.assign(view);
-  return static_cast<std::int16_t>(available);
+  return static_cast<std::int16_t>(view.size());
 }
 
 }  // namespace folioweld

@@ -140,10 +140,9 @@ class FileModule {
   void RemoveEmpty(const std::string& path);
   bool Fail(SystemError error);
   [[nodiscard]] bool IsOpenInput(const FileIdentity& identity) const;
-  inline std::int32_t CheckRead(std::int16_t fileNumber, std::int64_t position, std::int16_t count,
-                                std::int32_t& available) const;
-  inline std::int32_t ViewBytes(std::int16_t fileNumber, std::int64_t position, std::int32_t count,
-                                std::string_view& bytes);
+  /// A view of `count` bytes from the 1-based position, or of as many as there are; 0 or a negative code.
+  inline std::int32_t ViewUpTo(std::int16_t fileNumber, std::int64_t position, std::int16_t count,
+                               std::string_view& bytes);
   std::int32_t ContinueLine(std::int16_t fileNumber, std::int64_t position, std::int16_t bufferSize,
                             std::string& line);
   void LogRetries(std::int16_t bufferSize, std::int16_t tries, std::int32_t code);

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
-#include <string_view>
 
 #include "engine/file_module.h"
 #include "engine/input_buffer.h"
@@ -30,19 +29,6 @@ struct FileModule::OpenFile {
 inline FileModule::OpenFile* FileModule::Find(std::int16_t fileNumber) const {
   if (fileNumber < 1 || static_cast<std::size_t>(fileNumber) > files_.size()) return nullptr;
   return files_[static_cast<std::size_t>(fileNumber) - 1].get();
-}
-
-inline std::int32_t FileModule::ViewBytes(std::int16_t fileNumber, std::int64_t position, std::int32_t count,
-                                          std::string_view& bytes) {
-  OpenFile* const file = Find(fileNumber);
-  if (file == nullptr || !file->Input) return kReadFailed;
-  const auto view = file->Input->View(position - 1, count);
-  if (!view.Ok()) {
-    lastError_ = view.Error();
-    return kReadFailed;
-  }
-  bytes = view.Value();
-  return 0;
 }
 
 }  // namespace folioweld
