@@ -36,6 +36,13 @@ TEST(SortOrderFromSetting, ReadsTheNumberLeniently) {
   EXPECT_EQ(SortOrderFromSetting("-1.0"), -1);
 }
 
+TEST(SortOrderFromSetting, HalvesGoToTheEvenNumber) {
+  EXPECT_EQ(SortOrderFromSetting("-0.5"), 1);
+  EXPECT_EQ(SortOrderFromSetting("1.5"), 2);
+  EXPECT_EQ(SortOrderFromSetting("2.5"), 2);
+  EXPECT_EQ(SortOrderFromSetting("-2.5"), -2);
+}
+
 TEST(SortOrderFromSetting, GivesOneOfTheFourForEveryFraction) {
   for (int tenths = -40; tenths <= 40; ++tenths) {
     const std::string text = (tenths < 0 ? "-" : "") + std::to_string(std::abs(tenths) / 10) + "." +
