@@ -240,7 +240,6 @@ std::int32_t ParseNumberPairKeyword(std::string_view text, std::int32_t start,
 
 std::int32_t FindNextReference(std::string_view text, std::int32_t position,
                                std::span<const std::string_view> keywords, NumberPairKeyword& found) {
-  const bool usable = IsUsable(keywords);
   found = {};
   std::size_t index = position < 1 ? text.size() : static_cast<std::size_t>(position) - 1;
   while (index < text.size()) {
@@ -250,9 +249,7 @@ std::int32_t FindNextReference(std::string_view text, std::int32_t position,
     }
     const std::size_t digits = kDigitSet.Skip(text, index);
     if (EndsFirstNumber(text, index, digits)) {
-      const std::int32_t next =
-          usable ? MatchReference(text, index, digits, keywords, found)
-                 : ParseNumberPairKeyword(text, static_cast<std::int32_t>(index) + 1, keywords, found);
+      const std::int32_t next = MatchReference(text, index, digits, keywords, found);
       if (found.KeywordIndex >= 0) return next;
     }
     index = kDelimiterSet.Find(text, digits);

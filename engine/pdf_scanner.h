@@ -60,7 +60,8 @@ inline constexpr std::string_view kObjectOrReference[] = {"obj", "R"};
 /// Looks for the next "number generation keyword" from `position` (outside strings) on, at every token of
 /// digits that begins after white space or a delimiter and stands outside literal strings, hex strings,
 /// names and comments. Returns the position behind the match, 0 when the text ends there or nothing was
-/// found; in the latter case both numbers are -1. Linear in the text that it passes.
+/// found; in the latter case both numbers are -1. Linear in the text that it passes. No keyword
+/// may be empty.
 [[nodiscard]] std::int32_t FindNextReference(std::string_view text, std::int32_t position,
                                              std::span<const std::string_view> keywords,
                                              NumberPairKeyword& found);
