@@ -11,8 +11,8 @@
 
 namespace folioweld {
 
-// What only the sources of FileModule see: an open file, and the steps that every line read and every text
-// written goes through. They stand here so that the compiler can merge them into their callers.
+// What only the sources of FileModule see: an open file, and how its number leads to it. Every line read and
+// every text written looks that up, so it stands here, where the compiler can merge it into its callers.
 
 struct FileModule::OpenFile {
   WindowsAPI::Handle Handle = -1;
