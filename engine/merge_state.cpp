@@ -24,9 +24,9 @@ void ChooseOutputHeader(MergeState& state) {
     header = state.DocHeader(1);
     secondLine = state.DocSecondLine(1);
   }
-  state.DocHeader(3) = Conversions::TrimRightSet(header, Conversions::kWhiteSpace);
+  state.DocHeader(3) = Conversions::TrimRightBlanks(header);
   state.DocHeader(3) += '\r';
-  state.DocSecondLine(3) = Conversions::TrimRightSet(secondLine, Conversions::kWhiteSpace);
+  state.DocSecondLine(3) = Conversions::TrimRightBlanks(secondLine);
   state.DocSecondLine(3) += "\r\n";
 }
 
