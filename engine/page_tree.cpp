@@ -16,7 +16,7 @@ constexpr char kInformationDictionary[] =
     "<<\r/CreationDate (D:20080101010101)\r/ModDate (D:20080101010101)\r/Producer (Folioweld)\r>>\r";
 
 std::string_view TrimDictionaryLine(std::string_view line) {
-  return TrimRightSet(TrimCrLf(line), kWhiteSpace);
+  return TrimRightBlanks(TrimCrLf(line));
 }
 
 struct Reference {
@@ -107,7 +107,7 @@ class PagePasting {
   [[nodiscard]] std::int32_t ParseLastLine(std::int32_t index) {
     const std::string_view text = TrimDictionaryLine(LastLineOf(index));
     std::int32_t first = -1;
-    reader_.ParseDictionary(state_.Texts.Keep(text), 1, first);
+    reader_.ParseDictionary(text, 1, first);
     return first;
   }
 
@@ -217,7 +217,7 @@ bool PdfBuilder::FindPagesReference(std::int32_t catalogSlot, std::int32_t& numb
   if (entry.ObjNumber != catalogSlot || entry.LastLine < 0) return false;
   PdfReader reader(state_, files_, shell_);
   std::int32_t row = -1;
-  reader.ParseDictionary(state_.Texts.Keep(TrimDictionaryLine(state_.ObjLines[entry.LastLine])), 1, row);
+  reader.ParseDictionary(TrimDictionaryLine(state_.ObjLines[entry.LastLine]), 1, row);
   while (row >= 0 && state_.NameEntries[row].NameText != "/Pages") row = state_.NameEntries[row].NameId;
   if (row < 0) return false;
   NumberPairKeyword found;
