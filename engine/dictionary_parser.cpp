@@ -1,9 +1,10 @@
 // The dictionary parser of PdfReader: texts to rows of NameEntries.
 
-#include <algorithm>
 #include <exception>
 #include <stdexcept>
+#include <string>
 #include <type_traits>
+#include <vector>
 
 #include "engine/character_set.h"
 #include "engine/conversions.h"
@@ -39,142 +40,156 @@ bool IsDictionaryText(std::string_view text) {
   return text.size() >= 4 && text.substr(0, 2) == "<<" && text.substr(text.size() - 2) == ">>";
 }
 
-/// Where the last line end of the text stands. A "%" behind it opens no comment, because trailer lines are
-/// joined without line ends. Looked up once for a dictionary: a search from every "%" would take the square
-/// of the text's length.
-std::size_t FindLastLineEnd(std::string_view text) {
-  // Nobody asks for it where there is no "%".
-  if (text.find('%') == std::string_view::npos) return 0;
-  const std::size_t last = text.find_last_of(kLineEnd);
-  return last == std::string_view::npos ? 0 : last;
-}
-
-bool OpensComment(std::string_view text, std::size_t index, std::size_t lastLineEnd) {
-  return text[index] == '%' && index < lastLineEnd;
-}
-
-/// Index behind white space and comments.
-std::size_t SkipBlanksAndComments(std::string_view text, std::size_t index, std::size_t lastLineEnd) {
-  while (index < text.size()) {
-    if (kWhiteSpaceSet.Has(text[index])) {
-      ++index;
-    } else if (OpensComment(text, index, lastLineEnd)) {
-      index = SkipComment(text, index);
-    } else {
-      break;
-    }
-  }
-  return index;
-}
-
-/// 0-based index of the "/" that begins the next key; what stands before it and is no key is passed over.
-std::size_t FindKeyStart(std::string_view text, std::size_t index, std::size_t lastLineEnd) {
-  for (;;) {
-    index = kKeyMarks.Find(text, index);
-    if (index == text.size() || text[index] == '/') break;
-    if (OpensComment(text, index, lastLineEnd)) {
-      index = SkipComment(text, index);
-    } else {
-      index = text[index] == '(' ? SkipLiteralString(text, index) : index + 1;
-    }
-  }
-  return index;
-}
-
-/// Walks the value of one key and finds its end; comments inside are left out of what it collects.
-class ValueScan {
+/// Where comments begin. A "%" behind the last line end of the text opens none, because trailer lines are
+/// joined without line ends. The last line end is looked up once for a dictionary: a search from every "%"
+/// would take the square of the text's length.
+class CommentStarts {
  public:
-  ValueScan(std::string_view text, std::size_t start, std::size_t lastLineEnd)
-      : text_(text), start_(start), end_(start), lastLineEnd_(lastLineEnd) {}
+  explicit CommentStarts(std::string_view text) : text_(text) {}
 
-  /// Runs to the next "/" outside strings, arrays and dictionaries, or to the end of the text.
-  void Run() {
-    if (end_ < text_.size() && text_[end_] == '/') {
-      // The value is or begins with a name.
-      end_ = kDelimiterSet.Find(text_, end_ + 1);
+  /// Whether the "%" at `index` opens a comment.
+  [[nodiscard]] bool Has(std::size_t index) {
+    if (lastLineEnd_ == kNotLookedUp) {
+      const std::size_t last = text_.find_last_of(kLineEnd);
+      lastLineEnd_ = last == std::string_view::npos ? 0 : last;
     }
-    for (;;) {
-      end_ = kValueMarks.Find(text_, end_);
-      if (end_ == text_.size() || (depth_ == 0 && text_[end_] == '/')) break;
-      Step();
-    }
-  }
-
-  [[nodiscard]] std::size_t End() const { return end_; }
-
-  [[nodiscard]] bool HoldsComments() const { return pieceStart_ != 0; }
-
-  /// The value when it holds no comment.
-  [[nodiscard]] std::string_view Plain() const { return text_.substr(start_, end_ - start_); }
-
-  /// The value without its comments.
-  [[nodiscard]] std::string WithoutComments() const {
-    return pieces_ + std::string(text_.substr(pieceStart_, end_ - pieceStart_));
+    return index < lastLineEnd_;
   }
 
  private:
-  [[nodiscard]] bool PairAt(char c) const {
-    return text_[end_] == c && end_ + 1 < text_.size() && text_[end_ + 1] == c;
-  }
-
-  void Step() {
-    switch (text_[end_]) {
-      case '(':
-        end_ = SkipLiteralString(text_, end_);
-        return;
-      case '<':
-        if (!PairAt('<')) {
-          end_ = SkipHexString(text_, end_);
-          return;
-        }
-        ++depth_;
-        end_ += 2;
-        return;
-      case '[':
-        ++depth_;
-        break;
-      case '>':
-        if (PairAt('>')) {
-          Leave();
-          ++end_;
-        }
-        break;
-      case ']':
-        Leave();
-        break;
-      case '%':
-        StepOverComment();
-        return;
-      default:
-        break;
-    }
-    ++end_;
-  }
-
-  void Leave() {
-    if (depth_ > 0) --depth_;
-  }
-
-  void StepOverComment() {
-    if (!OpensComment(text_, end_, lastLineEnd_)) {
-      ++end_;
-      return;
-    }
-    const std::size_t behind = SkipComment(text_, end_);
-    pieces_ += text_.substr(PieceStart(), end_ - PieceStart());
-    pieceStart_ = behind;
-    end_ = behind;
-  }
-
-  [[nodiscard]] std::size_t PieceStart() const { return pieceStart_ == 0 ? start_ : pieceStart_; }
+  static constexpr std::size_t kNotLookedUp = std::string_view::npos;
 
   std::string_view text_;
-  std::size_t start_;
-  std::size_t end_;
-  std::size_t lastLineEnd_;
-  std::size_t depth_ = 0;
-  std::string pieces_;
-  std::size_t pieceStart_ = 0;
+  std::size_t lastLineEnd_ = kNotLookedUp;
+};
+
+/// Walks the text between the brackets of one dictionary from key to key.
+class EntryWalk {
+ public:
+  explicit EntryWalk(std::string_view text) : text_(text), commentStarts_(text) {}
+
+  /// Goes to the next key and its value; what stands before the key and is none is passed over. False when no
+  /// key is left.
+  [[nodiscard]] bool Next() {
+    const std::size_t key = FindKey(index_);
+    if (key == text_.size()) return false;
+    const std::size_t behindKey = kDelimiterSet.Find(text_, key + 1);
+    key_ = text_.substr(key, behindKey - key);
+    comments_.clear();
+    valueStart_ = SkipBlanksAndComments(behindKey);
+    index_ = FindValueEnd(valueStart_);
+    return true;
+  }
+
+  /// Of the last key, with its "/".
+  [[nodiscard]] std::string_view Key() const { return key_; }
+  [[nodiscard]] std::string_view Value() const { return text_.substr(valueStart_, index_ - valueStart_); }
+  [[nodiscard]] bool ValueHoldsComments() const { return !comments_.empty(); }
+
+  [[nodiscard]] std::string ValueWithoutComments() const {
+    std::string value;
+    std::size_t start = valueStart_;
+    for (const Comment& comment : comments_) {
+      value += text_.substr(start, comment.Start - start);
+      start = comment.Behind;
+    }
+    return value += text_.substr(start, index_ - start);
+  }
+
+  /// 0-based index behind the last value.
+  [[nodiscard]] std::size_t Index() const { return index_; }
+  [[nodiscard]] bool AtEnd() const { return index_ == text_.size(); }
+
+ private:
+  struct Comment {
+    std::size_t Start = 0;
+    std::size_t Behind = 0;
+  };
+
+  [[nodiscard]] bool PairAt(std::size_t index) const {
+    return index + 1 < text_.size() && text_[index + 1] == text_[index];
+  }
+
+  /// Index of the "/" that begins the next key; the text's size when there is none.
+  [[nodiscard]] std::size_t FindKey(std::size_t index) {
+    for (;;) {
+      index = kKeyMarks.Find(text_, index);
+      if (index == text_.size() || text_[index] == '/') return index;
+      if (text_[index] == '(') {
+        index = SkipLiteralString(text_, index);
+      } else {
+        index = commentStarts_.Has(index) ? SkipComment(text_, index) : index + 1;
+      }
+    }
+  }
+
+  [[nodiscard]] std::size_t SkipBlanksAndComments(std::size_t index) {
+    for (;;) {
+      index = kWhiteSpaceSet.Skip(text_, index);
+      if (index == text_.size() || text_[index] != '%' || !commentStarts_.Has(index)) return index;
+      index = SkipComment(text_, index);
+    }
+  }
+
+  /// Index of the next "/" outside strings, arrays and dictionaries, or of the text's end. A name that the
+  /// value begins with is passed over.
+  [[nodiscard]] std::size_t FindValueEnd(std::size_t index) {
+    if (index < text_.size() && text_[index] == '/') index = kDelimiterSet.Find(text_, index + 1);
+    std::size_t depth = 0;
+    for (;;) {
+      index = kValueMarks.Find(text_, index);
+      if (index == text_.size()) return index;
+      switch (text_[index]) {
+        case '/':
+          if (depth == 0) return index;
+          ++index;
+          break;
+        case '(':
+          index = SkipLiteralString(text_, index);
+          break;
+        case '<':
+          if (PairAt(index)) {
+            ++depth;
+            index += 2;
+          } else {
+            index = SkipHexString(text_, index);
+          }
+          break;
+        case '[':
+          ++depth;
+          ++index;
+          break;
+        case '>':
+          // A single one ends nothing.
+          if (PairAt(index)) {
+            if (depth > 0) --depth;
+            ++index;
+          }
+          ++index;
+          break;
+        case ']':
+          if (depth > 0) --depth;
+          ++index;
+          break;
+        default:
+          index = PassPercent(index);
+      }
+    }
+  }
+
+  [[nodiscard]] std::size_t PassPercent(std::size_t index) {
+    if (!commentStarts_.Has(index)) return index + 1;
+    const std::size_t behind = SkipComment(text_, index);
+    comments_.push_back({index, behind});
+    return behind;
+  }
+
+  std::string_view text_;
+  CommentStarts commentStarts_;
+  std::string_view key_;
+  std::size_t valueStart_ = 0;
+  std::size_t index_ = 0;
+  std::vector<Comment> comments_;  ///< within the last value
 };
 
 }  // namespace
@@ -228,28 +243,28 @@ std::int32_t PdfReader::ParseDictionaryText(std::string_view text, std::int32_t 
   const std::string_view dictionary = text.substr(begin, end - begin);
   if (!IsDictionaryText(dictionary)) return -1;
   const std::string_view inner = dictionary.substr(2, dictionary.size() - 4);
-  if (inner.find('/') == std::string_view::npos) return TrimBlanks(inner).empty() ? 0 : -1;
   const std::int32_t position = ParseDictionaryEntries(inner, firstEntry);
+  if (firstEntry < 0 && inner.find('/') == std::string_view::npos) return TrimBlanks(inner).empty() ? 0 : -1;
   if (position == 0) return 0;
   // A non-zero value in any case: the inner text begins two characters behind the start.
   return position + static_cast<std::int32_t>(begin) + 2;
 }
 
+/// Returns the 1-based position in the inner text at which a cancel was seen, 0 when the text was used up.
 std::int32_t PdfReader::ParseDictionaryEntries(std::string_view inner, std::int32_t& firstEntry) {
-  const std::size_t lastLineEnd = FindLastLineEnd(inner);
-  std::int32_t position = 1;
+  EntryWalk walk(inner);
   std::int32_t previous = -1;
   std::int32_t countdown = kKeysPerYield;
-  while (position >= 1) {
+  while (!walk.AtEnd()) {
     if (--countdown == 0) {
       shell_.Yield();
-      if (state_.AbortRequested) break;
+      if (state_.AbortRequested) return static_cast<std::int32_t>(walk.Index()) + 1;
       countdown = kKeysPerYield;
     }
-    std::int32_t next = 0;
-    const std::int32_t entry = ParseDictionaryEntry(inner, lastLineEnd, position, next);
-    position = next;
-    if (entry < 0) break;
+    if (!walk.Next()) break;
+    const std::string_view value =
+        TrimBlanks(walk.ValueHoldsComments() ? state_.Texts.Keep(walk.ValueWithoutComments()) : walk.Value());
+    const std::int32_t entry = StoreEntry(walk.Key(), value);
     if (previous < 0) {
       firstEntry = entry;
     } else {
@@ -257,45 +272,27 @@ std::int32_t PdfReader::ParseDictionaryEntries(std::string_view inner, std::int3
     }
     previous = entry;
   }
-  return position;
+  return 0;
 }
 
-std::int32_t PdfReader::AppendNameEntry() {
+/// Appends a row for the key, and rows for the value when that is a dictionary. Both texts are kept ones.
+std::int32_t PdfReader::StoreEntry(std::string_view key, std::string_view value) {
   const std::int32_t index = state_.NameEntryCount;
-  if (index > state_.NameEntries.UpperBound()) {
-    state_.NameEntries.Grow(CheckedAdd(index, 63));
-  }
+  if (index > state_.NameEntries.UpperBound()) state_.NameEntries.Grow(CheckedAdd(index, 63));
   state_.NameEntryCount = index + 1;
-  return index;
-}
-
-/// Reads the key and value at a 1-based position of the inner text. `next` becomes where the next key
-/// begins, 0 when the text is used up. Returns the row, -1 when no key is left.
-std::int32_t PdfReader::ParseDictionaryEntry(std::string_view inner, std::size_t lastLineEnd,
-                                             std::int32_t position, std::int32_t& next) {
-  next = 0;
-  const std::size_t keyStart = FindKeyStart(inner, static_cast<std::size_t>(position) - 1, lastLineEnd);
-  if (keyStart >= inner.size()) return -1;
-  const std::size_t keyEnd = kDelimiterSet.Find(inner, keyStart + 1);
-  ValueScan scan(inner, SkipBlanksAndComments(inner, keyEnd, lastLineEnd), lastLineEnd);
-  scan.Run();
-
-  const std::int32_t entry = AppendNameEntry();
-  const std::string_view value =
-      TrimBlanks(scan.HoldsComments() ? state_.Texts.Keep(scan.WithoutComments()) : scan.Plain());
-  NameEntry& row = state_.NameEntries[entry];
-  row.NameText = inner.substr(keyStart, keyEnd - keyStart);
+  NameEntry& row = state_.NameEntries[index];
+  row.NameText = key;
   row.NameValue = value;
   if (value.substr(0, 2) == "<<") {
     std::int32_t nested = -1;
     ParseDictionary(value, 1, nested);
     if (nested >= 0) {
-      state_.NameEntries[entry].NameFlag = 1;
-      state_.NameEntries[entry].NameRef = nested;
+      // The row may have moved when the table grew.
+      state_.NameEntries[index].NameFlag = 1;
+      state_.NameEntries[index].NameRef = nested;
     }
   }
-  if (scan.End() < inner.size()) next = static_cast<std::int32_t>(scan.End()) + 1;
-  return entry;
+  return index;
 }
 
 }  // namespace folioweld

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -73,11 +72,9 @@ class PdfReader {
  private:
   template <typename Line>
   std::int32_t JoinAndParse(const Table<Line>& lines, std::int32_t first, std::int32_t last);
-  std::int32_t ParseDictionaryEntry(std::string_view inner, std::size_t lastLineEnd, std::int32_t position,
-                                    std::int32_t& next);
   std::int32_t ParseDictionaryEntries(std::string_view inner, std::int32_t& firstEntry);
   std::int32_t ParseDictionaryText(std::string_view text, std::int32_t start, std::int32_t& firstEntry);
-  std::int32_t AppendNameEntry();
+  std::int32_t StoreEntry(std::string_view key, std::string_view value);
 
   MergeState& state_;
   FileModule& files_;
