@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -20,21 +21,27 @@ bool IsLineEnd(char c) {
   return c == '\r' || c == '\n';
 }
 
-/// The highest bit of every one of the eight bytes that is the repeated one, and of none before the first
-/// such.
-constexpr std::uint64_t MarksOf(std::uint64_t bytes, std::uint64_t repeated) {
-  const std::uint64_t difference = bytes ^ repeated;
-  return (difference - 0x0101010101010101U) & ~difference & 0x8080808080808080U;
+/// The highest bit of the first of the eight bytes that is below 0x0E, as line ends are and few other
+/// characters, and none below it; 0 when there is no such byte.
+constexpr std::uint64_t MarkControlCharacter(std::uint64_t bytes) {
+  return (bytes - 0x0E0E0E0E0E0E0E0EU) & ~bytes & 0x8080808080808080U;
 }
 
 std::size_t FindLineEnd(std::string_view bytes, std::size_t from) {
-  // Eight bytes at a look as long as none of them ends the line.
-  for (std::uint64_t eight = 0; from + sizeof eight <= bytes.size(); from += sizeof eight) {
-    std::memcpy(&eight, bytes.data() + from, sizeof eight);
-    const std::uint64_t marks = MarksOf(eight, 0x0D0D0D0D0D0D0D0DU) | MarksOf(eight, 0x0A0A0A0A0A0A0A0AU);
-    if (marks == 0) continue;
-    if constexpr (std::endian::native != std::endian::little) break;
-    return from + static_cast<std::size_t>(std::countr_zero(marks)) / 8;
+  if constexpr (std::endian::native == std::endian::little) {
+    // Eight bytes at a look as long as there are so many.
+    std::uint64_t eight = 0;
+    while (from + sizeof eight <= bytes.size()) {
+      std::memcpy(&eight, bytes.data() + from, sizeof eight);
+      const std::uint64_t mark = MarkControlCharacter(eight);
+      if (mark == 0) {
+        from += sizeof eight;
+        continue;
+      }
+      from += static_cast<std::size_t>(std::countr_zero(mark)) / 8;
+      if (IsLineEnd(bytes[from])) return from;
+      ++from;
+    }
   }
   while (from < bytes.size() && !IsLineEnd(bytes[from])) ++from;
   return from;
@@ -123,18 +130,18 @@ std::int32_t FileModule::ReadLineFromRandomFile(std::int16_t fileNumber, std::in
 
 std::int32_t FileModule::ViewLine(std::int16_t fileNumber, std::int32_t position, std::int16_t bufferSize,
                                   std::int16_t mostTries, std::string& room, std::string_view& line) {
-  line = {};
-  std::string_view bytes;
-  std::int32_t code = ViewUpTo(fileNumber, position, bufferSize, bytes);
-  if (code < 0) return code;
-  const std::size_t first = SkipLineEnds(bytes);
-  const std::size_t end = FindLineEnd(bytes, first);
-  if (end < bytes.size()) {
-    line = bytes.substr(first, end - first);
-    return position + static_cast<std::int32_t>(first);
+  const OpenFile* const file = Find(fileNumber);
+  if (file != nullptr && file->Input) {
+    const std::string_view bytes = file->Input->AtHand(std::int64_t{position} - 1, bufferSize);
+    const std::size_t first = SkipLineEnds(bytes);
+    const std::size_t end = FindLineEnd(bytes, first);
+    if (end < bytes.size()) {
+      line = bytes.substr(first, end - first);
+      return position + static_cast<std::int32_t>(first);
+    }
   }
-  // Its end lies further on; the bytes seen so far are still at hand.
-  code = ReadLineFromRandomFile(fileNumber, position, bufferSize, mostTries, room, false);
+  // Its end lies further on.
+  const std::int32_t code = ReadLineFromRandomFile(fileNumber, position, bufferSize, mostTries, room, false);
   line = room;
   return code;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -23,6 +25,13 @@ class InputBuffer {
       if (error) return error;
     }
     return std::string_view(bytes_.data() + (offset - start_), static_cast<std::size_t>(count));
+  }
+
+  /// As many of the `count` bytes from `offset` as are in memory, without a look at the file; maybe none.
+  [[nodiscard]] std::string_view AtHand(std::int64_t offset, std::int64_t count) const {
+    if (count < 1 || offset < start_ || offset >= start_ + size_) return {};
+    const std::int64_t most = std::min(count, start_ + size_ - offset);
+    return {bytes_.data() + (offset - start_), static_cast<std::size_t>(most)};
   }
 
   /// Copies `count` bytes from `offset` out. A few come from the window, many straight from the system.
