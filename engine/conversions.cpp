@@ -1,7 +1,5 @@
 #include "engine/conversions.h"
 
-#include <array>
-#include <charconv>
 #include <cstddef>
 #include <limits>
 #include <stdexcept>
@@ -121,12 +119,6 @@ std::int32_t ParseLeadingNumber(std::string_view text, std::int16_t& digitCount)
   const std::size_t first = text.find_first_not_of(kWhiteSpace);
   if (first == std::string_view::npos) return 0;
   return ParseDecimalToken(LeftUntilFirstOf(text.substr(first), kWhiteSpace, 1), digitCount);
-}
-
-void AppendNumber(std::string& text, std::int32_t number) {
-  std::array<char, 12> digits{};
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-  text.append(digits.data(), end);
 }
 
 std::string_view StripAtNull(std::string_view text) {

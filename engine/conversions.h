@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -73,8 +75,19 @@ inline constexpr std::string_view kDelimitersInLineWithEscape = " ()<>[]{}/%\\";
 /// `ParseDecimalToken` of the first token after leading white space.
 [[nodiscard]] std::int32_t ParseLeadingNumber(std::string_view text, std::int16_t& digitCount);
 
-/// Appends the number in decimal digits.
-void AppendNumber(std::string& text, std::int32_t number);
+/// A number in decimal digits, without memory of its own to get.
+class DecimalDigits {
+ public:
+  explicit DecimalDigits(std::int32_t number)
+      : size_(static_cast<std::size_t>(
+            std::to_chars(digits_.data(), digits_.data() + digits_.size(), number).ptr - digits_.data())) {}
+
+  [[nodiscard]] std::string_view View() const { return {digits_.data(), size_}; }
+
+ private:
+  std::array<char, 11> digits_;  ///< as many as the longest number has, sign included
+  std::size_t size_;
+};
 
 /// The text before its first NUL.
 [[nodiscard]] std::string_view StripAtNull(std::string_view text);

@@ -60,14 +60,6 @@ void ResetTrailerLines(MergeState& state) {
   state.OutputTrailerText.clear();
 }
 
-std::int32_t AppendKeptLine(MergeState& state, std::string_view line) {
-  const std::int32_t index = state.ObjLineCount;
-  if (index > state.ObjLines.UpperBound()) state.ObjLines.Grow(CheckedAdd(index, 63));
-  state.ObjLines[index] = line;
-  state.ObjLineCount = index + 1;
-  return index;
-}
-
 }  // namespace
 
 MergeState::MergeState() {
@@ -117,11 +109,19 @@ std::int32_t TableIndexOf(const MergeState& state, std::int32_t objectNumber, st
 }
 
 std::int32_t AppendObjLine(MergeState& state, std::string_view line) {
-  return AppendKeptLine(state, state.Texts.Keep(line));
+  return AppendKeptObjLine(state, state.Texts.Keep(line));
 }
 
 std::int32_t AppendObjLine(MergeState& state, std::string_view line, char end) {
-  return AppendKeptLine(state, state.Texts.Keep(line, end));
+  return AppendKeptObjLine(state, state.Texts.Keep(line, end));
+}
+
+std::int32_t AppendKeptObjLine(MergeState& state, std::string_view line) {
+  const std::int32_t index = state.ObjLineCount;
+  if (index > state.ObjLines.UpperBound()) state.ObjLines.Grow(CheckedAdd(index, 63));
+  state.ObjLines[index] = line;
+  state.ObjLineCount = index + 1;
+  return index;
 }
 
 }  // namespace folioweld

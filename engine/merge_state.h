@@ -128,7 +128,9 @@ void ResetMergeState(MergeState& state);
                                         std::int32_t slot);
 
 /// Appends a copy of the line to `ObjLines` and returns its index; the second one puts a character behind it.
+/// The third one takes a line that `Texts` keeps.
 std::int32_t AppendObjLine(MergeState& state, std::string_view line);
 std::int32_t AppendObjLine(MergeState& state, std::string_view line, char end);
+std::int32_t AppendKeptObjLine(MergeState& state, std::string_view line);
 
 }  // namespace folioweld

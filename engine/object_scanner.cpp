@@ -1,8 +1,11 @@
 // Pass #2 of an input: PdfReader::ScanObjects.
 
 #include <algorithm>
+#include <cstddef>
+#include <cstring>
 #include <utility>
 
+#include "engine/character_set.h"
 #include "engine/conversions.h"
 #include "engine/line_cursor.h"
 #include "engine/pass_guard.h"
@@ -28,23 +31,48 @@ constexpr char kFillerValue[] = "19540716";
 constexpr std::int64_t kTextAllowance = 16 * 1024 * 1024;
 constexpr std::int64_t kTextPerByte = 4;
 
+/// The last character is compared first: of most lines it is another one.
 bool EndsWith(std::string_view text, std::string_view end) {
-  return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+  return text.size() >= end.size() && text.back() == end.back() &&
+         text.substr(text.size() - end.size()) == end;
 }
 
 /// "12 0 obj" and a carriage return.
 std::string HeaderLine(std::int32_t number, std::int32_t generation) {
-  std::string line;
-  AppendNumber(line, number);
+  std::string line(DecimalDigits(number).View());
   line += ' ';
-  AppendNumber(line, generation);
+  line += DecimalDigits(generation).View();
   line += " obj\r";
   return line;
 }
 
-/// The text of one object as gathered from its lines.
-struct ObjectText {
-  std::string Text;                 ///< from the header to the closing keyword
+/// Index behind the number's digits at `index`, written without anything in front; 0 when others stand there.
+std::size_t SkipNumber(std::string_view text, std::size_t index, std::int32_t number) {
+  const std::size_t start = index;
+  std::int64_t value = 0;
+  // A digit more than the longest number has settles the matter.
+  while (index < text.size() && kDigitSet.Has(text[index]) && index - start < 11) {
+    value = value * 10 + (text[index] - '0');
+    ++index;
+  }
+  const bool leadingZero = index - start > 1 && text[start] == '0';
+  return index > start && value == number && !leadingZero ? index : 0;
+}
+
+/// Length of the header with which the text begins when it is written as `HeaderLine` writes it, as nearly
+/// every one is; 0 when it is not.
+std::size_t UsualHeaderLength(std::string_view text, std::int32_t number, std::int32_t generation) {
+  constexpr std::string_view kKeyword = " obj";
+  const std::size_t behindNumber = SkipNumber(text, 0, number);
+  if (behindNumber == 0 || behindNumber == text.size() || text[behindNumber] != ' ') return 0;
+  const std::size_t behindGeneration = SkipNumber(text, behindNumber + 1, generation);
+  const std::size_t end = behindGeneration + kKeyword.size();
+  if (behindGeneration == 0 || end >= text.size() || !kDelimiterSet.Has(text[end])) return 0;
+  return std::memcmp(text.data() + behindGeneration, kKeyword.data(), kKeyword.size()) == 0 ? end : 0;
+}
+
+/// What ends the text of an object.
+struct ObjectEnd {
   std::int32_t KeywordOffset = -1;  ///< 0-based file offset of the last "stream" of the last line; -1 = none
   bool HasStream = false;
 };
@@ -135,31 +163,48 @@ class ObjectScan {
 
   void DescribeObject(std::int32_t index) {
     offset_ = state_.Objects[index].OutOffset;
-    ObjectText& object = object_;
-    object.Text.clear();
-    GatherText(index, object);
+    const ObjectEnd objectEnd = GatherText(index);
+    std::string_view text = state_.Texts.Draft();
+    text.remove_suffix(1);
+    std::size_t bodyStart = UsualHeaderLength(text, number_, state_.Objects[index].Generation);
+    // Alone on its line the header is kept as it stands.
+    const bool headerIsLine = bodyStart > 0 && text[bodyStart] == '\r';
+    if (headerIsLine) {
+      ++bodyStart;
+    } else if (bodyStart == 0) {
+      bodyStart = OtherHeaderLength(text);
+    }
+    const std::size_t keywordLength = objectEnd.HasStream ? kStream.size() : kEndObject.size();
+    // The header's keyword and the closing one may not overlap, as in "1 0 obj" without a body.
+    if (text.size() < bodyStart + keywordLength) Fail("the object has no value");
+    const std::string_view body = TrimBlanks(text.substr(bodyStart, text.size() - bodyStart - keywordLength));
+    const auto bodyOffset = static_cast<std::size_t>(body.data() - text.data());
+    const std::string_view kept =
+        state_.Texts.KeepDraft(bodyOffset + body.size(), objectEnd.HasStream ? '\n' : '\r');
+    const std::string_view header = kept.substr(0, headerIsLine ? bodyStart : 0);
+    StoreLines(index, header, kept.substr(bodyOffset), objectEnd.HasStream);
+    if (objectEnd.HasStream) LocateStream(index, objectEnd.KeywordOffset);
+    DescribeBody(index, kept.substr(bodyOffset, body.size()));
+    if (objectEnd.HasStream) TakeStreamLength(index);
+  }
+
+  [[nodiscard]] std::size_t OtherHeaderLength(std::string_view text) {
     std::int32_t generation = -1;
-    const std::int32_t behind = ParseObjectHeader(object.Text, 1, number_, generation);
+    const std::int32_t behind = ParseObjectHeader(text, 1, number_, generation);
     if (behind < 1) {
       Fail("the object does not begin with its header \"" + std::to_string(number_) + " generation obj\"");
     }
-    const std::size_t keywordLength = object.HasStream ? kStream.size() : kEndObject.size();
-    const auto bodyStart = static_cast<std::size_t>(behind) - 1;
-    // The header's keyword and the closing one may not overlap, as in "1 0 obj" without a body.
-    if (object.Text.size() < bodyStart + keywordLength) Fail("the object has no value");
-    const std::string_view body = TrimBlanks(
-        std::string_view(object.Text).substr(bodyStart, object.Text.size() - bodyStart - keywordLength));
-    StoreLines(index, body, object.HasStream);
-    if (object.HasStream) LocateStream(index, object.KeywordOffset);
-    DescribeBody(index, body);
-    if (object.HasStream) TakeStreamLength(index);
+    return static_cast<std::size_t>(behind) - 1;
   }
 
-  /// Gathers lines until the text ends with "stream" or "endobj".
-  void GatherText(std::int32_t index, ObjectText& object) {
+  /// Gathers lines until the text ends with "stream" or "endobj". They become the draft of the pool, a
+  /// carriage return behind each.
+  [[nodiscard]] ObjectEnd GatherText(std::int32_t index) {
     LineCursor& lines = lines_;
     lines.GoTo(CheckedAdd(state_.Objects[index].OutOffset, 1));
     std::int64_t behind = state_.Objects[index].OutOffset;
+    bool begun = false;
+    state_.Texts.BeginDraft();
     for (;;) {
       shell_.Yield();
       const bool read = lines.Next();
@@ -173,28 +218,24 @@ class ObjectScan {
       const std::int64_t end = lines.Offset() + static_cast<std::int64_t>(lines.Line.size());
       textLeft_ -= end - std::exchange(behind, end);
       if (textLeft_ < 0) Fail("the objects of the document run into each other");
-      AppendTrimmed(object.Text, lines.Line);
-      object.HasStream = EndsWith(object.Text, kStream);
-      if (object.HasStream) {
-        object.KeywordOffset = lines.Offset() + static_cast<std::int32_t>(lines.Line.rfind(kStream));
-        return;
+      const std::string_view line = begun ? TrimRightBlanks(lines.Line) : TrimBlanks(lines.Line);
+      if (line.empty()) continue;
+      begun = true;
+      state_.Texts.AddToDraft(line, '\r');
+      if (EndsWith(line, kEndObject)) return {};
+      if (EndsWith(line, kStream)) {
+        const std::ptrdiff_t inLine = line.data() + line.size() - kStream.size() - lines.Line.data();
+        return {lines.Offset() + static_cast<std::int32_t>(inLine), true};
       }
-      if (EndsWith(object.Text, kEndObject)) return;
     }
   }
 
-  /// The same as trimming text, carriage return and line together, without touching the old text again.
-  static void AppendTrimmed(std::string& text, std::string_view line) {
-    const std::string_view added = text.empty() ? TrimBlanks(line) : TrimRightBlanks(line);
-    if (added.empty()) return;
-    if (!text.empty()) text += '\r';
-    text += added;
-  }
-
-  void StoreLines(std::int32_t index, std::string_view body, bool hasStream) {
+  /// Both are texts that are kept; an empty header has to be made.
+  void StoreLines(std::int32_t index, std::string_view header, std::string_view body, bool hasStream) {
     const std::int32_t generation = state_.Objects[index].Generation;
-    const std::int32_t first = AppendObjLine(state_, HeaderLine(number_, generation));
-    const std::int32_t last = AppendObjLine(state_, body, hasStream ? '\n' : '\r');
+    const std::int32_t first = header.empty() ? AppendObjLine(state_, HeaderLine(number_, generation))
+                                              : AppendKeptObjLine(state_, header);
+    const std::int32_t last = AppendKeptObjLine(state_, body);
     ObjectEntry& entry = state_.Objects[index];
     entry.FirstLine = first;
     entry.LastLine = last;
@@ -286,7 +327,6 @@ class ObjectScan {
   std::int64_t textLeft_;
   std::string captionPrefix_;
   LineCursor lines_;
-  ObjectText object_;  ///< of one object after the other, so that its memory is used again
   std::int32_t number_ = -1;
   std::int64_t offset_ = -1;
 };

@@ -18,9 +18,9 @@ constexpr std::int32_t kFreeGeneration = 65535;
 /// Blocks copied between two looks at the user's wishes.
 constexpr std::int32_t kBlocksPerYield = 1000;
 
-/// Puts the right-most digits of the number, zeros in front, into all of `places`.
-void PutDigits(std::span<char> places, std::int32_t value) {
-  for (auto place = places.rbegin(); place != places.rend(); ++place, value /= 10) {
+/// Puts the right-most digits of the number into `places`, which hold zeros.
+void PutDigits(std::span<char> places, std::uint32_t value) {
+  for (auto place = places.rbegin(); place != places.rend() && value != 0; ++place, value /= 10) {
     *place = static_cast<char>('0' + value % 10);
   }
 }
@@ -125,8 +125,8 @@ class FileWriting {
       if (i % kBlockSize == 0) CheckAbort();
       const ObjectEntry& entry = state_.Objects[i];
       char line[] = "0000000000 00000 n\r\n";
-      PutDigits(std::span(line).first<10>(), entry.OutOffset);
-      PutDigits(std::span(line).subspan<11, 5>(), entry.Generation);
+      PutDigits(std::span(line).first<10>(), static_cast<std::uint32_t>(entry.OutOffset));
+      PutDigits(std::span(line).subspan<11, 5>(), static_cast<std::uint32_t>(entry.Generation));
       line[17] = entry.EntryType;
       text_.append(line, sizeof line - 1);
       if (text_.size() < std::size_t{kBlockSize}) continue;

@@ -58,6 +58,7 @@ class PdfBuilder {
  private:
   /// False on a cancel.
   [[nodiscard]] bool AppendDictionary(std::int32_t firstRow, std::string& text);
+  void ShiftLine(PooledText& line);
 
   MergeState& state_;
   FileModule& files_;

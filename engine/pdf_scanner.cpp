@@ -102,32 +102,40 @@ std::int32_t ParseKeyword(std::string_view text, std::int32_t secondStart, std::
   return result;
 }
 
-/// Whether the digits from `index` to `end` are a whole token, as the first number is.
-bool EndsFirstNumber(std::string_view text, std::size_t index, std::size_t end) {
-  return end > index && end < text.size() && kWhiteSpaceSet.Has(text[end]);
-}
+/// The last two whole numbers on the way through a text that only white space parts and follows.
+struct NumberPair {
+  struct Token {
+    std::size_t Start = 0;
+    std::size_t End = 0;
+  };
+  Token First;
+  Token Second;
+  int Count = 0;  ///< how many of them there are, the second one last
 
-/// `ParseNumberPairKeyword` for usable keywords and a first token known to be the digits from `index` to
-/// `firstEnd`, with white space behind. Looks at the keyword before it computes anything, as most pairs of
-/// numbers belong to no reference; `found` is left as it is then.
-std::int32_t MatchReference(std::string_view text, std::size_t index, std::size_t firstEnd,
-                            std::span<const std::string_view> keywords, NumberPairKeyword& found) {
-  const std::size_t second = kWhiteSpaceSet.Skip(text, firstEnd);
-  const std::size_t secondEnd = kDigitSet.Skip(text, second);
-  if (secondEnd == second || secondEnd == text.size() || !kWhiteSpaceSet.Has(text[secondEnd])) return 0;
-  const std::size_t word = kWhiteSpaceSet.Skip(text, secondEnd);
-  const std::size_t end = kDelimiterOrEscapeSet.Find(text, word);
+  void Add(Token number) {
+    First = Second;
+    Second = number;
+    if (Count < 2) ++Count;
+  }
+};
+
+/// Whether one of the keywords stands at `index`, behind the two numbers. `end` becomes the index behind it.
+bool CompletesReference(std::string_view text, const NumberPair& numbers, std::size_t index,
+                        std::span<const std::string_view> keywords, NumberPairKeyword& found,
+                        std::size_t& end) {
+  end = kDelimiterOrEscapeSet.Find(text, index);
   NumberPairKeyword match;
-  match.KeywordIndex = MatchKeyword(text.substr(word, end - word), keywords);
+  match.KeywordIndex = MatchKeyword(text.substr(index, end - index), keywords);
+  const auto [first, second, count] = numbers;
   std::int16_t digits = 0;
   if (match.KeywordIndex < 0 ||
-      !ParseToken(text.substr(index, firstEnd - index), match.FirstNumber, match.DigitCount) ||
-      !ParseToken(text.substr(second, secondEnd - second), match.SecondNumber, digits)) {
-    return 0;
+      !ParseToken(text.substr(first.Start, first.End - first.Start), match.FirstNumber, match.DigitCount) ||
+      !ParseToken(text.substr(second.Start, second.End - second.Start), match.SecondNumber, digits)) {
+    return false;
   }
-  match.FirstTokenStart = static_cast<std::int32_t>(index) + 1;
+  match.FirstTokenStart = static_cast<std::int32_t>(first.Start) + 1;
   found = match;
-  return end == text.size() ? 0 : static_cast<std::int32_t>(end) + 1;
+  return true;
 }
 
 /// Index behind whatever is no candidate: a string, name, comment or single delimiter.
@@ -202,14 +210,6 @@ std::int32_t ParseNumberPairKeyword(std::string_view text, std::int32_t start,
   const bool usable = IsUsable(keywords);
   const std::int32_t first = SkipWhiteSpace(text, start);
   if (first == 0) return 0;
-  if (usable) {
-    const std::size_t index = static_cast<std::size_t>(first) - 1;
-    const std::size_t end = kDigitSet.Skip(text, index);
-    if (EndsFirstNumber(text, index, end)) {
-      const std::int32_t behind = MatchReference(text, index, end, keywords, found);
-      if (found.KeywordIndex >= 0) return behind;
-    }
-  }
   found.FirstTokenStart = first;
   const std::int32_t firstEnd = FindIn(text, kWhiteSpaceSet, first);
   if (firstEnd == 0) return 0;
@@ -241,20 +241,32 @@ std::int32_t ParseNumberPairKeyword(std::string_view text, std::int32_t start,
 std::int32_t FindNextReference(std::string_view text, std::int32_t position,
                                std::span<const std::string_view> keywords, NumberPairKeyword& found) {
   found = {};
+  NumberPair numbers;
   std::size_t index = position < 1 ? text.size() : static_cast<std::size_t>(position) - 1;
   while (index < text.size()) {
+    if (kWhiteSpaceSet.Has(text[index])) {
+      ++index;
+      continue;
+    }
     if (kDelimiterSet.Has(text[index])) {
+      numbers.Count = 0;
       index = SkipOther(text, index);
       continue;
     }
-    const std::size_t digits = kDigitSet.Skip(text, index);
-    if (EndsFirstNumber(text, index, digits)) {
-      const std::int32_t next = MatchReference(text, index, digits, keywords, found);
-      if (found.KeywordIndex >= 0) return next;
+    std::size_t end = 0;
+    if (numbers.Count == 2 && !kDigitSet.Has(text[index]) &&
+        CompletesReference(text, numbers, index, keywords, found, end)) {
+      return end == text.size() ? 0 : static_cast<std::int32_t>(end) + 1;
     }
-    index = kDelimiterSet.Find(text, digits);
+    end = kDigitSet.Skip(text, index);
+    if (end > index && end < text.size() && kWhiteSpaceSet.Has(text[end])) {
+      numbers.Add({index, end});
+      index = end + 1;
+    } else {
+      numbers.Count = 0;
+      index = kDelimiterSet.Find(text, end);
+    }
   }
-  found = {};
   return 0;
 }
 

@@ -61,7 +61,7 @@ inline constexpr std::string_view kObjectOrReference[] = {"obj", "R"};
 /// digits that begins after white space or a delimiter and stands outside literal strings, hex strings,
 /// names and comments. Returns the position behind the match, 0 when the text ends there or nothing was
 /// found; in the latter case both numbers are -1. Linear in the text that it passes. No keyword
-/// may be empty.
+/// may be empty or begin with a digit.
 [[nodiscard]] std::int32_t FindNextReference(std::string_view text, std::int32_t position,
                                              std::span<const std::string_view> keywords,
                                              NumberPairKeyword& found);

@@ -11,8 +11,10 @@ using namespace Conversions;
 
 namespace {
 
-/// Appends the line with `offset` added to the object number of every reference and object header in it.
-void AppendShifted(std::string_view line, std::int32_t offset, std::string& shifted) {
+/// Gives `append` the line piece by piece, with `offset` added to the object number of every reference and
+/// object header in it.
+template <typename Append>
+void AppendShifted(std::string_view line, std::int32_t offset, Append append) {
   const auto length = static_cast<std::int32_t>(line.size());
   std::size_t copied = 0;
   std::int32_t position = 1;
@@ -21,16 +23,16 @@ void AppendShifted(std::string_view line, std::int32_t offset, std::string& shif
     NumberPairKeyword found;
     const std::int32_t next = FindNextReference(line, position, kObjectOrReference, found);
     if (found.KeywordIndex >= 0) {
-      const auto digits = static_cast<std::size_t>(found.FirstTokenStart) - 1;
-      shifted += line.substr(copied, digits - copied);
-      AppendNumber(shifted, CheckedAdd(found.FirstNumber, offset));
-      copied = digits + static_cast<std::size_t>(found.DigitCount);
+      const auto start = static_cast<std::size_t>(found.FirstTokenStart) - 1;
+      append(line.substr(copied, start - copied));
+      append(DecimalDigits(CheckedAdd(found.FirstNumber, offset)).View());
+      copied = start + static_cast<std::size_t>(found.DigitCount);
     }
     // A match that ends with the text has no position behind it: the search is over.
     if (next == 0) break;
     position = next;
   }
-  shifted += line.substr(copied);
+  append(line.substr(copied));
 }
 
 /// Number of the object in its own document.
@@ -112,7 +114,6 @@ bool PdfBuilder::BuildOutputPasses1And2() {
 }
 
 bool PdfBuilder::RenumberSecondInput() {
-  std::string shifted;
   for (std::int32_t i = state_.ObjectsInDoc1; i < state_.ObjectsTotal; ++i) {
     if (YieldAndCheckAbort(shell_, state_)) {
       state_.Failure = {2, i - state_.ObjectsInDoc1, -1, kCancelled};
@@ -125,10 +126,7 @@ bool PdfBuilder::RenumberSecondInput() {
           state_.Failure = {2, i - state_.ObjectsInDoc1, -1, kCancelled};
           return false;
         }
-        shifted.clear();
-        AppendShifted(state_.ObjLines[j], state_.ObjectsInDoc1, shifted);
-        // The old text stays where it is: the keys of its dictionary point into it.
-        state_.ObjLines[j] = state_.Texts.Keep(TrimBlanks(shifted), '\r');
+        ShiftLine(state_.ObjLines[j]);
       }
     }
     entry.ObjNumber = i;
@@ -136,10 +134,20 @@ bool PdfBuilder::RenumberSecondInput() {
   return true;
 }
 
+/// The old text stays where it is: the keys of its dictionary point into it.
+void PdfBuilder::ShiftLine(PooledText& line) {
+  TextPool& texts = state_.Texts;
+  texts.BeginDraft();
+  AppendShifted(TrimBlanks(line), state_.ObjectsInDoc1,
+                [&](std::string_view piece) { texts.AddToDraft(piece); });
+  texts.AddToDraft("\r");
+  line = texts.KeepDraft();
+}
+
 std::string PdfBuilder::ShiftObjectReferences(std::string_view line) const {
   std::string shifted;
   shifted.reserve(line.size() + 32);
-  AppendShifted(line, state_.ObjectsInDoc1, shifted);
+  AppendShifted(line, state_.ObjectsInDoc1, [&](std::string_view piece) { shifted += piece; });
   return shifted;
 }
 

@@ -28,7 +28,11 @@ class OverflowError : public std::overflow_error {
 };
 
 /// Adds two counts or positions; a sum that does not fit raises `OverflowError`.
-[[nodiscard]] std::int32_t CheckedAdd(std::int32_t first, std::int32_t second);
+[[nodiscard]] inline std::int32_t CheckedAdd(std::int32_t first, std::int32_t second) {
+  std::int32_t sum = 0;
+  if (__builtin_add_overflow(first, second, &sum)) throw OverflowError();
+  return sum;
+}
 
 /// Narrows to the 16 bits that some indices keep on purpose; a value that does not fit raises
 /// `OverflowError`.

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <memory>
+#include <memory_resource>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -44,6 +44,13 @@ class PooledText {
 /// its dictionary are one copy.
 class TextPool {
  public:
+  TextPool() = default;
+  /// The memory stays the caller's.
+  explicit TextPool(std::pmr::memory_resource* memory) : memory_(memory) {}
+  TextPool(const TextPool&) = delete;
+  TextPool& operator=(const TextPool&) = delete;
+  ~TextPool() { Reset(); }
+
   /// A view of the pool's own copy of the text, valid until `Reset`.
   [[nodiscard]] std::string_view Keep(std::string_view text) {
     char* const kept = Room(text.size());
@@ -58,6 +65,37 @@ class TextPool {
     return {kept, text.size() + 1};
   }
 
+  // One text at a time can be put together where it will be kept. Any other call gives it up.
+
+  void BeginDraft() { draftSize_ = 0; }
+
+  void AddToDraft(std::string_view piece) {
+    if (piece.size() > left_ - draftSize_) MoveDraft(piece.size());
+    std::copy(piece.begin(), piece.end(), next_ + draftSize_);
+    draftSize_ += piece.size();
+  }
+  /// The same for a piece and one more character.
+  void AddToDraft(std::string_view piece, char end) {
+    if (piece.size() >= left_ - draftSize_) MoveDraft(piece.size() + 1);
+    *std::copy(piece.begin(), piece.end(), next_ + draftSize_) = end;
+    draftSize_ += piece.size() + 1;
+  }
+
+  /// What has been added, valid until more is.
+  [[nodiscard]] std::string_view Draft() const { return {next_, draftSize_}; }
+
+  [[nodiscard]] std::string_view KeepDraft() {
+    const std::size_t size = std::exchange(draftSize_, 0);
+    return {Room(size), size};
+  }
+  /// Keeps the first `size` characters and `end` in place of the next one, which the draft has to have; what
+  /// is behind them is let go.
+  [[nodiscard]] std::string_view KeepDraft(std::size_t size, char end) {
+    draftSize_ = 0;
+    next_[size] = end;
+    return {Room(size + 1), size + 1};
+  }
+
   void Reset();
 
  private:
@@ -67,10 +105,20 @@ class TextPool {
     return std::exchange(next_, next_ + size);
   }
   [[nodiscard]] char* RoomInNewBlock(std::size_t size);
+  /// Makes room for that many more characters of the draft.
+  void MoveDraft(std::size_t more);
 
-  std::vector<std::unique_ptr<char[]>> blocks_;
+  [[nodiscard]] char* AddBlock(std::size_t size);
+
+  struct Block {
+    char* Start = nullptr;
+    std::size_t Size = 0;
+  };
+  std::pmr::memory_resource* memory_ = std::pmr::new_delete_resource();
+  std::vector<Block> blocks_;
   char* next_ = nullptr;
   std::size_t left_ = 0;
+  std::size_t draftSize_ = 0;
 };
 
 }  // namespace folioweld
