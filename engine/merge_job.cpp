@@ -40,7 +40,9 @@ std::string ShortenPath(const std::string& path, std::int16_t maxLen) {
 }
 
 MergeJob::MergeJob(MergeState& state, FileModule& files, MergeShell& shell, ActivityLog& log)
-    : state_(state), files_(files), shell_(shell), log_(log), reader_(state, files, shell) {}
+    : state_(state), files_(files), shell_(shell), log_(log), reader_(state, files, shell) {
+  state_.Memory.UseLargePages(files_.System());
+}
 
 void MergeJob::AbortOperation() {
   state_.AbortRequested = true;

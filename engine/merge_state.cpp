@@ -39,6 +39,16 @@ void ResetSectionTables(MergeState& state) {
   state.TrailerId.Reset();
 }
 
+/// Memory is used again from its beginning, so everything that lies there lets go of it first.
+void ResetMemory(MergeState& state) {
+  state.Objects.Reset(0);
+  state.ObjLines.Reset(0);
+  state.MissingLengths.Reset(0);
+  state.NameEntries.Reset(0);
+  state.Texts.Reset();
+  state.Memory.Rewind();
+}
+
 void ResetNames(MergeState& state) {
   state.NameEntries.Reset(1);
   state.NameEntryCount = 0;
@@ -49,7 +59,6 @@ void ResetObjects(MergeState& state) {
   state.ObjLineCount = 0;
   state.ObjLineLast = -1;
   state.Objects.Reset(1);
-  state.Texts.Reset();
 }
 
 void ResetTrailerLines(MergeState& state) {
@@ -75,6 +84,7 @@ void ResetMergeState(MergeState& state) {
   state.MergeStatus = 2;
   state.Failure = {};
   ChooseOutputHeader(state);
+  ResetMemory(state);
   ResetNames(state);
   ResetSectionTables(state);
   for (std::int32_t slot = 1; slot <= 3; ++slot) {

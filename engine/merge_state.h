@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "engine/merge_memory.h"
 #include "engine/pass_failure.h"
 #include "engine/table.h"
 #include "engine/text_pool.h"
@@ -88,16 +89,18 @@ struct MergeState {
   SectionTable<std::int32_t> TrailerEncrypt;
   SectionTable<std::string> TrailerId;
 
+  MergeMemory Memory;
+
   // Objects of both inputs: the first input's, then the second's.
-  Table<ObjectEntry> Objects;
-  Table<PooledText> ObjLines;
+  Table<ObjectEntry> Objects{&Memory};
+  Table<PooledText> ObjLines{&Memory};
   std::int32_t ObjLineCount = 0;
   std::int32_t ObjLineLast = -1;
-  Table<MissingLength> MissingLengths;
+  Table<MissingLength> MissingLengths{&Memory};
   std::int32_t MissingLengthCount = 0;
-  Table<NameEntry> NameEntries;
+  Table<NameEntry> NameEntries{&Memory};
   std::int32_t NameEntryCount = 0;
-  TextPool Texts;               ///< what the texts of `Objects`, `ObjLines` and `NameEntries` point into
+  TextPool Texts{&Memory};      ///< what the texts of `Objects`, `ObjLines` and `NameEntries` point into
   Table<std::string> PageKids;  ///< the trailers' text lines
   Table<std::string> PageKidsExtra;
   std::int32_t PageKidsCount = 0;

@@ -5,6 +5,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <memory_resource>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -44,6 +45,10 @@ class OverflowError : public std::overflow_error {
 template <typename T>
 class Table {
  public:
+  Table() = default;
+  /// The memory stays the caller's.
+  explicit Table(std::pmr::memory_resource* memory) : memory_(memory) {}
+
   [[nodiscard]] T& operator[](std::int32_t index) {
     const std::size_t row = Checked(index);
     return chunks_[row / kChunkRows][row % kChunkRows];
@@ -84,13 +89,14 @@ class Table {
   }
 
   void AddChunk() {
-    std::vector<T> chunk;
+    std::pmr::vector<T> chunk(memory_);
     // The first chunk grows as it is needed: most tables of small documents never fill it.
     if (!chunks_.empty()) chunk.reserve(kChunkRows);
     chunks_.push_back(std::move(chunk));
   }
 
-  std::vector<std::vector<T>> chunks_;
+  std::pmr::memory_resource* memory_ = std::pmr::new_delete_resource();
+  std::vector<std::pmr::vector<T>> chunks_;
   std::size_t count_ = 0;
 };
 

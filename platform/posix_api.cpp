@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
+#include <sys/mman.h>
 #include <sys/random.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -290,6 +291,16 @@ SystemResult<bool> PosixApi::PollProcess(Process child) {
 SystemError PosixApi::TerminateProcess(Process process) {
   // 0 and below would reach whole groups of processes.
   return process > 0 ? Outcome(::kill(process, SIGTERM)) : SystemError{ESRCH};
+}
+
+SystemError PosixApi::PreferLargePages(void* memory, std::size_t size) {
+#ifdef MADV_HUGEPAGE
+  return Outcome(::madvise(memory, size, MADV_HUGEPAGE));
+#else
+  static_cast<void>(memory);
+  static_cast<void>(size);
+  return {ENOSYS};
+#endif
 }
 
 bool PosixApi::ErrorOutputIsTerminal() {

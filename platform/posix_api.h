@@ -47,6 +47,7 @@ class PosixApi : public WindowsAPI {
   SystemResult<bool> PollProcess(Process child) override;
   SystemError TerminateProcess(Process process) override;
 
+  SystemError PreferLargePages(void* memory, std::size_t size) override;
   bool ErrorOutputIsTerminal() override;
   int TerminalColumns() override;
   SystemResult<std::size_t> WriteErrorOutput(const char* bytes, std::size_t count) override;

@@ -128,6 +128,10 @@ class WindowsAPI {
   /// Asks a process to end, in the way that it may refuse or take its time over.
   virtual SystemError TerminateProcess(Process process) = 0;
 
+  /// Asks for this memory, which begins at a multiple of a large page's size, to come in large pages; nothing
+  /// that it holds changes.
+  virtual SystemError PreferLargePages(void* memory, std::size_t size) = 0;
+
   // The terminal. Standard output is never written.
   virtual bool ErrorOutputIsTerminal() = 0;
   /// Columns of the terminal, or 80 when they cannot be had.

@@ -13,18 +13,18 @@ namespace {
 
 constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
 
-/// The output's header lines after a reset with the given inputs, both in use.
-MergeState ResetWith(const std::string& header1, const std::string& header2) {
-  MergeState state;
-  state.DocUsed(1) = true;
-  state.DocUsed(2) = true;
-  state.DocHeader(1) = header1;
-  state.DocHeader(2) = header2;
-  state.DocSecondLine(1) = "%first\r\n";
-  state.DocSecondLine(2) = "%second\r\n";
-  ResetMergeState(state);
-  return state;
-}
+/// A state after a reset with these header lines, both inputs in use.
+struct ResetState : MergeState {
+  ResetState(const std::string& header1, const std::string& header2) {
+    DocUsed(1) = true;
+    DocUsed(2) = true;
+    DocHeader(1) = header1;
+    DocHeader(2) = header2;
+    DocSecondLine(1) = "%first\r\n";
+    DocSecondLine(2) = "%second\r\n";
+    ResetMergeState(*this);
+  }
+};
 
 TEST(MergeStateTest, ANewStateHasNoOpenFilesAndNoDocuments) {
   const MergeState state;
@@ -76,36 +76,36 @@ TEST(MergeStateTest, ANewNameEntryLinksToNothing) {
 }
 
 TEST(ResetMergeStateTest, EqualVersionsTakeTheFirstInputsHeaderAndSecondLine) {
-  const MergeState state = ResetWith("%PDF-1.4\r", "%PDF-1.4\r");
+  const ResetState state("%PDF-1.4\r", "%PDF-1.4\r");
   EXPECT_EQ(state.DocHeader(3), "%PDF-1.4\r");
   EXPECT_EQ(state.DocSecondLine(3), "%first\r\n");
 }
 
 TEST(ResetMergeStateTest, AFirstInputOfANewerVersionGivesTheHeaderWithOneCarriageReturn) {
-  const MergeState state = ResetWith("%PDF-1.7\r", "%PDF-1.3\r");
+  const ResetState state("%PDF-1.7\r", "%PDF-1.3\r");
   EXPECT_EQ(state.DocHeader(3), "%PDF-1.7\r");
   EXPECT_EQ(state.DocSecondLine(3), "%first\r\n");
 }
 
 TEST(ResetMergeStateTest, ASecondInputOfANewerVersionGivesBothLines) {
-  const MergeState state = ResetWith("%PDF-1.3\r", "%PDF-1.7\r");
+  const ResetState state("%PDF-1.3\r", "%PDF-1.7\r");
   EXPECT_EQ(state.DocHeader(3), "%PDF-1.7\r");
   EXPECT_EQ(state.DocSecondLine(3), "%second\r\n");
 }
 
 TEST(ResetMergeStateTest, VersionsAreComparedAsDecimalNumbers) {
   // 1.10 reads as 1.1 and is not newer than 1.4.
-  EXPECT_EQ(ResetWith("%PDF-1.4\r", "%PDF-1.10\r").DocSecondLine(3), "%first\r\n");
-  EXPECT_EQ(ResetWith("%PDF-1.10\r", "%PDF-1.4\r").DocSecondLine(3), "%second\r\n");
-  EXPECT_EQ(ResetWith("%PDF-1.4\r", "%PDF-2.0\r").DocSecondLine(3), "%second\r\n");
-  EXPECT_EQ(ResetWith("%PDF-9.9\r", "%PDF-10.0\r").DocSecondLine(3), "%second\r\n");
+  EXPECT_EQ(ResetState("%PDF-1.4\r", "%PDF-1.10\r").DocSecondLine(3), "%first\r\n");
+  EXPECT_EQ(ResetState("%PDF-1.10\r", "%PDF-1.4\r").DocSecondLine(3), "%second\r\n");
+  EXPECT_EQ(ResetState("%PDF-1.4\r", "%PDF-2.0\r").DocSecondLine(3), "%second\r\n");
+  EXPECT_EQ(ResetState("%PDF-9.9\r", "%PDF-10.0\r").DocSecondLine(3), "%second\r\n");
 }
 
 TEST(ResetMergeStateTest, VersionsAreReadAsFarAsTheyAreNumbers) {
-  EXPECT_EQ(ResetWith("%PDF-1.4 by a\r", "%PDF-1.5x\r").DocHeader(3), "%PDF-1.5x\r");
-  EXPECT_EQ(ResetWith("%PDF-abc\r", "%PDF-0.1\r").DocHeader(3), "%PDF-0.1\r");
-  EXPECT_EQ(ResetWith("%PDF-abc\r", "%PDF-xyz\r").DocHeader(3), "%PDF-abc\r");
-  EXPECT_EQ(ResetWith("%PDF-1.4.9\r", "%PDF-1.4\r").DocHeader(3), "%PDF-1.4.9\r");
+  EXPECT_EQ(ResetState("%PDF-1.4 by a\r", "%PDF-1.5x\r").DocHeader(3), "%PDF-1.5x\r");
+  EXPECT_EQ(ResetState("%PDF-abc\r", "%PDF-0.1\r").DocHeader(3), "%PDF-0.1\r");
+  EXPECT_EQ(ResetState("%PDF-abc\r", "%PDF-xyz\r").DocHeader(3), "%PDF-abc\r");
+  EXPECT_EQ(ResetState("%PDF-1.4.9\r", "%PDF-1.4\r").DocHeader(3), "%PDF-1.4.9\r");
 }
 
 TEST(ResetMergeStateTest, AMissingFirstHeaderCountsAsVersionZero) {

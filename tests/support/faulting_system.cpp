@@ -169,4 +169,9 @@ SystemError FaultingSystem::TerminateProcess(Process process) {
   return fault.Error != 0 ? SystemError{fault.Error} : PosixApi::TerminateProcess(process);
 }
 
+SystemError FaultingSystem::PreferLargePages(void* memory, std::size_t size) {
+  const Fault fault = Count("PreferLargePages");
+  return fault.Error != 0 ? SystemError{fault.Error} : PosixApi::PreferLargePages(memory, size);
+}
+
 }  // namespace folioweld::testing

@@ -58,6 +58,7 @@ class FaultingSystem : public PosixApi {
   SystemResult<LocalTime> FileTimeToLocalTime(std::int64_t seconds) override;
   SystemResult<bool> PollProcess(Process child) override;
   SystemError TerminateProcess(Process process) override;
+  SystemError PreferLargePages(void* memory, std::size_t size) override;
 
   /// Environment variables as the code under test sees them, in place of the real ones; "\x01" = unset.
   std::vector<std::pair<std::string, std::string>> Environment;
