@@ -5,14 +5,16 @@
 namespace folioweld {
 
 BatchShell::BatchShell(WindowsAPI& system, MergeState& state)
-    : system_(system), state_(state), display_(system) {}
+    : system_(system), state_(state), display_(system) {
+  HandleEventsOnlyWhile(system_.StopSignal());
+}
 
 BatchShell::~BatchShell() {
   display_.Clear();
 }
 
-void BatchShell::Yield() {
-  if (system_.StopSignal() != 0) state_.AbortRequested = true;
+void BatchShell::HandleEvents() {
+  state_.AbortRequested = true;
 }
 
 void BatchShell::ShowMessage(MessageIcon /*icon*/, const std::string& /*title*/, const std::string& text) {

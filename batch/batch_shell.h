@@ -17,11 +17,11 @@ class BatchShell : public MergeShell {
   BatchShell(WindowsAPI& system, MergeState& state);
   ~BatchShell() override;
 
-  void Yield() override;
   void ShowMessage(MessageIcon icon, const std::string& title, const std::string& text) override;
   void Notice(const std::string& line) override;
 
  protected:
+  void HandleEvents() override;
   void StatusTextChanged(int line) override;
 
  private:

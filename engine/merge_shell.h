@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -29,8 +30,10 @@ class MergeShell {
   virtual ~MergeShell() = default;
 
   /// Lets pending events be handled; a cancel becomes visible in `MergeState::AbortRequested` here. Called
-  /// for every line read, so it has to be cheap when there is nothing to do.
-  virtual void Yield() {}
+  /// for every line read, so it costs no call where a flag says that nothing is waiting.
+  void Yield() {
+    if (waiting_ == nullptr || *waiting_ != 0) HandleEvents();
+  }
 
   /// A status line that grows beyond this many bytes loses its beginning: it gets longer with every section
   /// of a document, and a hundred thousand of them would cost the square of their number.
@@ -63,6 +66,12 @@ class MergeShell {
   virtual void Notice(const std::string& line);
 
  protected:
+  /// Handles what is waiting, if anything is.
+  virtual void HandleEvents() {}
+
+  /// From now on events are handled only while the flag, which has to outlive the shell, is not 0.
+  void HandleEventsOnlyWhile(const volatile std::sig_atomic_t& waiting) { waiting_ = &waiting; }
+
   /// A status line changed.
   virtual void StatusTextChanged(int line);
 
@@ -70,6 +79,7 @@ class MergeShell {
   void TakeChange(int line);
 
   std::array<std::string, 3> statusTexts_;
+  const volatile std::sig_atomic_t* waiting_ = nullptr;
 };
 
 }  // namespace folioweld

@@ -336,7 +336,7 @@ SystemError PosixApi::CatchStopSignals() {
   return present.sa_handler == SIG_IGN ? SystemError{} : Outcome(::sigaction(SIGHUP, &action, nullptr));
 }
 
-int PosixApi::StopSignal() {
+const volatile std::sig_atomic_t& PosixApi::StopSignal() {
   return g_stopSignal;
 }
 

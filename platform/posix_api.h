@@ -52,7 +52,7 @@ class PosixApi : public WindowsAPI {
   int TerminalColumns() override;
   SystemResult<std::size_t> WriteErrorOutput(const char* bytes, std::size_t count) override;
   SystemError CatchStopSignals() override;
-  int StopSignal() override;
+  const volatile std::sig_atomic_t& StopSignal() override;
   Handle StopSignalHandle() override;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -139,8 +140,9 @@ class WindowsAPI {
   virtual SystemResult<std::size_t> WriteErrorOutput(const char* bytes, std::size_t count) = 0;
   /// From now on SIGINT, SIGTERM and, unless it is ignored, SIGHUP are only remembered, see `StopSignal`.
   virtual SystemError CatchStopSignals() = 0;
-  /// The stop signal that came last, 0 when none came.
-  virtual int StopSignal() = 0;
+  /// The stop signal that came last, 0 when none came. The reference stays good, and what it leads to changes
+  /// when a signal comes.
+  virtual const volatile std::sig_atomic_t& StopSignal() = 0;
   /// Becomes readable when a stop signal comes, for a program that waits instead of asking. It belongs to the
   /// system and stays open; -1 before `CatchStopSignals`, or when none could be had.
   virtual Handle StopSignalHandle() = 0;

@@ -27,7 +27,7 @@ BoxIcon BoxIconOf(MessageIcon icon) {
 
 }  // namespace
 
-void WindowShell::Yield() {
+void WindowShell::HandleEvents() {
   const std::int64_t now = system_.MillisecondsNow();
   if (now - pumpedAt_ < kPumpMillis || pumping_ || !window_.Busy()) return;
   if (now - paintedAt_ >= kPaintMillis) {

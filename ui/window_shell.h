@@ -16,7 +16,6 @@ class WindowShell : public MergeShell {
  public:
   WindowShell(WindowsAPI& system, Folioweld& window) : system_(system), window_(window) {}
 
-  void Yield() override;
   void RefreshControls() override;
   void DisableInputPicking() override;
   void EnterRunningState() override;
@@ -30,6 +29,7 @@ class WindowShell : public MergeShell {
   void WaitForEvents(int millis);
 
  protected:
+  void HandleEvents() override;
   void StatusTextChanged(int line) override;
 
  private:

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <string>
 
 #include "tests/support/faulting_system.h"
@@ -29,7 +30,7 @@ class ScreenSystem : public FaultingSystem {
     CatchesSignals = true;
     return {};
   }
-  int StopSignal() override { return Signal; }
+  const volatile std::sig_atomic_t& StopSignal() override { return Signal; }
 
   /// What was written since the last call.
   std::string Take() {
@@ -47,7 +48,7 @@ class ScreenSystem : public FaultingSystem {
   std::size_t MostBytes = static_cast<std::size_t>(-1);
   std::int64_t Now = 0;
   bool CatchesSignals = false;
-  int Signal = 0;
+  volatile std::sig_atomic_t Signal = 0;
 };
 
 }  // namespace folioweld::testing

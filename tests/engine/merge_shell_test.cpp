@@ -1,5 +1,6 @@
 #include "engine/merge_shell.h"
 
+#include <csignal>
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <string>
@@ -51,6 +52,38 @@ TEST(MergeShellTest, TellsAboutEveryChangeOfAStatusLine) {
   shell.SetStatusText(1, "a");
   shell.AppendStatusText(2, "b");
   EXPECT_EQ(shell.Changed, (std::vector<int>{1, 2}));
+}
+
+/// Counts how often events were handled.
+class CountingShell : public MergeShell {
+ public:
+  using MergeShell::HandleEventsOnlyWhile;
+  int Handled = 0;
+
+ protected:
+  void HandleEvents() override { ++Handled; }
+};
+
+TEST(MergeShellTest, HandlesEventsAtEveryYield) {
+  CountingShell shell;
+  shell.Yield();
+  shell.Yield();
+  EXPECT_EQ(shell.Handled, 2);
+}
+
+TEST(MergeShellTest, WithAFlagHandlesEventsOnlyWhileItIsSet) {
+  CountingShell shell;
+  volatile std::sig_atomic_t waiting = 0;
+  shell.HandleEventsOnlyWhile(waiting);
+  shell.Yield();
+  EXPECT_EQ(shell.Handled, 0);
+  waiting = 15;
+  shell.Yield();
+  shell.Yield();
+  EXPECT_EQ(shell.Handled, 2);
+  waiting = 0;
+  shell.Yield();
+  EXPECT_EQ(shell.Handled, 2);
 }
 
 TEST(MergeShellTest, LetsAJobRunWithoutAnybodyWatching) {

@@ -32,7 +32,7 @@ double CpuSeconds() {
 class WatchingShell : public MergeShell {
  public:
   explicit WatchingShell(MergeState& state) : state_(state) {}
-  void Yield() override {
+  void HandleEvents() override {
     const double now = CpuSeconds();
     if (last > 0) Longest = std::max(Longest, now - last);
     last = now;

@@ -17,7 +17,7 @@ class RecordingShell : public MergeShell {
     std::string Text;
   };
 
-  void Yield() override {
+  void HandleEvents() override {
     ++Yields;
     if (OnYield) OnYield();
   }
