@@ -1,14 +1,12 @@
 // The positioned reads of FileModule: lines and blocks.
 
 #include <algorithm>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 
 #include "engine/activity_log.h"
-#include "engine/conversions.h"
+#include "engine/line_ends.h"
 #include "engine/open_file.h"
 
 namespace folioweld {
@@ -16,42 +14,6 @@ namespace folioweld {
 namespace {
 
 constexpr char kLogPrefix[] = "[ReadLineFromRandomFile]=>";
-
-bool IsLineEnd(char c) {
-  return c == '\r' || c == '\n';
-}
-
-/// The highest bit of the first of the eight bytes that is below 0x0E, as line ends are and few other
-/// characters, and none below it; 0 when there is no such byte.
-constexpr std::uint64_t MarkControlCharacter(std::uint64_t bytes) {
-  return (bytes - 0x0E0E0E0E0E0E0E0EU) & ~bytes & 0x8080808080808080U;
-}
-
-std::size_t FindLineEnd(std::string_view bytes, std::size_t from) {
-  if constexpr (std::endian::native == std::endian::little) {
-    // Eight bytes at a look as long as there are so many.
-    std::uint64_t eight = 0;
-    while (from + sizeof eight <= bytes.size()) {
-      std::memcpy(&eight, bytes.data() + from, sizeof eight);
-      const std::uint64_t mark = MarkControlCharacter(eight);
-      if (mark == 0) {
-        from += sizeof eight;
-        continue;
-      }
-      from += static_cast<std::size_t>(std::countr_zero(mark)) / 8;
-      if (IsLineEnd(bytes[from])) return from;
-      ++from;
-    }
-  }
-  while (from < bytes.size() && !IsLineEnd(bytes[from])) ++from;
-  return from;
-}
-
-std::size_t SkipLineEnds(std::string_view bytes) {
-  std::size_t first = 0;
-  while (first < bytes.size() && IsLineEnd(bytes[first])) ++first;
-  return first;
-}
 
 }  // namespace
 
@@ -128,22 +90,9 @@ std::int32_t FileModule::ReadLineFromRandomFile(std::int16_t fileNumber, std::in
   return code;
 }
 
-std::int32_t FileModule::ViewLine(std::int16_t fileNumber, std::int32_t position, std::int16_t bufferSize,
-                                  std::int16_t mostTries, std::string& room, std::string_view& line) {
+const InputBuffer* FileModule::Window(std::int16_t fileNumber) const {
   const OpenFile* const file = Find(fileNumber);
-  if (file != nullptr && file->Input) {
-    const std::string_view bytes = file->Input->AtHand(std::int64_t{position} - 1, bufferSize);
-    const std::size_t first = SkipLineEnds(bytes);
-    const std::size_t end = FindLineEnd(bytes, first);
-    if (end < bytes.size()) {
-      line = bytes.substr(first, end - first);
-      return position + static_cast<std::int32_t>(first);
-    }
-  }
-  // Its end lies further on.
-  const std::int32_t code = ReadLineFromRandomFile(fileNumber, position, bufferSize, mostTries, room, false);
-  line = room;
-  return code;
+  return file != nullptr && file->Input ? &*file->Input : nullptr;
 }
 
 void FileModule::LogRetries(std::int16_t bufferSize, std::int16_t tries, std::int32_t code) {

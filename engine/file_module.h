@@ -11,6 +11,7 @@
 namespace folioweld {
 
 class ActivityLog;
+class InputBuffer;
 
 /// Result codes of the positioned reads.
 enum FileReadCode : std::int32_t {
@@ -97,10 +98,9 @@ class FileModule {
   std::int32_t ReadLineFromRandomFile(std::int16_t fileNumber, std::int32_t position, std::int16_t bufferSize,
                                       std::int16_t mostTries, std::string& line, bool logging);
 
-  /// The same without a copy where one is not needed: `line` is a view, valid until the next read of the file
-  /// and for as long as `room`, which holds a line that one buffer's worth does not.
-  std::int32_t ViewLine(std::int16_t fileNumber, std::int32_t position, std::int16_t bufferSize,
-                        std::int16_t mostTries, std::string& room, std::string_view& line);
+  /// What of an open input is in memory, for whoever reads one line after the other; null for any other
+  /// number. It belongs to the file and is gone when that is closed.
+  [[nodiscard]] const InputBuffer* Window(std::int16_t fileNumber) const;
 
   /// Up to `count` bytes, every value kept. Returns how many, fewer only at the end of the file, or a code.
   std::int16_t ReadBlock(std::int16_t fileNumber, std::int32_t position, std::int16_t count,

@@ -9,7 +9,7 @@ namespace folioweld {
 namespace {
 constexpr std::int64_t kSmallWindow = 4 * 1024;
 /// Larger ones save few calls and cost memory, which a short run has to get from the system first.
-constexpr std::int64_t kLargeWindow = 128 * 1024;
+constexpr std::int64_t kLargeWindow = 64 * 1024;
 }  // namespace
 
 SystemError ReadFully(WindowsAPI& system, WindowsAPI::Handle file, std::int64_t offset, char* bytes,
@@ -36,9 +36,12 @@ SystemError InputBuffer::Fill(std::int64_t offset, std::int64_t count) {
   const bool followsOn = size_ > 0 && offset >= start_ && offset <= start_ + size_ + kSmallWindow;
   const std::int64_t wanted = followsOn ? std::clamp(size_ * 4, kSmallWindow, kLargeWindow) : kSmallWindow;
   const std::int64_t size = std::min(std::max(wanted, count), length_ - offset);
-  if (static_cast<std::int64_t>(bytes_.size()) < size) bytes_.resize(static_cast<std::size_t>(size));
   size_ = 0;
-  const SystemError error = ReadFully(system_, file_, offset, bytes_.data(), size);
+  if (capacity_ < size) {
+    bytes_ = std::make_unique_for_overwrite<char[]>(static_cast<std::size_t>(size));
+    capacity_ = size;
+  }
+  const SystemError error = ReadFully(system_, file_, offset, bytes_.get(), size);
   if (error) return error;
   start_ = offset;
   size_ = size;

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string_view>
-#include <vector>
 
 #include "platform/windows_api.h"
 
@@ -24,14 +24,14 @@ class InputBuffer {
       const SystemError error = Fill(offset, count);
       if (error) return error;
     }
-    return std::string_view(bytes_.data() + (offset - start_), static_cast<std::size_t>(count));
+    return std::string_view(bytes_.get() + (offset - start_), static_cast<std::size_t>(count));
   }
 
   /// As many of the `count` bytes from `offset` as are in memory, without a look at the file; maybe none.
   [[nodiscard]] std::string_view AtHand(std::int64_t offset, std::int64_t count) const {
     if (count < 1 || offset < start_ || offset >= start_ + size_) return {};
     const std::int64_t most = std::min(count, start_ + size_ - offset);
-    return {bytes_.data() + (offset - start_), static_cast<std::size_t>(most)};
+    return {bytes_.get() + (offset - start_), static_cast<std::size_t>(most)};
   }
 
   /// Copies `count` bytes from `offset` out. A few come from the window, many straight from the system.
@@ -43,7 +43,8 @@ class InputBuffer {
   WindowsAPI& system_;
   WindowsAPI::Handle file_;
   std::int64_t length_;
-  std::vector<char> bytes_;
+  std::unique_ptr<char[]> bytes_;
+  std::int64_t capacity_ = 0;
   std::int64_t start_ = 0;
   std::int64_t size_ = 0;
 };

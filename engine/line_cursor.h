@@ -1,12 +1,15 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <string>
 #include <string_view>
 
 #include "engine/file_module.h"
+#include "engine/input_buffer.h"
+#include "engine/line_ends.h"
 
 namespace folioweld {
 
@@ -18,13 +21,24 @@ class LineCursor {
 
   /// `position` is 1-based.
   LineCursor(FileModule& files, std::int16_t fileNumber, std::int32_t position)
-      : files_(files), fileNumber_(fileNumber), next_(position) {}
+      : files_(files), fileNumber_(fileNumber), window_(files.Window(fileNumber)), next_(position) {}
 
   /// Reads the next line into `Line`, where it stays until the next read of the file; false at the end of the
   /// file, for a line that is too long and on errors.
   [[nodiscard]] bool Next() {
-    code_ = files_.ViewLine(fileNumber_, next_, kBufferSize, kMostTries, room_, Line);
-    if (code_ < 1) return false;
+    const std::string_view bytes =
+        window_ == nullptr ? std::string_view() : window_->AtHand(std::int64_t{next_} - 1, kBufferSize);
+    const std::size_t first = SkipLineEnds(bytes);
+    const std::size_t end = FindLineEnd(bytes, first);
+    if (end < bytes.size()) {
+      Line = bytes.substr(first, end - first);
+      code_ = next_ + static_cast<std::int32_t>(first);
+    } else {
+      // Its end lies further on.
+      code_ = files_.ReadLineFromRandomFile(fileNumber_, next_, kBufferSize, kMostTries, room_, false);
+      Line = room_;
+      if (code_ < 1) return false;
+    }
     // Behind the last byte of the longest readable file there is no position to go to.
     next_ =
         static_cast<std::int32_t>(std::min(std::int64_t{code_} + static_cast<std::int64_t>(Line.size()) + 1,
@@ -54,6 +68,7 @@ class LineCursor {
   std::string room_;  ///< for a line that does not fit into one buffer
   FileModule& files_;
   std::int16_t fileNumber_;
+  const InputBuffer* window_;
   std::int32_t next_;
   std::int32_t code_ = 0;
 };
