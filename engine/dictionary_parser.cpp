@@ -74,7 +74,7 @@ class EntryWalk {
     const std::size_t key = FindKey(index_);
     if (key == text_.size()) return false;
     const std::size_t behindKey = kDelimiterSet.Find(text_, key + 1);
-    key_ = text_.substr(key, behindKey - key);
+    key_ = Between(key, behindKey);
     comments_.clear();
     valueStart_ = SkipBlanksAndComments(behindKey);
     index_ = FindValueEnd(valueStart_);
@@ -83,17 +83,18 @@ class EntryWalk {
 
   /// Of the last key, with its "/".
   [[nodiscard]] std::string_view Key() const { return key_; }
-  [[nodiscard]] std::string_view Value() const { return text_.substr(valueStart_, index_ - valueStart_); }
+  /// Begins with no white space.
+  [[nodiscard]] std::string_view Value() const { return Between(valueStart_, index_); }
   [[nodiscard]] bool ValueHoldsComments() const { return !comments_.empty(); }
 
   [[nodiscard]] std::string ValueWithoutComments() const {
     std::string value;
     std::size_t start = valueStart_;
     for (const Comment& comment : comments_) {
-      value += text_.substr(start, comment.Start - start);
+      value += Between(start, comment.Start);
       start = comment.Behind;
     }
-    return value += text_.substr(start, index_ - start);
+    return value += Between(start, index_);
   }
 
   /// 0-based index behind the last value.
@@ -105,6 +106,10 @@ class EntryWalk {
     std::size_t Start = 0;
     std::size_t Behind = 0;
   };
+
+  [[nodiscard]] std::string_view Between(std::size_t start, std::size_t end) const {
+    return {text_.data() + start, end - start};
+  }
 
   [[nodiscard]] bool PairAt(std::size_t index) const {
     return index + 1 < text_.size() && text_[index + 1] == text_[index];
@@ -262,9 +267,10 @@ std::int32_t PdfReader::ParseDictionaryEntries(std::string_view inner, std::int3
       countdown = kKeysPerYield;
     }
     if (!walk.Next()) break;
-    const std::string_view value =
-        TrimBlanks(walk.ValueHoldsComments() ? state_.Texts.Keep(walk.ValueWithoutComments()) : walk.Value());
-    const std::int32_t entry = StoreEntry(walk.Key(), value);
+    const std::string_view value = TrimRightBlanks(
+        walk.ValueHoldsComments() ? state_.Texts.Keep(walk.ValueWithoutComments()) : walk.Value());
+    const std::int32_t entry = AppendEntry(walk.Key(), value);
+    if (value.substr(0, 2) == "<<") ParseNested(entry, value);
     if (previous < 0) {
       firstEntry = entry;
     } else {
@@ -275,24 +281,25 @@ std::int32_t PdfReader::ParseDictionaryEntries(std::string_view inner, std::int3
   return 0;
 }
 
-/// Appends a row for the key, and rows for the value when that is a dictionary. Both texts are kept ones.
-std::int32_t PdfReader::StoreEntry(std::string_view key, std::string_view value) {
+/// Both texts are kept ones.
+std::int32_t PdfReader::AppendEntry(std::string_view key, std::string_view value) {
   const std::int32_t index = state_.NameEntryCount;
   if (index > state_.NameEntries.UpperBound()) state_.NameEntries.Grow(CheckedAdd(index, 63));
   state_.NameEntryCount = index + 1;
   NameEntry& row = state_.NameEntries[index];
   row.NameText = key;
   row.NameValue = value;
-  if (value.substr(0, 2) == "<<") {
-    std::int32_t nested = -1;
-    ParseDictionary(value, 1, nested);
-    if (nested >= 0) {
-      // The row may have moved when the table grew.
-      state_.NameEntries[index].NameFlag = 1;
-      state_.NameEntries[index].NameRef = nested;
-    }
-  }
   return index;
+}
+
+/// The rows of a value that is a dictionary follow the row of its key.
+void PdfReader::ParseNested(std::int32_t entry, std::string_view value) {
+  std::int32_t nested = -1;
+  ParseDictionary(value, 1, nested);
+  if (nested < 0) return;
+  NameEntry& row = state_.NameEntries[entry];
+  row.NameFlag = 1;
+  row.NameRef = nested;
 }
 
 }  // namespace folioweld

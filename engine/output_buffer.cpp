@@ -10,6 +10,8 @@ namespace {
 /// Shorter ranges are cheaper through memory than as system calls of their own.
 constexpr std::int64_t kShortRange = 64 * 1024;
 constexpr std::int64_t kLongestRange = 8 * 1024 * 1024;
+/// So few bytes are no part of a long range: when they are in memory, they are copied there and then.
+constexpr std::int64_t kAtOnce = 512;
 }  // namespace
 
 OutputBuffer::OutputBuffer(WindowsAPI& system, WindowsAPI::Handle file)
@@ -41,6 +43,10 @@ SystemError OutputBuffer::Copy(std::int64_t offset, InputBuffer& source, Windows
     range_.Count += count;
     // Settled in steps, so that whoever copies can look around in between.
     return range_.Count < kLongestRange ? SystemError{} : SettleRange();
+  }
+  if (count <= kAtOnce) {
+    const std::string_view bytes = source.AtHand(fromOffset, count);
+    if (static_cast<std::int64_t>(bytes.size()) == count) return Write(offset, bytes);
   }
   const SystemError error = Write(offset, {});
   if (!error) range_ = {&source, from, fromOffset, count};

@@ -74,7 +74,8 @@ class PdfReader {
   std::int32_t JoinAndParse(const Table<Line>& lines, std::int32_t first, std::int32_t last);
   std::int32_t ParseDictionaryEntries(std::string_view inner, std::int32_t& firstEntry);
   std::int32_t ParseDictionaryText(std::string_view text, std::int32_t start, std::int32_t& firstEntry);
-  std::int32_t StoreEntry(std::string_view key, std::string_view value);
+  std::int32_t AppendEntry(std::string_view key, std::string_view value);
+  void ParseNested(std::int32_t entry, std::string_view value);
 
   MergeState& state_;
   FileModule& files_;

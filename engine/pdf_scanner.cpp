@@ -1,5 +1,7 @@
 #include "engine/pdf_scanner.h"
 
+#include <limits>
+
 #include "engine/character_set.h"
 #include "engine/conversions.h"
 
@@ -102,6 +104,14 @@ std::int32_t ParseKeyword(std::string_view text, std::int32_t secondStart, std::
   return result;
 }
 
+/// The value of a token of digits as `ParseDecimalToken` reads it; -1 for one that it refuses.
+std::int32_t ValueOfDigits(std::string_view digits) {
+  if (digits.size() > 10) return -1;
+  std::int64_t value = 0;
+  for (const char c : digits) value = value * 10 + (c - '0');
+  return value < std::numeric_limits<std::int32_t>::max() ? static_cast<std::int32_t>(value) : -1;
+}
+
 /// The last two whole numbers on the way through a text that only white space parts and follows.
 struct NumberPair {
   struct Token {
@@ -124,17 +134,14 @@ bool CompletesReference(std::string_view text, const NumberPair& numbers, std::s
                         std::span<const std::string_view> keywords, NumberPairKeyword& found,
                         std::size_t& end) {
   end = kDelimiterOrEscapeSet.Find(text, index);
-  NumberPairKeyword match;
-  match.KeywordIndex = MatchKeyword(text.substr(index, end - index), keywords);
-  const auto [first, second, count] = numbers;
-  std::int16_t digits = 0;
-  if (match.KeywordIndex < 0 ||
-      !ParseToken(text.substr(first.Start, first.End - first.Start), match.FirstNumber, match.DigitCount) ||
-      !ParseToken(text.substr(second.Start, second.End - second.Start), match.SecondNumber, digits)) {
-    return false;
-  }
-  match.FirstTokenStart = static_cast<std::int32_t>(first.Start) + 1;
-  found = match;
+  const std::int32_t keyword = MatchKeyword(text.substr(index, end - index), keywords);
+  if (keyword < 0) return false;
+  const auto& [first, second, count] = numbers;
+  const std::int32_t firstNumber = ValueOfDigits(text.substr(first.Start, first.End - first.Start));
+  const std::int32_t secondNumber = ValueOfDigits(text.substr(second.Start, second.End - second.Start));
+  if (firstNumber < 0 || secondNumber < 0) return false;
+  found = {firstNumber, secondNumber, keyword, static_cast<std::int32_t>(first.Start) + 1,
+           static_cast<std::int16_t>(first.End - first.Start)};
   return true;
 }
 
