@@ -1,6 +1,7 @@
 #include "engine/merge_memory.h"
 
 #include <algorithm>
+#include <iterator>
 #include <new>
 
 namespace folioweld {
@@ -9,60 +10,71 @@ namespace {
 
 constexpr std::size_t kAlignment = alignof(std::max_align_t);
 /// A small merge does not need more, and a large page would be more than it has use for.
-constexpr std::size_t kFirstBlock = 256 * 1024;
+constexpr std::size_t kFirstBlock = 128 * 1024;
 /// The large pages of nearly every system that has some.
 constexpr std::size_t kLargePage = 2 * 1024 * 1024;
-/// A piece above this gets a block of its own.
-constexpr std::size_t kLargestPiece = 128 * 1024;
+/// A longer piece gets a block of its own.
+constexpr std::size_t kLongestShared = 128 * 1024;
+/// Shared blocks that the next merge uses again.
+constexpr std::size_t kKeptBlocks = 2;
 
 }  // namespace
 
 MergeMemory::~MergeMemory() {
-  std::for_each(blocks_.begin(), blocks_.end(), Free);
+  std::for_each(shared_.begin(), shared_.end(), Free);
+  std::for_each(own_.begin(), own_.end(), Free);
 }
 
 void MergeMemory::Rewind() {
-  if (blocks_.empty()) return;
-  std::for_each(blocks_.begin() + 1, blocks_.end(), Free);
-  blocks_.resize(1);
-  next_ = blocks_[0].Start;
-  left_ = blocks_[0].Size;
+  std::for_each(own_.begin(), own_.end(), Free);
+  own_.clear();
+  for (; shared_.size() > kKeptBlocks; shared_.pop_back()) Free(shared_.back());
+  begun_ = 0;
+  left_ = 0;
 }
 
 void* MergeMemory::do_allocate(std::size_t size, std::size_t /*alignment*/) {
   // Nothing here needs more than the alignment that suits every ordinary type.
-  const std::size_t taken = (size + kAlignment - 1) / kAlignment * kAlignment;
-  if (blocks_.empty()) BeginBlock();
-  if (taken > kLargestPiece) return AddBlock(taken, kAlignment);
+  const std::size_t taken = (std::max(size, std::size_t{1}) + kAlignment - 1) / kAlignment * kAlignment;
+  if (size > kLongestShared) return AddBlock(own_, taken, kAlignment).Start;
   if (taken > left_) BeginBlock();
   left_ -= taken;
   return std::exchange(next_, next_ + taken);
 }
 
 void MergeMemory::do_deallocate(void* piece, std::size_t size, std::size_t /*alignment*/) {
-  if (size <= kLargestPiece) return;
+  if (size <= kLongestShared) return;
   // Nearly always one of the last: a text that grows is moved from block to block.
-  const auto block = std::find_if(blocks_.rbegin(), blocks_.rend(),
+  const auto block = std::find_if(own_.rbegin(), own_.rend(),
                                   [piece](const Block& candidate) { return candidate.Start == piece; });
-  if (block == blocks_.rend()) return;
+  if (block == own_.rend()) return;
   Free(*block);
-  blocks_.erase(std::next(block).base());
+  own_.erase(std::next(block).base());
 }
 
 void MergeMemory::BeginBlock() {
-  const bool first = blocks_.empty();
-  const std::size_t size = first ? kFirstBlock : kLargePage;
-  next_ = AddBlock(size, first ? kAlignment : kLargePage);
-  left_ = size;
-  // Whatever the answer, there is memory.
-  if (!first && system_ != nullptr) static_cast<void>(system_->PreferLargePages(next_, size));
+  if (begun_ == shared_.size()) AddSharedBlock();
+  const Block& block = shared_[begun_++];
+  next_ = block.Start;
+  left_ = block.Size;
 }
 
-std::byte* MergeMemory::AddBlock(std::size_t size, std::size_t alignment) {
-  blocks_.reserve(blocks_.size() + 1);
+void MergeMemory::AddSharedBlock() {
+  if (shared_.empty()) {
+    static_cast<void>(AddBlock(shared_, kFirstBlock, kAlignment));
+    return;
+  }
+  const Block block = AddBlock(shared_, kLargePage, kLargePage);
+  // Whatever the answer, there is memory.
+  if (system_ != nullptr) static_cast<void>(system_->PreferLargePages(block.Start, block.Size));
+}
+
+MergeMemory::Block MergeMemory::AddBlock(std::vector<Block>& blocks, std::size_t size,
+                                         std::size_t alignment) {
+  // Room in the list first, so that no block gets lost.
+  if (blocks.size() == blocks.capacity()) blocks.reserve(2 * blocks.size() + 1);
   auto* const start = static_cast<std::byte*>(::operator new (size, std::align_val_t{alignment}));
-  blocks_.push_back({start, size, alignment});
-  return start;
+  return blocks.emplace_back(Block{start, size, alignment});
 }
 
 void MergeMemory::Free(const Block& block) {

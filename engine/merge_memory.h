@@ -11,7 +11,7 @@ namespace folioweld {
 
 /// What the tables and texts of one merge are made of: memory that is handed out piece by piece and comes
 /// back as a whole. To get it page by page is a fifth of the time that joining many small objects takes, so
-/// it comes in blocks, the later ones of large pages where the system has them, and the first one is used
+/// it comes in blocks, the later ones of large pages where the system has them, and the first ones are used
 /// again by the next merge.
 class MergeMemory final : public std::pmr::memory_resource {
  public:
@@ -41,13 +41,16 @@ class MergeMemory final : public std::pmr::memory_resource {
   }
 
   void BeginBlock();
-  [[nodiscard]] std::byte* AddBlock(std::size_t size, std::size_t alignment);
+  void AddSharedBlock();
+  [[nodiscard]] static Block AddBlock(std::vector<Block>& blocks, std::size_t size, std::size_t alignment);
   static void Free(const Block& block);
 
   WindowsAPI* system_ = nullptr;
-  std::vector<Block> blocks_;
-  std::byte* next_ = nullptr;
+  std::vector<Block> shared_;
+  std::size_t begun_ = 0;      ///< how many of them are in use, the last of these in part
+  std::byte* next_ = nullptr;  ///< what is left of that one
   std::size_t left_ = 0;
+  std::vector<Block> own_;  ///< long pieces
 };
 
 }  // namespace folioweld

@@ -14,7 +14,7 @@ namespace folioweld {
 namespace {
 
 constexpr std::size_t kPiece = 16 * 1024;
-constexpr std::size_t kFirstBlock = 256 * 1024;
+constexpr std::size_t kFirstBlock = 128 * 1024;
 constexpr std::size_t kLargePage = 2 * 1024 * 1024;
 constexpr std::size_t kLong = 1024 * 1024;
 
@@ -93,11 +93,23 @@ TEST_F(MergeMemoryTest, WithoutLargePagesThereIsMemoryAllTheSame) {
   ExpectPiecesAsTaken();
 }
 
-TEST_F(MergeMemoryTest, TheFirstBlockIsUsedAgain) {
-  char* const first = Take(kPiece);
+TEST_F(MergeMemoryTest, TheFirstTwoBlocksAreUsedAgain) {
+  Memory.UseLargePages(System);
+  char* const first = Take(kFirstBlock);
+  char* const second = Take(kPiece);
   TakeAll(2 * kLargePage);
+  Take(kLong);
+  const std::ptrdiff_t questions = QuestionsForLargePages();
   Memory.Rewind();
-  EXPECT_EQ(Memory.allocate(kPiece), first);
+  EXPECT_EQ(Memory.allocate(kFirstBlock), first);
+  EXPECT_EQ(Memory.allocate(kPiece), second);
+  EXPECT_EQ(QuestionsForLargePages(), questions);
+}
+
+TEST_F(MergeMemoryTest, NothingIsAPieceToo) {
+  void* const nothing = Memory.allocate(0);
+  EXPECT_NE(nothing, nullptr);
+  EXPECT_NE(Memory.allocate(0), nothing);
 }
 
 TEST_F(MergeMemoryTest, ANewMemoryCanBeRewound) {
