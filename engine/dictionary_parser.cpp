@@ -167,19 +167,23 @@ class EntryWalk {
         case '>':
           // A single one ends nothing.
           if (PairAt(index)) {
-            if (depth > 0) --depth;
+            Leave(depth);
             ++index;
           }
           ++index;
           break;
         case ']':
-          if (depth > 0) --depth;
+          Leave(depth);
           ++index;
           break;
         default:
           index = PassPercent(index);
       }
     }
+  }
+
+  static void Leave(std::size_t& depth) {
+    if (depth > 0) --depth;
   }
 
   [[nodiscard]] std::size_t PassPercent(std::size_t index) {

@@ -160,6 +160,33 @@ TEST_F(ObjectScannerTest, TheHeaderIsWrittenAnewWithTheTablesGeneration) {
   EXPECT_EQ(State.ObjLines[One().FirstLine], "1 3 obj\r");
 }
 
+TEST_F(ObjectScannerTest, WhateverTheHeaderLooksLikeTheSameLineIsKept) {
+  for (const char* const header :
+       {"1 0 obj\n", "1 0 obj\r\n", "1 0 obj  \n", "1 0 obj ", "01 0 obj\n", "1 00000 obj\n", "1  0 obj\n",
+        "1 0  obj\n", "1\n0\nobj\n", "1 0\nobj\n", "  1 0 obj\n", "1 0 obj\n\n \n", "0000000001 0 obj\n"}) {
+    ASSERT_TRUE(ScanRaw(std::string(header) + "<</A 1>>\nendobj\n")) << header << State.Failure.Rule;
+    EXPECT_EQ(State.ObjLines[One().FirstLine], "1 0 obj\r") << header;
+    EXPECT_EQ(LastLine(), "<</A 1>>\r") << header;
+  }
+}
+
+TEST_F(ObjectScannerTest, AHeaderMayTouchTheValue) {
+  ASSERT_TRUE(ScanRaw("1 0 obj<</A 1>>endobj\n"));
+  EXPECT_EQ(State.ObjLines[One().FirstLine], "1 0 obj\r");
+  EXPECT_EQ(LastLine(), "<</A 1>>\r");
+  ASSERT_TRUE(ScanRaw("1 0 obj[2]endobj\n"));
+  EXPECT_EQ(LastLine(), "[2]");
+}
+
+TEST_F(ObjectScannerTest, WhatOnlyBeginsLikeTheHeaderFails) {
+  for (const char* const header :
+       {"1 0 objx\n", "1 0 ob\n", "1 0 obj2\n", "11 0 obj\n", "1 0obj\n", "10 obj\n", "1 0 R\n",
+        "4294967297 0 obj\n", "00000000001 0 obj\n", "18446744073709551617 0 obj\n"}) {
+    EXPECT_FALSE(ScanRaw(std::string(header) + "<</A 1>>\nendobj\n")) << header;
+    EXPECT_EQ(State.Failure.Rule, "the object does not begin with its header \"1 generation obj\"") << header;
+  }
+}
+
 TEST_F(ObjectScannerTest, LinesAreJoinedWithCarriageReturns) {
   ASSERT_TRUE(ScanBody("<<\n/A  1\r\n\r\n/B (x\ny)  \n>>"));
   EXPECT_EQ(LastLine(), "<<\r/A  1\r/B (x\ry)\r>>\r");
