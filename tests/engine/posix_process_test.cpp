@@ -1,13 +1,18 @@
 // The real system's process, terminal and signals. What changes the process as a whole runs in a child.
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <initializer_list>
 #include <limits>
+#include <memory>
+#include <new>
 #include <optional>
 #include <poll.h>
 #include <string>
@@ -167,6 +172,27 @@ TEST(PosixProcessTest, AProcessCanBeAskedToEndAndAGroupCannot) {
   EXPECT_EQ(system.TerminateProcess(child).Code, ESRCH);
   EXPECT_EQ(system.TerminateProcess(0).Code, ESRCH);
   EXPECT_EQ(system.TerminateProcess(-1).Code, ESRCH);
+}
+
+TEST(PosixProcessTest, MemoryKeepsWhatItHoldsWhenLargePagesAreAskedFor) {
+  constexpr std::size_t kLargePage = 2 * 1024 * 1024;
+  const auto free = [](char* memory) { ::operator delete (memory, std::align_val_t{kLargePage}); };
+  const std::unique_ptr<char, decltype(free)> memory(
+      static_cast<char*>(::operator new (kLargePage, std::align_val_t{kLargePage})), free);
+  std::fill_n(memory.get(), kLargePage, 'x');
+  PosixApi system;
+  const SystemError error = system.PreferLargePages(memory.get(), kLargePage);
+  // Not every system has some.
+  EXPECT_TRUE(!error || error.Code == EINVAL || error.Code == ENOSYS) << error.Words();
+  EXPECT_EQ(std::count(memory.get(), memory.get() + kLargePage, 'x'),
+            static_cast<std::ptrdiff_t>(kLargePage));
+}
+
+TEST(PosixProcessTest, MemoryThatBeginsWithinAPageHasNoLargePages) {
+  char memory[8192];
+  char* const within = memory + (reinterpret_cast<std::uintptr_t>(memory) % 4096 == 0 ? 1 : 0);
+  PosixApi system;
+  EXPECT_TRUE(system.PreferLargePages(within, 4096));
 }
 
 TEST(PosixSignalsDeathTest, StopSignalsAreOnlyRememberedAndWakeWhoeverWaits) {
