@@ -167,6 +167,35 @@ TEST_F(OutputBufferTest, AShortRangeGoesThroughMemory) {
   ExpectWritten(Part(5, 64 * 1024 - 1) + Part(0, 64 * 1024));
 }
 
+TEST_F(OutputBufferTest, AFewBytesArriveWhetherTheyAreInMemoryOrNotOrInPart) {
+  // The source's window holds its first 4096 bytes.
+  for (const std::int64_t from : {std::int64_t{0}, std::int64_t{3584}, std::int64_t{3585}, std::int64_t{4000},
+                                  std::int64_t{4095}, std::int64_t{4096}, std::int64_t{5000}}) {
+    for (const std::int64_t count : {1, 50, 511, 512, 513}) {
+      ASSERT_FALSE(System.SetEndOfFile(To, 0));
+      OutputBuffer buffer(System, To);
+      InputBuffer source(System, From, kSourceSize);
+      ASSERT_TRUE(source.View(0, 1).Ok());
+      ASSERT_FALSE(buffer.Write(0, "stream\n"));
+      ASSERT_FALSE(buffer.Copy(7, source, From, from, count));
+      ASSERT_FALSE(buffer.Write(7 + count, "endstream\r\n"));
+      ASSERT_FALSE(buffer.Flush());
+      ExpectWritten("stream\n" + Part(from, count) + "endstream\r\n");
+    }
+  }
+}
+
+TEST_F(OutputBufferTest, AFewBytesThatAreInMemoryMayStandApartFromTheOthers) {
+  OutputBuffer buffer(System, To);
+  InputBuffer source(System, From, kSourceSize);
+  ASSERT_TRUE(source.View(0, 1).Ok());
+  ASSERT_FALSE(buffer.Copy(0, source, From, 0, 10));
+  ASSERT_FALSE(buffer.Copy(20, source, From, 20, 10));
+  ASSERT_FALSE(buffer.Write(10, Part(10, 10)));
+  ASSERT_FALSE(buffer.Flush());
+  ExpectWritten(Part(0, 30));
+}
+
 TEST_F(OutputBufferTest, RangesThatDoNotFollowEachOtherAreCopiedEachInItsPlace) {
   OutputBuffer buffer(System, To);
   InputBuffer source(System, From, kSourceSize);
