@@ -136,6 +136,13 @@ TEST(ReferenceLookup, ANumberTooLargeForAnObjectIsNone) {
   EXPECT_EQ(ReferencesIn("2147483647 0 R 2147483646 0 R "), (Numbers{{2147483646, 0}}));
 }
 
+TEST(ReferenceLookup, ANumberHasTenDigitsAtMost) {
+  EXPECT_EQ(ReferencesIn("0000000012 0000000003 R "), (Numbers{{12, 3}}));
+  EXPECT_EQ(ReferencesIn("00000000012 3 R "), Numbers());
+  EXPECT_EQ(ReferencesIn("12 00000000003 R "), Numbers());
+  EXPECT_EQ(ReferencesIn("4294967308 3 R 18446744073709551628 3 R "), Numbers());
+}
+
 TEST(ReferenceLookup, ACommentBetweenTheNumbersHidesTheReference) {
   EXPECT_EQ(ReferencesIn("3 %c\r0 R "), Numbers{});
 }
