@@ -13,7 +13,8 @@
 namespace folioweld {
 
 /// Gathers what is written to an open file into large writes. Copied ranges stay descriptions until they
-/// end, so that long streams are copied inside the system and never pass through the program.
+/// end, so that long streams are read straight into those writes, or copied inside the system where it can do
+/// that page by page.
 class OutputBuffer {
  public:
   /// The handle stays the caller's.

@@ -1,5 +1,6 @@
 // PdfBuilder::CopyStreamBytes: stream data from an input into the output.
 
+#include <algorithm>
 #include <cerrno>
 #include <gtest/gtest.h>
 
@@ -39,14 +40,20 @@ class StreamCopyTest : public ::testing::Test {
     return run_.Output();
   }
 
-  /// Copies all of the data from behind three other bytes.
-  void ExpectCopied(const std::string& data) {
-    const std::int16_t input = OpenInput("abc" + data + "xyz");
+  /// Copies all of the data from behind other bytes: as many as stand before it in the output, so that the
+  /// system can copy it page by page, or another number.
+  void ExpectCopied(const std::string& data, const std::string& before = "seven..") {
+    const std::int16_t input = OpenInput(before + data + "xyz");
     const std::string expected = "stream\n" + data + "endstream\r\n";
-    EXPECT_EQ(Copy(input, 3, static_cast<std::int32_t>(data.size())),
+    EXPECT_EQ(Copy(input, static_cast<std::int32_t>(before.size()), static_cast<std::int32_t>(data.size())),
               static_cast<std::int32_t>(expected.size()));
     EXPECT_EQ(position_, static_cast<std::int32_t>(expected.size()));
     EXPECT_TRUE(Written() == expected);
+  }
+
+  [[nodiscard]] long CountOf(const std::string& name) const {
+    return std::count_if(run_.System.Calls.begin(), run_.System.Calls.end(),
+                         [&](const FaultingSystem::Call& call) { return call.Name == name; });
   }
 
   std::int32_t position_ = 0;
@@ -148,9 +155,21 @@ TEST_F(StreamCopyTest, ShortAndInterruptedCopiesAreCarriedOn) {
 TEST_F(StreamCopyTest, GoesThroughMemoryWhereTheSystemCannotCopy) {
   run_.System.Decide = FaultingSystem::Failing("CopyFileRange", EXDEV);
   ExpectCopied(Data(300000));
-  int asked = 0;
-  for (const auto& call : run_.System.Calls) asked += call.Name == "CopyFileRange" ? 1 : 0;
-  EXPECT_EQ(asked, 1) << "it is asked once and no more";
+  EXPECT_EQ(CountOf("CopyFileRange"), 1) << "it is asked once and no more";
+}
+
+TEST_F(StreamCopyTest, GoesThroughMemoryWhereThePagesOfTheFilesDoNotMatch) {
+  EXPECT_TRUE(run_.Files.Close(State().DocFileNumber(3)));
+  for (const char* const before : {"", "abc", "eight..."}) {
+    position_ = 0;
+    State().DocFileNumber(3) = run_.Files.OpenForBinaryWrite(run_.OutputPath);
+    ExpectCopied(Data(300000), before);
+  }
+  EXPECT_EQ(CountOf("CopyFileRange"), 0);
+  ASSERT_GE(State().DocFileNumber(3) = run_.Files.OpenForBinaryWrite(run_.OutputPath), 1);
+  position_ = 0;
+  ExpectCopied(Data(300000));
+  EXPECT_EQ(CountOf("CopyFileRange"), 1);
 }
 
 TEST_F(StreamCopyTest, LooksForACancelInLongStreams) {
