@@ -9,7 +9,8 @@ constexpr std::size_t kBlockSize = 64 * 1024;
 }
 
 char* TextPool::AddBlock(std::size_t size) {
-  blocks_.reserve(blocks_.size() + 1);
+  // Room in the list first, so that no block gets lost.
+  if (blocks_.size() == blocks_.capacity()) blocks_.reserve(2 * blocks_.size() + 1);
   blocks_.push_back({static_cast<char*>(memory_->allocate(size, 1)), size});
   return blocks_.back().Start;
 }
@@ -40,8 +41,10 @@ void TextPool::MoveDraft(std::size_t more) {
 }
 
 void TextPool::Reset() {
-  for (const Block& block : blocks_) memory_->deallocate(block.Start, block.Size, 1);
-  blocks_.clear();
+  // The last one first: the memory looks for a long piece from there.
+  for (; !blocks_.empty(); blocks_.pop_back()) {
+    memory_->deallocate(blocks_.back().Start, blocks_.back().Size, 1);
+  }
   next_ = nullptr;
   left_ = 0;
   draftSize_ = 0;
