@@ -135,15 +135,24 @@ class Table(unittest.TestCase):
         rows = figures.rows([series("qpdf", 3, 4, 5, way="slow"), series("qpdf", 1, 2, 3, way="quick")])
         self.assertEqual([(row.way, row.median) for row in rows], [("quick", 2)])
 
-    def test_ratios_are_those_of_the_medians(self):
-        rows = figures.rows([series(programs.OWN, 1, 2, 9), series("qpdf", 4), series("mutool", 8),
-                             series(programs.COPY, 1)])
-        self.assertEqual([(row.to_peer, row.to_copy) for row in rows], [(0.5, 2), (1, 4), (2, 8), (0.25, 1)])
-
-    def test_a_program_that_failed_is_in_the_table(self):
+    def test_a_program_that_failed_is_named_under_the_table(self):
         failed = Series("qpdf", "", [], 0, "5 pages instead of 6")
-        self.assertIn("| qpdf | failed: 5 pages instead of 6 |",
+        self.assertIn("qpdf failed: 5 pages instead of 6 (small).",
                       report.markdown("a machine", [load("small")], {"small": [failed]}, [], {}))
+
+    def test_one_table_has_the_median_of_every_program_for_every_load(self):
+        loads = [load("small"), load("objects")]
+        measured = {"small": [series(programs.OWN, 0.001), series("pdftk", 0.2), series(programs.EMPTY, 0.5)],
+                    "objects": [series(programs.COPY, 3)]}
+        self.assertIn("| small: the load small | 1.00 ms | - | - | - | 200 ms | - |\n"
+                      "| objects: the load objects | - | - | - | - | - | 3000 ms |\n",
+                      report.markdown("a machine", loads, measured, [], {}))
+
+    def test_calls_that_are_rare_in_every_load_share_a_line(self):
+        loads = [load("small"), load("folder")]
+        calls = {"small": [("pread64", 15), ("brk", 5), ("mmap", 2)], "folder": [("pread64", 90), ("brk", 10)]}
+        self.assertEqual(report.call_table(loads, calls)[2:],
+                         ["| `pread64` | 15 | 90 |", "| all others | 7 | 10 |", ""])
 
     def test_the_table_takes_the_place_between_the_marks(self):
         document = "before\n" + report.BEGIN + "old\n" + report.END + "behind\n"

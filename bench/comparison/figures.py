@@ -13,12 +13,10 @@ MEMORY_PER_OBJECT = 1000
 
 @dataclass
 class Row:
-    """One line of a load's table; None where there is no figure."""
+    """What one program needed for a load; None where there is no figure."""
     program: str
     way: str
     median: float | None
-    to_peer: float | None  # times the fastest peer's median
-    to_copy: float | None  # times the plain copy's median
     peak_kib: int | None
     fault: str = ""
 
@@ -51,16 +49,8 @@ def fastest_peer(times):
 
 
 def rows(series):
-    times = medians(series)
-    peer = fastest_peer(times)
-    result = []
-    for one in better_ways(series):
-        time = times.get(one.program)
-        result.append(Row(one.program, one.way, time,
-                          time / times[peer] if time and peer else None,
-                          time / times[COPY] if time and COPY in times else None,
-                          one.peak_kib if time else None, one.fault))
-    return result
+    return [Row(one.program, one.way, median(one.seconds) if one.seconds else None,
+                one.peak_kib if one.seconds else None, one.fault) for one in better_ways(series)]
 
 
 def at_most(load, words, value, limit, text):

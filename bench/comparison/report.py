@@ -1,7 +1,7 @@
-"""The table, as Markdown."""
+"""The tables, as Markdown."""
 
 from figures import rows
-from programs import OWN
+from programs import COPY, OWN, peers
 
 
 def time_text(seconds):
@@ -12,70 +12,74 @@ def time_text(seconds):
     return f"{seconds * 1000:.0f} ms" if seconds < 10 else f"{seconds:.1f} s"
 
 
-def ratio_text(value):
-    if value is None:
-        return "-"
-    return f"{value:.2f}" if value < 100 else f"{value:.0f}"
-
-
 def memory_text(kib):
     return "-" if kib is None else f"{kib / 1024:.1f} MiB"
 
 
-def program_text(row):
-    name = f"**{row.program}**" if row.program == OWN else row.program
-    return f"{name} ({row.way})" if row.way else name
+def grid(corner, head, lines):
+    """A table of figures: names on the left, everything else to the right."""
+    return [f"| {' | '.join([corner, *head])} |", "|---|" + "---:|" * len(head),
+            *(f"| {' | '.join(cells)} |" for cells in lines), ""]
 
 
-def load_table(load, series):
-    lines = [f"**{load['words'][0].upper()}{load['words'][1:]}**", "",
-             "| program | median | ratio to the fastest peer | ratio to a plain copy | peak memory |",
-             "|---|---:|---:|---:|---:|"]
-    for row in rows(series):
-        if row.median is None:
-            lines.append(f"| {program_text(row)} | failed: {row.fault or 'not run'} | - | - | - |")
-            continue
-        lines.append(f"| {program_text(row)} | {time_text(row.median)} | {ratio_text(row.to_peer)} | "
-                     f"{ratio_text(row.to_copy)} | {memory_text(row.peak_kib)} |")
-    return lines + [""]
+def program_table(loads, measured, figure):
+    """A line for each load, a column for each program; figure(row) is what stands in a cell."""
+    names = [OWN, *peers(), COPY]
+    lines = []
+    for load in loads:
+        found = {row.program: row for row in rows(measured[load["name"]])}
+        lines.append([f"{load['name']}: {load['words']}", *(figure(found[name]) if name in found else "-" for name in names)])
+    return grid("", [f"**{OWN}**", *names[1:]], lines)
+
+
+def faults(loads, measured):
+    failed = [(load, row) for load in loads for row in rows(measured[load["name"]]) if row.median is None]
+    return [f"{row.program} failed: {row.fault or 'not run'} ({load['name']}).\n" for load, row in failed]
 
 
 def growth_table(loads, measured):
-    lines = ["**Growth**", "", "| load | folioweld | plain copy | peak memory of folioweld |", "|---|---:|---:|---:|"]
+    lines = []
     for load in loads:
         found = {row.program: row for row in rows(measured[load["name"]])}
-        own, copy = found.get(OWN), found.get("plain copy")
-        lines.append(f"| {load['words']} | {time_text(own and own.median)} | {time_text(copy and copy.median)} | "
-                     f"{memory_text(own and own.peak_kib)} |")
-    return lines + [""]
+        own, copy = found.get(OWN), found.get(COPY)
+        lines.append([load["words"], time_text(own and own.median), time_text(copy and copy.median),
+                      memory_text(own and own.peak_kib)])
+    return grid("", [OWN, COPY, f"peak memory of {OWN}"], lines)
 
 
 def goal_table(goals):
-    lines = ["**Goals**", "", "| load | goal | measured | |", "|---|---|---|---|"]
+    lines = ["| load | goal | measured | |", "|---|---|---|---|"]
     lines += [f"| {goal.load} | {goal.words} | {goal.measured} | {'met' if goal.met else '**not met**'} |"
               for goal in goals]
     return lines + [""]
 
 
-def call_table(load, calls):
-    lines = [f"**System calls of folioweld: {load['words']}**", "", "| call | times |", "|---|---:|"]
-    lines += [f"| {name} | {count} |" for name, count in calls]
-    lines.append(f"| all | {sum(count for _, count in calls)} |")
-    return lines + [""]
+FREQUENT = 20
+
+
+def call_table(loads, calls):
+    """The calls that some load makes often, and the rest in one line."""
+    counts = [dict(calls[load["name"]]) for load in loads]
+    most = {name: max(count.get(name, 0) for count in counts) for count in counts for name in count}
+    often = sorted((name for name in most if most[name] >= FREQUENT), key=lambda name: (-most[name], name))
+    lines = [[f"`{name}`", *(str(count.get(name, 0)) for count in counts)] for name in often]
+    lines.append(["all others", *(str(sum(count.values()) - sum(count.get(name, 0) for name in often))
+                                  for count in counts)])
+    return grid("", [load["name"] for load in loads], lines)
 
 
 def markdown(machine, loads, measured, goals, calls):
-    lines = [f"Written by `./bench/compare`, on {machine}.", ""]
-    for load in loads:
-        if not load["series"]:
-            lines += load_table(load, measured[load["name"]])
+    single = [load for load in loads if not load["series"]]
     growing = [load for load in loads if load["series"]]
+    counted = [load for load in single if load["name"] in calls]
+    lines = [f"Medians, measured by `./bench/compare` on {machine}:", ""]
+    lines += program_table(single, measured, lambda row: time_text(row.median)) + faults(single, measured)
+    lines += ["![The same medians as bars](performance.svg)", "", "## Goals", ""] + goal_table(goals)
+    lines += ["## Peak memory", ""] + program_table(single, measured, lambda row: memory_text(row.peak_kib))
     if growing:
-        lines += growth_table(growing, measured)
-    lines += goal_table(goals)
-    for load in loads:
-        if load["name"] in calls:
-            lines += call_table(load, calls[load["name"]])
+        lines += ["## Growth", ""] + growth_table(growing, measured)
+    if counted:
+        lines += ["## System calls", ""] + call_table(counted, calls)
     return "\n".join(lines)
 
 
