@@ -208,7 +208,7 @@ std::int32_t PdfReader::JoinAndParseDictionary(const Table<std::string>& lines, 
   return JoinAndParse(lines, first, last);
 }
 
-std::int32_t PdfReader::JoinAndParseDictionary(const Table<PooledText>& lines, std::int32_t first,
+std::int32_t PdfReader::JoinAndParseDictionary(const Table<std::string_view>& lines, std::int32_t first,
                                                std::int32_t last) {
   return JoinAndParse(lines, first, last);
 }
@@ -218,7 +218,7 @@ std::int32_t PdfReader::JoinAndParse(const Table<Line>& lines, std::int32_t firs
   if (first < 0 || last > lines.UpperBound() || first > last) return -1;
   try {
     std::int32_t firstEntry = -1;
-    if constexpr (std::is_same_v<Line, PooledText>) {
+    if constexpr (std::is_same_v<Line, std::string_view>) {
       if (first == last) {
         // The usual case: the text is kept already.
         ParseDictionary(TrimBlanks(lines[first]), 1, firstEntry);
@@ -226,7 +226,7 @@ std::int32_t PdfReader::JoinAndParse(const Table<Line>& lines, std::int32_t firs
       }
     }
     std::string joined;
-    for (std::int32_t i = first; i <= last; ++i) joined += std::string_view(lines[i]);
+    for (std::int32_t i = first; i <= last; ++i) joined += lines[i];
     ParseDictionary(state_.Texts.Keep(TrimBlanks(joined)), 1, firstEntry);
     return firstEntry;
   } catch (const std::exception&) {

@@ -2,17 +2,15 @@
 
 #include <cstddef>
 #include <memory_resource>
-#include <utility>
 #include <vector>
 
 #include "platform/windows_api.h"
 
 namespace folioweld {
 
-/// What the tables and texts of one merge are made of: memory that is handed out piece by piece and comes
-/// back as a whole. To get it page by page is a fifth of the time that joining many small objects takes, so
-/// it comes in blocks, the later ones of large pages where the system has them, and the first ones are used
-/// again by the next merge.
+/// The arena for the tables and texts of one merge: pieces are handed out one after the other and are all
+/// given back together. Its first blocks serve the next merge again, and larger merges get huge pages where
+/// the system has them: a short run spends as long on getting memory page by page as on using it.
 class MergeMemory final : public std::pmr::memory_resource {
  public:
   MergeMemory() = default;
@@ -20,37 +18,33 @@ class MergeMemory final : public std::pmr::memory_resource {
   MergeMemory& operator=(const MergeMemory&) = delete;
   ~MergeMemory() override;
 
-  /// From now on this system is asked for large pages. It has to live for as long as memory is taken.
+  /// From now on this system is asked for huge pages. It has to outlive the last allocation.
   void UseLargePages(WindowsAPI& system) { system_ = &system; }
 
-  /// Everything is free again; whoever holds a piece has to have let go of it.
+  /// Frees everything; whoever holds a piece has to have let go of it.
   void Rewind();
 
  private:
   struct Block {
     std::byte* Start = nullptr;
     std::size_t Size = 0;
-    std::size_t Alignment = 0;
   };
 
   void* do_allocate(std::size_t size, std::size_t alignment) override;
-  /// A piece that has a block of its own is given back at once, any other one with the rest.
-  void do_deallocate(void* piece, std::size_t size, std::size_t alignment) override;
+  void do_deallocate(void* /*piece*/, std::size_t /*size*/, std::size_t /*alignment*/) override {}
   [[nodiscard]] bool do_is_equal(const std::pmr::memory_resource& other) const noexcept override {
     return this == &other;
   }
 
-  void BeginBlock();
-  void AddSharedBlock();
-  [[nodiscard]] static Block AddBlock(std::vector<Block>& blocks, std::size_t size, std::size_t alignment);
+  void BeginBlock(std::size_t wanted);
+  void AddBlock(std::size_t wanted);
   static void Free(const Block& block);
 
   WindowsAPI* system_ = nullptr;
-  std::vector<Block> shared_;
+  std::vector<Block> blocks_;
   std::size_t begun_ = 0;      ///< how many of them are in use, the last of these in part
   std::byte* next_ = nullptr;  ///< what is left of that one
   std::size_t left_ = 0;
-  std::vector<Block> own_;  ///< long pieces
 };
 
 }  // namespace folioweld

@@ -122,10 +122,6 @@ std::int32_t AppendObjLine(MergeState& state, std::string_view line) {
   return AppendKeptObjLine(state, state.Texts.Keep(line));
 }
 
-std::int32_t AppendObjLine(MergeState& state, std::string_view line, char end) {
-  return AppendKeptObjLine(state, state.Texts.Keep(line, end));
-}
-
 std::int32_t AppendKeptObjLine(MergeState& state, std::string_view line) {
   const std::int32_t index = state.ObjLineCount;
   if (index > state.ObjLines.UpperBound()) state.ObjLines.Grow(CheckedAdd(index, 63));

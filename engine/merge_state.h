@@ -31,7 +31,7 @@ struct ObjectEntry {
   std::int32_t ObjAux = -1;     ///< index in `NameEntries` of the dictionary's first entry; -1 = none
   std::int32_t FirstLine = -1;  ///< index in `ObjLines`; negative = none
   std::int32_t LastLine = -1;
-  PooledText ValueText;  ///< decimal text when the object is a plain number
+  std::string_view ValueText;  ///< decimal text when the object is a plain number
   std::int32_t StreamStart =
       -1;  ///< 0-based offset of the first stream byte in the input; negative = unknown
   std::int32_t StreamLength = -1;     ///< bytes; -1 = not yet known
@@ -51,8 +51,8 @@ struct MissingLength {
 
 /// One key of a parsed dictionary.
 struct NameEntry {
-  PooledText NameText;  ///< the key with its leading "/"
-  PooledText NameValue;
+  std::string_view NameText;  ///< the key with its leading "/"
+  std::string_view NameValue;
   std::int32_t NameId = -1;  ///< index of the next key of the same dictionary; -1 = last
   std::int32_t NameRef = -1;
   std::int16_t NameFlag = 0;  ///< 1 = the value is a dictionary and `NameRef` its first key
@@ -93,7 +93,7 @@ struct MergeState {
 
   // Objects of both inputs: the first input's, then the second's.
   Table<ObjectEntry> Objects{&Memory};
-  Table<PooledText> ObjLines{&Memory};
+  Table<std::string_view> ObjLines{&Memory};
   std::int32_t ObjLineCount = 0;
   std::int32_t ObjLineLast = -1;
   Table<MissingLength> MissingLengths{&Memory};
@@ -130,10 +130,9 @@ void ResetMergeState(MergeState& state);
 [[nodiscard]] std::int32_t TableIndexOf(const MergeState& state, std::int32_t objectNumber,
                                         std::int32_t slot);
 
-/// Appends a copy of the line to `ObjLines` and returns its index; the second one puts a character behind it.
-/// The third one takes a line that `Texts` keeps.
+/// Appends a copy of the line to `ObjLines` and returns its index; the second one takes a line that `Texts`
+/// keeps already.
 std::int32_t AppendObjLine(MergeState& state, std::string_view line);
-std::int32_t AppendObjLine(MergeState& state, std::string_view line, char end);
 std::int32_t AppendKeptObjLine(MergeState& state, std::string_view line);
 
 }  // namespace folioweld

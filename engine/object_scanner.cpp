@@ -25,7 +25,7 @@ constexpr std::int32_t kFreeGeneration = 65535;
 /// Objects between two changes of the status line.
 constexpr std::int32_t kObjectsPerCaption = 100;
 /// An arbitrary fixed number that marks the filler object in the second input's slot 0.
-constexpr char kFillerValue[] = "19540716";
+constexpr std::string_view kFillerLine = "19540716\r";
 /// Objects stand beside each other in a file, so their texts cannot be much longer than the file; only
 /// objects that run into each other again and again can, and those would cost the square of its length.
 constexpr std::int64_t kTextAllowance = 16 * 1024 * 1024;
@@ -151,12 +151,12 @@ class ObjectScan {
   /// The second input's object 0 stands in the middle of the joined numbering, where a real object has to be.
   void MakeFiller(std::int32_t index) {
     const std::int32_t first = AppendObjLine(state_, "0 0 obj\r");
-    const std::int32_t last = AppendObjLine(state_, kFillerValue, '\r');
+    const std::int32_t last = AppendKeptObjLine(state_, kFillerLine);
     ObjectEntry& entry = state_.Objects[index];
     entry.FirstLine = first;
     entry.LastLine = last;
     entry.ObjState = kWithoutStream;
-    entry.ValueText = kFillerValue;
+    entry.ValueText = kFillerLine.substr(0, kFillerLine.size() - 1);
     entry.Generation = 0;
     entry.EntryType = 'n';
   }
@@ -164,8 +164,7 @@ class ObjectScan {
   void DescribeObject(std::int32_t index) {
     offset_ = state_.Objects[index].OutOffset;
     const ObjectEnd objectEnd = GatherText(index);
-    std::string_view text = state_.Texts.Draft();
-    text.remove_suffix(1);
+    const std::string_view text = std::string_view(text_).substr(0, text_.size() - 1);
     std::size_t bodyStart = UsualHeaderLength(text, number_, state_.Objects[index].Generation);
     // Alone on its line the header is kept as it stands.
     const bool headerIsLine = bodyStart > 0 && text[bodyStart] == '\r';
@@ -179,8 +178,9 @@ class ObjectScan {
     if (text.size() < bodyStart + keywordLength) Fail("the object has no value");
     const std::string_view body = TrimBlanks(text.substr(bodyStart, text.size() - bodyStart - keywordLength));
     const auto bodyOffset = static_cast<std::size_t>(body.data() - text.data());
-    const std::string_view kept =
-        state_.Texts.KeepDraft(bodyOffset + body.size(), objectEnd.HasStream ? '\n' : '\r');
+    // At least "endobj" or "stream" follows the body and makes room for its end.
+    text_[bodyOffset + body.size()] = objectEnd.HasStream ? '\n' : '\r';
+    const std::string_view kept = state_.Texts.Keep(text.substr(0, bodyOffset + body.size() + 1));
     const std::string_view header = kept.substr(0, headerIsLine ? bodyStart : 0);
     StoreLines(index, header, kept.substr(bodyOffset), objectEnd.HasStream);
     if (objectEnd.HasStream) LocateStream(index, objectEnd.KeywordOffset);
@@ -197,14 +197,14 @@ class ObjectScan {
     return static_cast<std::size_t>(behind) - 1;
   }
 
-  /// Gathers lines until the text ends with "stream" or "endobj". They become the draft of the pool, a
-  /// carriage return behind each.
+  /// Gathers lines in `text_`, each with a carriage return after it, until one ends with "stream" or
+  /// "endobj".
   [[nodiscard]] ObjectEnd GatherText(std::int32_t index) {
     LineCursor& lines = lines_;
     lines.GoTo(CheckedAdd(state_.Objects[index].OutOffset, 1));
     std::int64_t behind = state_.Objects[index].OutOffset;
     bool begun = false;
-    state_.Texts.BeginDraft();
+    text_.clear();
     for (;;) {
       shell_.Yield();
       const bool read = lines.Next();
@@ -221,7 +221,8 @@ class ObjectScan {
       const std::string_view line = begun ? TrimRightBlanks(lines.Line) : TrimBlanks(lines.Line);
       if (line.empty()) continue;
       begun = true;
-      state_.Texts.AddToDraft(line, '\r');
+      text_ += line;
+      text_ += '\r';
       if (EndsWith(line, kEndObject)) return {};
       if (EndsWith(line, kStream)) {
         const std::ptrdiff_t inLine = line.data() + line.size() - kStream.size() - lines.Line.data();
@@ -274,7 +275,7 @@ class ObjectScan {
       entry.ValueText = state_.Texts.Keep(std::to_string(value));
       entry.ObjState = kPlainNumber;
     } else {
-      PooledText& line = state_.ObjLines[entry.LastLine];
+      std::string_view& line = state_.ObjLines[entry.LastLine];
       line = TrimRightBlanks(line);
     }
   }
@@ -327,6 +328,7 @@ class ObjectScan {
   std::int64_t textLeft_;
   std::string captionPrefix_;
   LineCursor lines_;
+  std::string text_;  ///< of the object that is being read; used again for the next one
   std::int32_t number_ = -1;
   std::int64_t offset_ = -1;
 };

@@ -255,7 +255,7 @@ bool PdfBuilder::AppendDictionary(std::int32_t firstRow, std::string& text) {
     if (YieldAndCheckAbort(shell_, state_)) return false;
     const NameEntry& entry = state_.NameEntries[row];
     AppendPiece(text, entry.NameText);
-    AppendPiece(text, entry.NameFlag != 0 ? std::string_view() : entry.NameValue.View());
+    AppendPiece(text, entry.NameFlag != 0 ? std::string_view() : entry.NameValue);
     if (entry.NameFlag != 0 && !AppendDictionary(entry.NameRef, text)) return false;
   }
   text += "\r>>";

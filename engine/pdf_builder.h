@@ -58,11 +58,12 @@ class PdfBuilder {
  private:
   /// False on a cancel.
   [[nodiscard]] bool AppendDictionary(std::int32_t firstRow, std::string& text);
-  void ShiftLine(PooledText& line);
+  void ShiftLine(std::string_view& line);
 
   MergeState& state_;
   FileModule& files_;
   MergeShell& shell_;
+  std::string shifted_;  ///< the line that is being renumbered; used again for the next one
 };
 
 /// A number object's value as text, converted to a number; -1 when it is none.

@@ -54,7 +54,7 @@ class PdfReader {
   /// the first key, -1 when there is none.
   [[nodiscard]] std::int32_t JoinAndParseDictionary(const Table<std::string>& lines, std::int32_t first,
                                                     std::int32_t last);
-  [[nodiscard]] std::int32_t JoinAndParseDictionary(const Table<PooledText>& lines, std::int32_t first,
+  [[nodiscard]] std::int32_t JoinAndParseDictionary(const Table<std::string_view>& lines, std::int32_t first,
                                                     std::int32_t last);
 
   /// Parses the dictionary text from a 1-based position on. Returns 0 when the text was used up, another

@@ -135,13 +135,11 @@ bool PdfBuilder::RenumberSecondInput() {
 }
 
 /// The old text stays where it is: the keys of its dictionary point into it.
-void PdfBuilder::ShiftLine(PooledText& line) {
-  TextPool& texts = state_.Texts;
-  texts.BeginDraft();
-  AppendShifted(TrimBlanks(line), state_.ObjectsInDoc1,
-                [&](std::string_view piece) { texts.AddToDraft(piece); });
-  texts.AddToDraft("\r");
-  line = texts.KeepDraft();
+void PdfBuilder::ShiftLine(std::string_view& line) {
+  shifted_.clear();
+  AppendShifted(TrimBlanks(line), state_.ObjectsInDoc1, [&](std::string_view piece) { shifted_ += piece; });
+  shifted_ += '\r';
+  line = state_.Texts.Keep(shifted_);
 }
 
 std::string PdfBuilder::ShiftObjectReferences(std::string_view line) const {

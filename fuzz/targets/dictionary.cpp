@@ -13,7 +13,7 @@ int CountRows(const folioweld::MergeState& state, std::int32_t row, int depth) {
   folioweld::fuzz::Require(depth <= 101, "dictionaries nest at most as deep as the parser goes");
   for (; row >= 0; row = state.NameEntries[row].NameId) {
     ++count;
-    folioweld::fuzz::Require(state.NameEntries[row].NameText.View().substr(0, 1) == "/",
+    folioweld::fuzz::Require(state.NameEntries[row].NameText.substr(0, 1) == "/",
                              "a key begins with a slash");
     if (state.NameEntries[row].NameFlag != 0) {
       count += CountRows(state, state.NameEntries[row].NameRef, depth + 1);

@@ -195,7 +195,7 @@ TEST_F(DictionaryParserTest, RowsOutliveTheLines) {
     lines[0].assign(lines[0].size(), 'x');
   }
   EXPECT_EQ(Row(first).NameText, "/A");
-  EXPECT_EQ(Row(first).NameValue.View().substr(0, 7), "(a text");
+  EXPECT_EQ(Row(first).NameValue.substr(0, 7), "(a text");
 }
 
 TEST_F(DictionaryParserTest, LinesOutsideTheTableGiveMinusOne) {

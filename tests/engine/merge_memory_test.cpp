@@ -30,6 +30,10 @@ class MergeMemoryTest : public ::testing::Test {
   void TakeAll(std::size_t size) {
     for (std::size_t taken = 0; taken < size; taken += kPiece) Take(kPiece);
   }
+  void Rewind() {
+    pieces_.clear();
+    Memory.Rewind();
+  }
   /// Every piece still holds what was put there.
   void ExpectPiecesAsTaken() const {
     for (std::size_t i = 0; i < pieces_.size(); ++i) {
@@ -118,13 +122,25 @@ TEST_F(MergeMemoryTest, ANewMemoryCanBeRewound) {
   ExpectPiecesAsTaken();
 }
 
-TEST_F(MergeMemoryTest, ALongPieceComesBackAtOnceAndTheOthersStay) {
-  char* const before = Take(kLong);
-  void* const between = Memory.allocate(kLong);
-  Take(kLong);
-  Memory.deallocate(between, kLong);
-  Memory.deallocate(before, 1);  // A short one is not looked for: nothing happens.
-  TakeAll(kLargePage);
+TEST_F(MergeMemoryTest, APieceLongerThanABlockIsWholeAndNotKeptForTheNextMerge) {
+  Memory.UseLargePages(System);
+  Take(kPiece);
+  Take(2 * kLargePage + 1);
+  EXPECT_EQ(QuestionsForLargePages(), 1);
+  Take(kPiece);
+  ExpectPiecesAsTaken();
+  Rewind();
+  TakeAll(kFirstBlock);
+  EXPECT_EQ(QuestionsForLargePages(), 1);
+  Take(kPiece);
+  EXPECT_EQ(QuestionsForLargePages(), 2);
+}
+
+TEST_F(MergeMemoryTest, APieceThatAKeptBlockIsTooSmallForGetsOneOfItsOwn) {
+  TakeAll(kFirstBlock + kPiece);
+  Rewind();
+  for (int i = 0; i < 3; ++i) Take(kLargePage + 1);
+  TakeAll(2 * kLargePage);
   ExpectPiecesAsTaken();
 }
 
@@ -141,7 +157,7 @@ TEST_F(MergeMemoryTest, AResetStateUsesItsMemoryAgain) {
     static_cast<void>(AppendObjLine(state, "line"));
     state.Objects.Grow(5000);
     state.NameEntries.Grow(50000);
-    return state.ObjLines[0].View().data();
+    return state.ObjLines[0].data();
   };
   const char* const before = lineOf();
   for (int i = 0; i < 3; ++i) {

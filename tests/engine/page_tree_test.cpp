@@ -52,7 +52,7 @@ class PageTreeTest : public ::testing::Test {
   [[nodiscard]] bool Paste() { return inputs_.Paste(); }
 
   void Replace(std::int32_t index, const std::string& body) {
-    State().ObjLines[State().Objects[index].LastLine] = State().Texts.Keep(body, '\r');
+    State().ObjLines[State().Objects[index].LastLine] = State().Texts.Keep(body + '\r');
   }
 
   void WithoutSecondInput() {

@@ -51,69 +51,6 @@ TEST(TextPoolTest, ALongTextDoesNotEndTheBlockInUse) {
   EXPECT_EQ(after.data(), before.data() + before.size());
 }
 
-TEST(TextPoolTest, ADraftIsPutTogetherWhereItIsKept) {
-  TextPool pool;
-  static_cast<void>(pool.Keep("before"));
-  pool.BeginDraft();
-  pool.AddToDraft("one", '\r');
-  pool.AddToDraft("two");
-  pool.AddToDraft("", '\n');
-  const std::string_view draft = pool.Draft();
-  EXPECT_EQ(draft, "one\rtwo\n");
-  const std::string_view kept = pool.KeepDraft();
-  EXPECT_EQ(kept, "one\rtwo\n");
-  EXPECT_EQ(kept.data(), draft.data());
-}
-
-TEST(TextPoolTest, OfADraftItsBeginningCanBeKept) {
-  TextPool pool;
-  pool.BeginDraft();
-  pool.AddToDraft("body endobj", '\r');
-  const std::string_view kept = pool.KeepDraft(4, '\n');
-  EXPECT_EQ(kept, "body\n");
-  EXPECT_EQ(pool.Keep("next").data(), kept.data() + kept.size());
-  EXPECT_EQ(kept, "body\n");
-}
-
-TEST(TextPoolTest, ADraftThatIsNotKeptLeavesNothing) {
-  TextPool pool;
-  const std::string_view before = pool.Keep("before");
-  pool.BeginDraft();
-  pool.AddToDraft("given up");
-  EXPECT_EQ(pool.Keep("after").data(), before.data() + before.size());
-  pool.BeginDraft();
-  EXPECT_EQ(pool.Draft(), "");
-  EXPECT_EQ(pool.KeepDraft(), "");
-}
-
-TEST(TextPoolTest, ADraftOfEveryLengthIsWholeAndOtherTextsStay) {
-  for (const std::size_t lines : {1U, 655U, 656U, 1311U, 20000U}) {
-    TextPool pool;
-    const std::string_view before = pool.Keep("before");
-    std::string expected;
-    pool.BeginDraft();
-    for (std::size_t i = 0; i < lines; ++i) {
-      std::string line(99, static_cast<char>('a' + i % 26));
-      pool.AddToDraft(line, '\r');
-      expected += line + '\r';
-    }
-    EXPECT_EQ(pool.KeepDraft(), expected) << lines;
-    EXPECT_EQ(before, "before");
-    EXPECT_EQ(pool.Keep("after"), "after");
-  }
-}
-
-TEST(TextPoolTest, APieceThatJustFitsEndsTheBlock) {
-  for (const std::size_t size : {kBlock - 1, kBlock, kBlock + 1}) {
-    TextPool pool;
-    pool.BeginDraft();
-    pool.AddToDraft("x");
-    pool.AddToDraft(std::string(size - 1, 'y'));
-    pool.AddToDraft("", 'z');
-    EXPECT_EQ(pool.KeepDraft(), "x" + std::string(size - 1, 'y') + "z");
-  }
-}
-
 TEST(TextPoolTest, CanBeUsedAfterAReset) {
   TextPool pool;
   static_cast<void>(pool.Keep("before"));
