@@ -14,8 +14,8 @@ void WriteError(WindowsAPI& system, std::string_view text);
 /// The text on one line: every run of carriage returns and line feeds becomes one blank.
 [[nodiscard]] std::string OnOneLine(std::string_view text);
 
-/// The text with a "?" for everything that would make a terminal do something instead of showing it, as the
-/// name of a file may hold anything; text that is not UTF-8 keeps its ASCII characters only.
+/// The text with a "?" for every control character and every mark that turns the direction of reading: the
+/// name of a file may hold anything, and a terminal would obey. Of text that is not UTF-8 only ASCII stays.
 [[nodiscard]] std::string ShownOnTerminal(std::string text);
 
 }  // namespace folioweld

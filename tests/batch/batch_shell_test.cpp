@@ -47,8 +47,8 @@ TEST_F(BatchShellTest, NothingButMessagesIsPrintedWhereThereIsNoTerminal) {
 
 TEST_F(BatchShellTest, BytesOfAMessageStayAsTheyAreWhereThereIsNoTerminal) {
   BatchShell shell(system_, state_);
-  shell.Notice("\x1b\xFF\t");
-  EXPECT_EQ(system_.Take(), "\x1b\xFF\t\n");
+  shell.Notice("\x1b\xFF\t\u202E");
+  EXPECT_EQ(system_.Take(), "\x1b\xFF\t\u202E\n");
 }
 
 TEST_F(BatchShellTest, MessageNeverCommandsATerminal) {

@@ -82,6 +82,16 @@ TEST(ShownOnTerminal, CommandsBeyondAsciiBecomeQuestionMarks) {
             "?2J??");
 }
 
+TEST(ShownOnTerminal, MarksThatTurnTheDirectionOfReadingBecomeQuestionMarks) {
+  const std::string name = "a\u061C\u200E\u200F\u202A\u202B\u202C\u202D\u202E\u2066\u2067\u2068\u2069z";
+  EXPECT_EQ(ShownOnTerminal(name), "a????????????z");
+}
+
+TEST(ShownOnTerminal, NeighboursOfThoseMarksStay) {
+  const std::string name = "\u061B\u061D\u200D\u2010\u2029\u202F\u2065\u206A\U0001202E";
+  EXPECT_EQ(ShownOnTerminal(name), name);
+}
+
 TEST(ShownOnTerminal, TextThatIsNotUtf8KeepsItsAsciiOnly) {
   EXPECT_EQ(ShownOnTerminal("a\x9B"
                             "b\xC3\xA9"),
