@@ -5,11 +5,14 @@
     scripts/mutate.py --part 3/16    the third of sixteen parts
     scripts/mutate.py --only TEXT    the faults whose file or description holds the text
     scripts/mutate.py --check        only whether every fault still applies to the sources (what ./test does)
+    scripts/mutate.py --since main   faults that simple rules make of the lines that the commit "main" does not have:
+                                     each comparison shifted, each condition turned round, each call left out ...
 
-The sources are copied to build/mutation and built there, without optimization and with one file compiled anew for
-each fault; nothing is changed in place. The test programs of the engine, the directory merge and the failures run
-until the first red test. Exit status 0: at least 95 percent were noticed, and every other one is explained in the
-list. build/mutation/report.tsv keeps the results of every part that was run.
+With --since "" they are made of every line: two thousand. The sources are copied to build/mutation and built there,
+without optimization and with one file compiled anew for each fault; nothing is changed in place. The test programs of
+the engine, the directory merge and the failures run until the first red test. Exit status 0: at least 95 percent were
+noticed, and every other one of the list is explained there; of the faults made by rule, every one that builds was
+noticed. build/mutation/report.tsv keeps the results of every part that was run.
 """
 
 import argparse
@@ -23,12 +26,10 @@ import subprocess
 import sys
 import tempfile
 import time
-from dataclasses import dataclass
 
-ROOT = os.path.dirname(os.path.dirname(os.path.realpath(__file__)))
-LIST = os.path.join(ROOT, "scripts", "mutations.txt")
-FOLDERS = ("engine", "dirmerge")
-FEWEST_FAULTS = 60
+sys.dont_write_bytecode = True
+from mutation_faults import ROOT, generated, listed, sources  # noqa: E402
+
 WANTED_PERCENT = 95
 # A fault may keep a test from ever ending, or have it take all memory there is.
 SECONDS_BEYOND_GOOD_RUN = 30
@@ -36,60 +37,6 @@ TIMES_GOOD_RUN = 5
 MOST_MEMORY = 8 * 1024**3
 SLOW = "*BoundedWork*:*SuddenDeath*:DirectoryMergeFault*"
 KILLED, SURVIVED, BROKEN = "killed", "survived", "does not build"
-
-
-@dataclass
-class Fault:
-    file: str
-    breaks: str
-    line: int = 0
-    old: str = ""
-    new: str = ""
-    excuse: str = ""
-
-    def applied(self, text):
-        return text.replace(self.old, self.new)
-
-
-def read_list():
-    """The faults of the list; ends the program where the list itself is wrong."""
-    faults = []
-    with open(LIST, encoding="utf-8") as lines:
-        for number, line in enumerate(lines, 1):
-            line = line.rstrip("\n")
-            if not line or line.startswith("#"):
-                continue
-            mark, text = line[:2], line[2:]
-            if mark not in ("- ", "+ ", "= "):
-                file, _, breaks = line.partition(": ")
-                faults.append(Fault(file, breaks, number))
-            elif not faults:
-                sys.exit(f"{LIST}:{number}: a text without a file")
-            else:
-                setattr(faults[-1], {"-": "old", "+": "new", "=": "excuse"}[mark[0]], text.strip())
-    return faults
-
-
-def problems_of(faults):
-    """What keeps faults from being applied, in words."""
-    for fault in faults:
-        where = f"{LIST}:{fault.line}: {fault.file}: {fault.breaks}"
-        path = os.path.join(ROOT, fault.file)
-        if fault.file.split("/")[0] not in FOLDERS or not os.path.isfile(path):
-            yield f"{where}: no such file"
-            continue
-        if not fault.old or not fault.new or not fault.breaks or fault.old == fault.new:
-            yield f"{where}: incomplete"
-            continue
-        with open(path, encoding="utf-8") as file:
-            times = file.read().count(fault.old)
-        if times != 1:
-            yield f"{where}: its text stands there {times} times instead of once"
-    for folder in FOLDERS:
-        if not any(fault.file.startswith(folder + "/") for fault in faults):
-            yield f"{LIST}: no fault in {folder}/"
-    if len(faults) < FEWEST_FAULTS:
-        yield f"{LIST}: {len(faults)} faults, fewer than {FEWEST_FAULTS}"
 
 
 class Scratch:
@@ -244,11 +191,13 @@ class Report:
             for key, row in self.rows.items():
                 file.write("\t".join([*key, *row]) + "\n")
 
-    def sum_up(self, faults):
+    def sum_up(self, faults, by_rule):
         """Prints what came out; True when it is good enough."""
         rows = [(fault, self.rows[self.key(fault)]) for fault in faults if self.key(fault) in self.rows]
+        if by_rule:
+            rows = [(fault, row) for fault, row in rows if row[0] != BROKEN]
         killed = sum(row[0] == KILLED for _, row in rows)
-        bad = [(fault, row) for fault, row in rows if row[0] == BROKEN or row[0] == SURVIVED and not fault.excuse]
+        bad = [row for fault, row in rows if row[0] == BROKEN or row[0] == SURVIVED and not fault.excuse]
         print(f"{killed} of {len(rows)} faults noticed ({len(faults) - len(rows)} of the list not tried yet)")
         for fault, row in rows:
             if row[0] != KILLED:
@@ -259,6 +208,7 @@ class Report:
 def parse_options():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--check", action="store_true")
+    parser.add_argument("--since", metavar="COMMIT")
     parser.add_argument("--part", default="1/1", help="K/N: the K-th of N parts")
     parser.add_argument("--only", default="", help="part of a file name or a description")
     parser.add_argument("--folder", default=os.path.join(ROOT, "build", "mutation"), help="where to build")
@@ -268,13 +218,15 @@ def parse_options():
 
 def main():
     options = parse_options()
-    faults = read_list()
-    problems = list(problems_of(faults))
+    texts = sources()
+    faults, problems = listed(texts)
     if problems:
         sys.exit("\n".join(problems))
     if options.check:
         print(f"all {len(faults)} faults of the list apply")
         return 0
+    if options.since is not None:
+        faults = list(generated(texts, options.since))
     part, parts = map(int, options.part.split("/"))
     chosen = [f for f in faults if options.only in f.file or options.only in f.breaks]
     chosen = chosen[len(chosen) * (part - 1) // parts : len(chosen) * part // parts]
@@ -294,7 +246,7 @@ def main():
             print(f"{result}: {fault.file}: {fault.breaks} [{by}] {time.monotonic() - start:.0f} s", flush=True)
     finally:
         scratch.close()
-    return 0 if report.sum_up(faults) else 1
+    return 0 if report.sum_up(faults, options.since is not None) else 1
 
 
 if __name__ == "__main__":
