@@ -9,7 +9,6 @@
 #include "dirmerge/output_probe.h"
 #include "dirmerge/paths.h"
 #include "dirmerge/tmp_directory.h"
-#include "engine/pdf_reader.h"
 
 namespace folioweld {
 
@@ -104,7 +103,7 @@ class DirectoryJob {
   [[nodiscard]] std::string ChooseOutput() {
     if (!program_.CommandLineOutput.empty()) return program_.CommandLineOutput;
     return shell_.AskForOutputFile(
-        {"Folioweld: Choose the OUTPUT FILE", "pdf", "PDF Files (*.pdf)|*.pdf|All Files (*.*)|*.*", ""});
+        {"Folioweld: Choose the OUTPUT FILE", kDialogExtension, kDialogFilter, ""});
   }
 
   void Join(const std::string& directory, std::vector<std::string> names, const std::string& output) {

@@ -6,8 +6,7 @@
 #include <limits>
 #include <optional>
 
-#include "engine/merge_job.h"
-#include "engine/pdf_reader.h"
+#include "engine/document_check.h"
 #include "platform/retry.h"
 
 namespace folioweld {

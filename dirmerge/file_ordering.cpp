@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "engine/conversions.h"
-#include "engine/pdf_reader.h"
 #include "platform/retry.h"
 
 namespace folioweld {

@@ -5,7 +5,6 @@
 
 #include "dirmerge/directory_merge.h"
 #include "dirmerge/paths.h"
-#include "engine/pdf_reader.h"
 
 namespace folioweld {
 

@@ -1,6 +1,5 @@
 #include "engine/activity_log.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "engine/conversions.h"
@@ -58,18 +57,6 @@ std::string ActivityLog::BuildLogText() const {
   }
   if (text.size() > kTextLimit) text.erase(0, text.size() - kTextLimit);
   return text;
-}
-
-std::string ReplaceUnprintable(std::string_view text) {
-  std::string shown(text);
-  std::replace_if(
-      shown.begin(), shown.end(),
-      [](char c) {
-        const auto code = static_cast<unsigned char>(c);
-        return (code < 32 && code != '\r' && code != '\n') || (code >= 127 && code <= 159);
-      },
-      static_cast<char>(191));
-  return shown;
 }
 
 }  // namespace folioweld

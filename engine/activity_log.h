@@ -66,8 +66,4 @@ class ActivityLog {
   mutable bool logTextStale_ = false;
 };
 
-/// The text as a text box may show it: every byte below 32 other than CR and LF, and 127 to 159, becomes
-/// byte 191, so that binary bytes never disturb the box.
-[[nodiscard]] std::string ReplaceUnprintable(std::string_view text);
-
 }  // namespace folioweld

@@ -1,10 +1,9 @@
-// The acceptance test for input files.
+#include "engine/document_check.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "engine/conversions.h"
-#include "engine/merge_job.h"
-#include "engine/pass_guard.h"
 
 namespace folioweld {
 

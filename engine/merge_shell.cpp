@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "engine/merge_state.h"
+
 namespace folioweld {
 
 const std::string& MergeShell::StatusText(int line) const {
@@ -40,5 +42,11 @@ void MergeShell::ShowOutput(const std::string& /*path*/) {}
 void MergeShell::Notice(const std::string& /*line*/) {}
 
 void MergeShell::StatusTextChanged(int /*line*/) {}
+
+bool YieldAndCheckAbort(MergeShell& shell, const MergeState& state) {
+  shell.Yield();
+  shell.Yield();
+  return state.AbortRequested;
+}
 
 }  // namespace folioweld

@@ -8,8 +8,14 @@
 
 namespace folioweld {
 
+struct MergeState;
+
 /// The icon of a message box, and with it the weight of the message.
 enum class MessageIcon { Exclamation, Critical, Plain };
+
+/// The kinds of files that the open and save dialogs offer, and the extension that a name without one gets.
+inline constexpr char kDialogFilter[] = "PDF Files (*.pdf)|*.pdf|All Files (*.*)|*.*";
+inline constexpr char kDialogExtension[] = "pdf";
 
 /// A save dialog's question.
 struct OutputQuestion {
@@ -81,5 +87,9 @@ class MergeShell {
   std::array<std::string, 3> statusTexts_;
   const volatile std::sig_atomic_t* waiting_ = nullptr;
 };
+
+/// Lets pending events be handled, twice, and tells whether the user cancelled. Long loops call it once a
+/// round and end as failed when it is true.
+[[nodiscard]] bool YieldAndCheckAbort(MergeShell& shell, const MergeState& state);
 
 }  // namespace folioweld

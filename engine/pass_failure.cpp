@@ -15,6 +15,10 @@ std::string PassFailure::Sentence(const std::string& documentName) const {
   return sentence + Rule;
 }
 
+std::string OutcomeText(bool ok) {
+  return std::string("   -> ") + (ok ? "OK" : kFailedOrCancelled);
+}
+
 RuleBroken::RuleBroken(PassFailure failure)
     : std::runtime_error(failure.Rule), failure_(std::move(failure)) {}
 

@@ -33,4 +33,10 @@ class RuleBroken : public std::runtime_error {
 /// The words of a cancel, wherever it is seen.
 inline constexpr char kCancelled[] = "cancelled";
 
+/// How a status line tells that a pass failed.
+inline constexpr char kFailedOrCancelled[] = "FAILED or cancelled";
+
+/// What ends a pass on its status line, without a line end.
+[[nodiscard]] std::string OutcomeText(bool ok);
+
 }  // namespace folioweld

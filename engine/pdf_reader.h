@@ -10,10 +10,6 @@
 
 namespace folioweld {
 
-/// Lets pending events be handled, twice, and tells whether the user cancelled. Long loops call it once a
-/// round and end as failed when it is true.
-[[nodiscard]] bool YieldAndCheckAbort(MergeShell& shell, const MergeState& state);
-
 /// The program's own ceiling on object numbers per document.
 inline constexpr std::int32_t kMostObjects = 350000;
 

@@ -109,7 +109,7 @@ bool PdfBuilder::BuildOutputPasses1And2() {
                                  (count > 1 ? "s" : "") + " has been found\r\n" +
                                  "Pass #2 for output file: compute new object numbers");
   const bool renumbered = RunGuarded(state_, 2, [&] { return RenumberSecondInput(); });
-  shell_.AppendStatusText(2, std::string("   -> ") + (renumbered ? "OK" : "FAILED or cancelled") + "\r\n");
+  shell_.AppendStatusText(2, OutcomeText(renumbered) + "\r\n");
   return renumbered;
 }
 

@@ -219,12 +219,6 @@ class SectionReading {
 
 }  // namespace
 
-bool YieldAndCheckAbort(MergeShell& shell, const MergeState& state) {
-  shell.Yield();
-  shell.Yield();
-  return state.AbortRequested;
-}
-
 PdfReader::PdfReader(MergeState& state, FileModule& files, MergeShell& shell)
     : state_(state), files_(files), shell_(shell) {}
 

@@ -4,7 +4,9 @@
 #include <QStringDecoder>
 #include <QStringList>
 #include <algorithm>
-#include <cstdint>
+#include <string>
+
+#include "engine/shortened_path.h"
 
 namespace folioweld {
 
@@ -55,16 +57,9 @@ QString ShownText(std::string_view bytes) {
 }
 
 QString ShownPath(std::string_view path, int mostCharacters) {
-  QList<uint> codes = ShownText(path).toUcs4();
-  for (uint& code : codes) {
-    if (IsControl(code)) code = kReplacement;
-  }
-  const auto text = [](const QList<uint>& part) {
-    return QString::fromUcs4(reinterpret_cast<const char32_t*>(part.constData()), part.size());
-  };
-  if (codes.size() <= mostCharacters) return text(codes);
-  const qsizetype end = (mostCharacters - 5) / 2;
-  return text(codes.first(end)) + QStringLiteral(" ... ") + text(codes.last(end));
+  std::u32string codes = ShownText(path).toStdU32String();
+  std::replace_if(codes.begin(), codes.end(), IsControl, char32_t{kReplacement});
+  return QString::fromStdU32String(ShortenPath(codes, mostCharacters));
 }
 
 QString ShownLogLine(std::string_view line) {

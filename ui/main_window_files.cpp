@@ -10,8 +10,6 @@ namespace folioweld {
 namespace {
 
 constexpr char kTitle[] = "Folioweld";
-constexpr char kExtension[] = "pdf";
-constexpr char kFilter[] = "PDF Files (*.pdf)|*.pdf|All Files (*.*)|*.*";
 
 std::string Quoted(const std::string& name) {
   return "\"" + name + "\"";
@@ -37,8 +35,8 @@ void Folioweld::cmdInput2_Click() {
 
 void Folioweld::ChooseInput(int slot, const std::string& ordinal) {
   if (Busy()) return;
-  const std::string name = dialogs_.AskOpenFile(
-      {"Folioweld - Please choose " + ordinal + " input file", kExtension, kFilter, FileName(slot)});
+  const std::string name = dialogs_.AskOpenFile({"Folioweld - Please choose " + ordinal + " input file",
+                                                 kDialogExtension, kDialogFilter, FileName(slot)});
   if (!name.empty()) {
     if (IsThisDocumentApdf(files_, name)) {
       SetFileName(slot, name);
@@ -51,8 +49,8 @@ void Folioweld::ChooseInput(int slot, const std::string& ordinal) {
 
 void Folioweld::cmdOutput_Click() {
   if (Busy()) return;
-  const std::string name =
-      ChooseOutputFile({"Folioweld - Please choose output file", kExtension, kFilter, FileName(3)});
+  const std::string name = ChooseOutputFile(
+      {"Folioweld - Please choose output file", kDialogExtension, kDialogFilter, FileName(3)});
   if (!name.empty()) TakeOutput(name);
   RefreshControls();
 }

@@ -1,6 +1,6 @@
 // What the controls show and which of them are enabled: idle, while a job runs, while a viewer is watched.
 
-#include "engine/merge_job.h"
+#include "engine/shortened_path.h"
 #include "ui/file_names.h"
 #include "ui/main_window.h"
 

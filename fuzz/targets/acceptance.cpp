@@ -1,6 +1,6 @@
 // The acceptance test on any bytes.
 
-#include "engine/merge_job.h"
+#include "engine/document_check.h"
 #include "fuzz/numbered_document.h"
 #include "tests/support/memory_system.h"
 

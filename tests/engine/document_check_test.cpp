@@ -1,5 +1,7 @@
 // The acceptance test for input files.
 
+#include "engine/document_check.h"
+
 #include <cerrno>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -7,7 +9,6 @@
 #include <string>
 #include <sys/stat.h>
 
-#include "engine/merge_job.h"
 #include "tests/engine/file_fixture.h"
 #include "tests/support/document_builder.h"
 

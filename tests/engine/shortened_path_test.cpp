@@ -1,13 +1,13 @@
-#include <gtest/gtest.h>
+#include "engine/shortened_path.h"
 
-#include "engine/merge_job.h"
+#include <gtest/gtest.h>
 
 namespace folioweld {
 namespace {
 
 TEST(ShortenPathTest, LeavesAPathAloneThatFits) {
-  EXPECT_EQ(ShortenPath("", 116), "");
-  EXPECT_EQ(ShortenPath("/a/b.pdf", 116), "/a/b.pdf");
+  EXPECT_EQ(ShortenPath<char>("", 116), "");
+  EXPECT_EQ(ShortenPath<char>("/a/b.pdf", 116), "/a/b.pdf");
   EXPECT_EQ(ShortenPath(std::string(116, 'x'), 116), std::string(116, 'x'));
 }
 
@@ -22,13 +22,13 @@ TEST(ShortenPathTest, ShortensFromOneCharacterTooMany) {
 }
 
 TEST(ShortenPathTest, RoundsTheHalvesDown) {
-  EXPECT_EQ(ShortenPath("abcdefghijklm", 12), "abc ... klm");
-  EXPECT_EQ(ShortenPath("abcdefghijklm", 11), "abc ... klm");
-  EXPECT_EQ(ShortenPath("abcdefghijklm", 10), "ab ... lm");
+  EXPECT_EQ(ShortenPath<char>("abcdefghijklm", 12), "abc ... klm");
+  EXPECT_EQ(ShortenPath<char>("abcdefghijklm", 11), "abc ... klm");
+  EXPECT_EQ(ShortenPath<char>("abcdefghijklm", 10), "ab ... lm");
 }
 
 TEST(ShortenPathTest, TheShortestRoomLeavesOnlyTheDots) {
-  EXPECT_EQ(ShortenPath("abcdef", 5), " ... ");
+  EXPECT_EQ(ShortenPath<char>("abcdef", 5), " ... ");
 }
 
 }  // namespace

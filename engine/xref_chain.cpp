@@ -1,21 +1,15 @@
-// The reading phase of MergeJob.
+#include "engine/xref_chain.h"
 
 #include <algorithm>
 #include <iterator>
 #include <map>
+#include <string>
 #include <utility>
-
-#include "engine/merge_job.h"
-#include "engine/pass_guard.h"
 
 namespace folioweld {
 
 namespace {
 
-constexpr char kOk[] = "OK";
-constexpr char kFailed[] = "FAILED or cancelled";
-
-/// Follows one document's chain of sections; a broken rule is raised.
 class ChainWalk {
  public:
   ChainWalk(MergeState& state, MergeShell& shell, PdfReader& reader, std::int16_t slot)
@@ -126,46 +120,8 @@ class ChainWalk {
 
 }  // namespace
 
-void MergeJob::ReadXrefChain(std::int16_t slot, bool& ok) {
-  ok = RunGuarded(state_, slot, [&] {
-    ChainWalk(state_, shell_, reader_, slot).Run();
-    return true;
-  });
-}
-
-void MergeJob::ReadOneInput(std::int16_t slot, bool& ok) {
-  ok = false;
-  if ((slot != 1 && slot != 2) || !state_.DocUsed(slot)) return;
-  const int line = slot - 1;
-  const std::string label = "Parsing file #" + std::to_string(slot) + ": ";
-  const auto room = static_cast<std::int16_t>(kLongestShownPath - static_cast<std::int16_t>(label.size()));
-  shell_.SetStatusText(line, label + ShortenPath(state_.DocFileName(slot), room) +
-                                 "\r\nPass #1 (getting general document structure):    \r\n");
-  state_.DictDepth = 0;
-  ReadXrefChain(slot, ok);
-  shell_.AppendStatusText(line, std::string("   -> ") + (ok ? kOk : kFailed));
-  if (!ok) return;
-  shell_.AppendStatusText(line, "\r\nPass #2 (getting description of the objects):\r\n+");
-  state_.DictDepth = 0;
-  ok = reader_.ScanObjects(slot);
-  shell_.AppendStatusText(line, std::string("   -> ") + (ok ? kOk : kFailed));
-}
-
-void MergeJob::ReadInputs(bool& ok) {
-  ok = false;
-  ResetMergeState(state_);
-  if (state_.DocUsed(1)) ReadOneInput(1, ok);
-  if (ok && state_.DocUsed(2)) ReadOneInput(2, ok);
-  const bool counted = RunGuarded(state_, 0, [&] {
-    state_.ObjectsInDoc1 = state_.DocObjectCount(1);
-    state_.ObjectsInDoc2 = state_.DocObjectCount(2);
-    state_.ObjectsTotal = CheckedAdd(state_.ObjectsInDoc1, state_.ObjectsInDoc2);
-    if (ok && state_.Objects.UpperBound() != state_.ObjectsTotal - 1) {
-      throw RuleBroken({0, -1, -1, "the object table does not cover the objects of both inputs"});
-    }
-    return true;
-  });
-  ok = ok && counted;
+void WalkXrefChain(MergeState& state, MergeShell& shell, PdfReader& reader, std::int16_t slot) {
+  ChainWalk(state, shell, reader, slot).Run();
 }
 
 }  // namespace folioweld
