@@ -2,29 +2,13 @@
 
 #include "batch/batch_shell.h"
 #include "dirmerge/command_line.h"
-#include "dirmerge/file_ordering.h"
+#include "dirmerge/directory_merge.h"
+#include "dirmerge/start_settings.h"
 #include "engine/activity_log.h"
 #include "engine/file_module.h"
 #include "engine/settings_store.h"
 
 namespace folioweld {
-
-ExitStatus StatusOf(const DirectoryMergeReport& report) {
-  if (!report.OutputWritten) return kNoOutput;
-  return report.Complete() ? kEverythingJoined : kJoinedWithLosses;
-}
-
-void ReadStartSettings(ProgramState& program, SettingsStore& settings) {
-  std::string value;
-  static_cast<void>(settings.ReadSettingOrDefault("MenuSort", value, "1"));
-  program.SortOrder = SortOrderFromSetting(value);
-  StoreSortOrder(settings, program.SortOrder);
-  static_cast<void>(settings.ReadSettingOrDefault("MenuShowLogWindow", value, "1"));
-  program.Merge.LogEnabled = value == "1";
-  static_cast<void>(settings.WriteSetting("MenuShowLogWindow", program.Merge.LogEnabled ? "1" : "0"));
-  static_cast<void>(settings.ReadSettingOrDefault("DisplayOutputAfterMerge", value, "1"));
-  program.Merge.ShowOutputAfterMerge = value == "1";
-}
 
 ExitStatus RunBatch(WindowsAPI& system, const std::string& commandLine) {
   ProgramState program;
@@ -38,7 +22,7 @@ ExitStatus RunBatch(WindowsAPI& system, const std::string& commandLine) {
   SettingsStore settings(system);
   ReadStartSettings(program, settings);
   DirectoryMerge merge(program, files, settings, shell, log);
-  if (program.Merge.LogEnabled) log.AddLogLine("[Folioweld-Form_Activate]=> Command line: " + commandLine);
+  LogCommandLine(program, log);
   const CommandLineOutcome outcome = ProcessCommandLine(program, files, settings, merge);
   if (outcome == CommandLineOutcome::Done) return StatusOf(merge.Report());
   shell.ShowMessage(MessageIcon::Exclamation, "Folioweld",

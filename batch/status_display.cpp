@@ -12,7 +12,7 @@ namespace {
 constexpr int kLines = 3;
 constexpr std::int64_t kMillisecondsBetween = 50;
 
-/// At most `columns` columns of the line: its end, where the progress is, behind the beginning.
+/// At most `columns` columns of the line: its beginning, "..." and its end, where the progress is.
 std::string Fitted(const std::string& line, std::size_t columns) {
   std::string shown = ShownOnTerminal(line);
   if (shown.size() <= columns) return shown;

@@ -39,6 +39,11 @@ bool IsBatchCommandLine(const std::string& commandLine) {
   return bar != std::string::npos && bar > 0;
 }
 
+void LogCommandLine(const ProgramState& program, ActivityLog& log) {
+  if (!program.Merge.LogEnabled) return;
+  log.AddLogLine("[Folioweld-Form_Activate]=> Command line: " + program.CommandLine);
+}
+
 CommandLineOutcome ProcessCommandLine(ProgramState& program, FileModule& files, SettingsStore& settings,
                                       DirectoryMerge& merge) {
   program.CommandLineOutput.clear();

@@ -5,6 +5,7 @@
 
 #include "dirmerge/directory_merge.h"
 #include "dirmerge/program_state.h"
+#include "engine/activity_log.h"
 #include "engine/file_module.h"
 #include "engine/settings_store.h"
 
@@ -26,6 +27,9 @@ enum class CommandLineOutcome {
   FolderNotReached,  ///< the folder cannot be entered; the first place keeps its text
   Done               ///< a directory merge was run; the program ends
 };
+
+/// The log's first line of a run, when the log is on.
+void LogCommandLine(const ProgramState& program, ActivityLog& log);
 
 /// Runs `ProgramState::CommandLine` when it has the form "output|folder". Relative parts are taken from the
 /// current folder. The folder is stored as "MergeCurDir". Whenever it is not Done, `CommandLineOutput` and

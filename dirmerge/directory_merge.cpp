@@ -4,6 +4,7 @@
 #include <exception>
 #include <utility>
 
+#include "dirmerge/document_list.h"
 #include "dirmerge/file_ordering.h"
 #include "dirmerge/merge_rounds.h"
 #include "dirmerge/output_probe.h"
@@ -154,11 +155,6 @@ class DirectoryJob {
 
 }  // namespace
 
-bool DirectoryMergeReport::Complete() const {
-  return OutputWritten && FailedMerges == 0 && RefusedDocuments.empty() && EncryptedDocuments.empty() &&
-         MissingDocuments.empty();
-}
-
 DirectoryMerge::DirectoryMerge(ProgramState& program, FileModule& files, SettingsStore& settings,
                                MergeShell& shell, ActivityLog& log)
     : program_(program), files_(files), settings_(settings), shell_(shell), log_(log) {}
@@ -166,7 +162,7 @@ DirectoryMerge::DirectoryMerge(ProgramState& program, FileModule& files, Setting
 void DirectoryMerge::MenuPdfMergeDir_Click() {
   report_ = {};
   if (program_.Merge.LogEnabled) {
-    log_.AddLogLine(std::string("[Folioweld-MenuPdfMergeDir_Click]") + "=>");
+    log_.AddLogLine("[Folioweld-MenuPdfMergeDir_Click]=>");
   }
   WindowsAPI& system = files_.System();
   const CurrentDirectoryKeeper keeper(system);

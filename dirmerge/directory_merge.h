@@ -1,32 +1,15 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
-#include <vector>
 
-#include "dirmerge/document_list.h"
+#include "dirmerge/directory_merge_report.h"
 #include "dirmerge/program_state.h"
-#include "dirmerge/temporary_files.h"
 #include "engine/activity_log.h"
 #include "engine/file_module.h"
-#include "engine/merge_job.h"
 #include "engine/merge_shell.h"
 #include "engine/settings_store.h"
 
 namespace folioweld {
-
-/// What came of a directory merge; names are without the folder.
-struct DirectoryMergeReport {
-  bool OutputWritten = false;
-  bool Cancelled = false;
-  int FailedMerges = 0;
-  std::vector<std::string> RefusedDocuments;
-  std::vector<std::string> EncryptedDocuments;
-  std::vector<std::string> MissingDocuments;  ///< accepted, but not in the output that was written
-
-  /// The output was written and every document of the folder is in it, readable.
-  [[nodiscard]] bool Complete() const;
-};
 
 /// Joins every acceptable document of a folder by running the two-document merge in rounds, two files at a
 /// time, through temporary files. Everything given is owned by the caller and has to outlive this.
@@ -35,8 +18,9 @@ class DirectoryMerge {
   DirectoryMerge(ProgramState& program, FileModule& files, SettingsStore& settings, MergeShell& shell,
                  ActivityLog& log);
 
-  /// The menu's entry: takes `CommandLineDirectory` or asks for the folder, stores it as "MergeCurDir" and
-  /// runs the job. The current folder is afterwards what it was before.
+  /// What the menu's entry, a dropped folder and a command line do, hence the name: takes
+  /// `CommandLineDirectory` or asks for the folder, stores it as "MergeCurDir" and runs the job. The current
+  /// folder is afterwards what it was before.
   void MenuPdfMergeDir_Click();
 
   /// The job, for a full path that ends in a separator. A cancel is never lost, and every way out leaves the

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "dirmerge/directory_merge.h"
 #include "dirmerge/paths.h"
 
 namespace folioweld {

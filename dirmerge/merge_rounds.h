@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "dirmerge/directory_merge_report.h"
 #include "dirmerge/program_state.h"
 #include "dirmerge/temporary_files.h"
 #include "engine/activity_log.h"
@@ -12,8 +13,6 @@
 #include "engine/merge_shell.h"
 
 namespace folioweld {
-
-struct DirectoryMergeReport;
 
 /// Joins ordered files pairwise, round after round, until one is left. With 5 files a to e: a+b to temporary
 /// 0, c+d to temporary 1, e carried as entry 2; then 0+1 to temporary 3, e carried as entry 4; then 3+e to

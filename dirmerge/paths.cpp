@@ -50,10 +50,10 @@ void SplitPath(const std::string& fullName, std::string& fileName, std::string& 
     folder.clear();
     return;
   }
-  // Both parts are taken first: an output may be the input.
-  std::string behind = fullName.substr(separator + 1);
+  // Either output may be the very text that is split, so both parts are taken first.
+  std::string after = fullName.substr(separator + 1);
   folder = fullName.substr(0, separator);
-  fileName = std::move(behind);
+  fileName = std::move(after);
 }
 
 std::string FullPath(WindowsAPI& system, const std::string& path) {

@@ -10,7 +10,7 @@ namespace folioweld {
 /// The system's own separator.
 inline constexpr char PathSeparator = '/';
 
-/// Splits at the last separator: the name behind it, and the folder before it without the separator. A name
+/// Splits at the last separator: the name after it, and the folder before it without the separator. A name
 /// without a separator has an empty folder.
 void SplitPath(const std::string& fullName, std::string& fileName, std::string& folder);
 

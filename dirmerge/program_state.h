@@ -19,7 +19,7 @@ struct ProgramState {
 
   std::string CommandLine;           ///< as given at the start
   std::string CommandLineOutput;     ///< what stands before the first "|", as a full path
-  std::string CommandLineDirectory;  ///< what stands behind it
+  std::string CommandLineDirectory;  ///< what stands after it
 };
 
 }  // namespace folioweld

@@ -31,9 +31,6 @@ class TemporaryFiles {
   [[nodiscard]] const std::string& Name(int index) const {
     return names_.at(static_cast<std::size_t>(index));
   }
-  [[nodiscard]] const std::string& CreatedName(int index) const {
-    return created_.at(static_cast<std::size_t>(index));
-  }
   /// Forgets a carried input again.
   void ResetToCreated(int index);
 

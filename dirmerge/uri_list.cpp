@@ -36,7 +36,7 @@ int HexValue(char c) {
   return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
-/// A "%" without two digits behind it stands for itself: not everybody encodes what they should.
+/// A "%" without two digits after it stands for itself: not everybody encodes what they should.
 std::string PercentDecoded(std::string_view text) {
   std::string decoded;
   decoded.reserve(text.size());

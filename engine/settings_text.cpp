@@ -64,7 +64,7 @@ int HexValue(char c) {
   return -1;
 }
 
-/// Reads the escape behind a backslash and returns how many characters it takes; 0 when it is none.
+/// Reads the escape after a backslash and returns how many characters it takes; 0 when it is none.
 std::size_t TakeEscape(std::string_view text, std::string& value) {
   if (text.empty()) return 0;
   switch (text[0]) {

@@ -11,7 +11,7 @@
 #include <QSocketNotifier>
 #include <utility>
 
-#include "dirmerge/file_ordering.h"
+#include "dirmerge/start_settings.h"
 #include "ui/file_names.h"
 
 namespace folioweld {
@@ -191,14 +191,9 @@ void Folioweld::Form_Load() {
   // Placed before the log window, which takes its place from it.
   CentreOnScreen();
   setWindowTitle(QString::fromLatin1(kTitle));
-  std::string value;
-  static_cast<void>(settings_.ReadSettingOrDefault("MenuSort", value, "1"));
-  SetSortOrder(SortOrderFromSetting(value));
-  static_cast<void>(settings_.ReadSettingOrDefault("MenuShowLogWindow", value, "1"));
-  merge.LogEnabled = value == "1";
+  ReadStartSettings(program_, settings_);
+  UpdateSortMenu();
   ApplyLogWindowOption();
-  static_cast<void>(settings_.ReadSettingOrDefault("DisplayOutputAfterMerge", value, "1"));
-  merge.ShowOutputAfterMerge = value == "1";
   menus_.MenuOptViewYes->setChecked(merge.ShowOutputAfterMerge);
   menus_.MenuOptViewNo->setChecked(!merge.ShowOutputAfterMerge);
   merge.SilentMode = false;
@@ -221,9 +216,7 @@ void Folioweld::Form_Activate() {
   CentreOnScreen();
   logWindow_.ClearLogScreen();
   program_.Merge.MergeStatus = 2;
-  if (program_.Merge.LogEnabled) {
-    log_.AddLogLine("[Folioweld-Form_Activate]=> Command line: " + program_.CommandLine);
-  }
+  LogCommandLine(program_, log_);
   RunCommandLine();
   if (ending_) return;
   RefreshControls();

@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "batch/batch_run.h"
 #include "dirmerge/command_line.h"
 #include "dirmerge/directory_merge.h"
 #include "dirmerge/program_state.h"

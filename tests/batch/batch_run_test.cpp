@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 #include <string>
 
-#include "dirmerge/program_state.h"
 #include "engine/settings_store.h"
 #include "tests/batch/screen_system.h"
 #include "tests/support/document_builder.h"
@@ -22,39 +21,6 @@ using testing::FaultingSystem;
 using testing::ScreenSystem;
 using testing::SimpleDocument;
 using testing::TempFolder;
-
-DirectoryMergeReport WrittenReport() {
-  DirectoryMergeReport report;
-  report.OutputWritten = true;
-  return report;
-}
-
-TEST(StatusOf, IsZeroWhenEveryDocumentIsInTheOutput) {
-  EXPECT_EQ(StatusOf(WrittenReport()), 0);
-}
-
-TEST(StatusOf, IsOneWithoutAnOutputWhateverElseHappened) {
-  EXPECT_EQ(StatusOf({}), 1);
-  DirectoryMergeReport report;
-  report.FailedMerges = 1;
-  report.RefusedDocuments = {"a"};
-  EXPECT_EQ(StatusOf(report), 1);
-}
-
-TEST(StatusOf, IsThreeForEveryKindOfLoss) {
-  DirectoryMergeReport failed = WrittenReport();
-  failed.FailedMerges = 1;
-  EXPECT_EQ(StatusOf(failed), 3);
-  DirectoryMergeReport refused = WrittenReport();
-  refused.RefusedDocuments = {"a"};
-  EXPECT_EQ(StatusOf(refused), 3);
-  DirectoryMergeReport encrypted = WrittenReport();
-  encrypted.EncryptedDocuments = {"a"};
-  EXPECT_EQ(StatusOf(encrypted), 3);
-  DirectoryMergeReport missing = WrittenReport();
-  missing.MissingDocuments = {"a"};
-  EXPECT_EQ(StatusOf(missing), 3);
-}
 
 class BatchRun : public ::testing::Test {
  protected:
@@ -74,48 +40,6 @@ class BatchRun : public ::testing::Test {
   TempFolder folder_;
   ScreenSystem system_;
 };
-
-TEST_F(BatchRun, DefaultsAreWrittenAtTheFirstStart) {
-  ProgramState program;
-  SettingsStore settings(system_);
-  ReadStartSettings(program, settings);
-  EXPECT_EQ(program.SortOrder, 1);
-  EXPECT_TRUE(program.Merge.LogEnabled);
-  EXPECT_TRUE(program.Merge.ShowOutputAfterMerge);
-  EXPECT_EQ(Setting("MenuSort"), "1");
-  EXPECT_EQ(Setting("MenuShowLogWindow"), "1");
-  EXPECT_EQ(Setting("DisplayOutputAfterMerge"), "1");
-}
-
-TEST_F(BatchRun, StoredChoicesHold) {
-  Store("MenuSort", "-2");
-  Store("MenuShowLogWindow", "0");
-  Store("DisplayOutputAfterMerge", "0");
-  ProgramState program;
-  SettingsStore settings(system_);
-  ReadStartSettings(program, settings);
-  EXPECT_EQ(program.SortOrder, -2);
-  EXPECT_FALSE(program.Merge.LogEnabled);
-  EXPECT_FALSE(program.Merge.ShowOutputAfterMerge);
-  EXPECT_EQ(Setting("MenuSort"), "-2");
-  EXPECT_EQ(Setting("MenuShowLogWindow"), "0");
-  EXPECT_EQ(Setting("DisplayOutputAfterMerge"), "0");
-}
-
-TEST_F(BatchRun, UnknownChoicesBecomeOnesThatExist) {
-  Store("MenuSort", "abc");
-  Store("MenuShowLogWindow", "yes");
-  Store("DisplayOutputAfterMerge", "yes");
-  ProgramState program;
-  SettingsStore settings(system_);
-  ReadStartSettings(program, settings);
-  EXPECT_EQ(program.SortOrder, 1);
-  EXPECT_FALSE(program.Merge.LogEnabled);
-  EXPECT_FALSE(program.Merge.ShowOutputAfterMerge);
-  EXPECT_EQ(Setting("MenuSort"), "1");
-  EXPECT_EQ(Setting("MenuShowLogWindow"), "0");
-  EXPECT_EQ(Setting("DisplayOutputAfterMerge"), "yes") << "only read at the start";
-}
 
 TEST_F(BatchRun, CatchesTheStopSignalsAndJoins) {
   folder_.Write("docs/a", SimpleDocument(1));

@@ -84,7 +84,6 @@ TEST_F(TemporaryFilesTest, CreatedFilesAreDeletedInTheOrderOfTheirIndexAtTheEnd)
     temporaries.SetCreated(1, a);
     temporaries.SetCreated(0, b);
     EXPECT_EQ(temporaries.Name(1), a);
-    EXPECT_EQ(temporaries.CreatedName(1), a);
   }
   EXPECT_EQ(killed_, (std::vector<std::string>{b, a}));
   EXPECT_TRUE(folder_.Names().empty());
@@ -97,7 +96,6 @@ TEST_F(TemporaryFilesTest, CarriedInputIsNeverDeleted) {
     ASSERT_TRUE(temporaries.Grow(0));
     temporaries.SetCarried(0, input);
     EXPECT_EQ(temporaries.Name(0), input);
-    EXPECT_EQ(temporaries.CreatedName(0), "");
   }
   EXPECT_TRUE(killed_.empty());
   EXPECT_EQ(ReadFile(input), "mine");

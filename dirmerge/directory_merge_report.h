@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace folioweld {
+
+/// What came of a directory merge; names are without the folder.
+struct DirectoryMergeReport {
+  bool OutputWritten = false;
+  bool Cancelled = false;
+  int FailedMerges = 0;
+  std::vector<std::string> RefusedDocuments;
+  std::vector<std::string> EncryptedDocuments;
+  std::vector<std::string> MissingDocuments;  ///< accepted, but not in the output that was written
+
+  /// The output was written and every document of the folder is in it, readable.
+  [[nodiscard]] bool Complete() const;
+};
+
+/// How a program of this project ends.
+enum ExitStatus {
+  kEverythingJoined = 0,  ///< every document of the folder is in the output
+  kNoOutput = 1,
+  kNotServed = 2,        ///< the command line cannot be served here
+  kJoinedWithLosses = 3  ///< the output was written, but a document was refused, is missing or not readable
+};
+
+/// The status that a directory merge ends with.
+[[nodiscard]] ExitStatus StatusOf(const DirectoryMergeReport& report);
+
+}  // namespace folioweld
