@@ -34,7 +34,7 @@ namespace folioweld {
 /// Busy means that a job or a directory merge runs or a viewer is watched. Then every control that changes a
 /// file name or starts something is disabled and its handler does nothing; "Cancel", the options, the log and
 /// the About boxes go on working.
-class Folioweld : public QMainWindow {
+class Folioweld : public QMainWindow, private JobWindow {
   Q_OBJECT
 
  public:
@@ -64,13 +64,17 @@ class Folioweld : public QMainWindow {
   void PictToggle_Click();
   void PictToggle_MouseDown();
   void PictToggle_MouseUp();
+  /// "Go", unless something runs already. The job itself is `MergeJob::cmdOK_Click`, which a folder's merge
+  /// runs without a button.
   void cmdOK_Click();
   void cmdCancel_Click();
   void ResetSlots();
-  void RefreshControls();
+  void RefreshControls() override;
   void ShowSlotFileName(int index);
 
   // The menus.
+  /// The item, unless something runs already. What it does is `DirectoryMerge::MenuPdfMergeDir_Click`, which
+  /// a command line and a dropped folder run too.
   void MenuPdfMergeDir_Click();
   void MenuFilExit_Click();
   void MenuSortLexical_Click();
@@ -93,31 +97,7 @@ class Folioweld : public QMainWindow {
   /// What was dropped on place 0, 1 or 2, or, with any other index, beside the places.
   void ProcessOLEDragDrop(int index, const std::vector<std::string>& files);
 
-  // What a job shows and asks; called by the shell.
-  [[nodiscard]] bool Busy() const { return program_.Merge.JobRunning || program_.ExternalBusy; }
-  void BeginJob();
-  void EnterRunningState();
-  void LeaveRunningState();
-  void ShowStatusText(int line, const std::string& text);
-  void ShowOutput(const std::string& path);
-  [[nodiscard]] Dialogs& Ask() { return dialogs_; }
-  /// The save dialog with everything that belongs to it: the default extension, and the question whether a
-  /// name that the dialog did not ask about may be overwritten. Empty when the user cancelled.
-  [[nodiscard]] std::string ChooseOutputFile(FileRequest request);
-
-  /// Takes the running look away while a dialog of the job is open.
-  class RunningLookLifted {
-   public:
-    explicit RunningLookLifted(Folioweld& window);
-    RunningLookLifted(const RunningLookLifted&) = delete;
-    RunningLookLifted& operator=(const RunningLookLifted&) = delete;
-    ~RunningLookLifted();
-
-   private:
-    Folioweld& window_;
-    const bool lifted_;
-  };
-
+  [[nodiscard]] bool Busy() const override { return program_.Merge.JobRunning || program_.ExternalBusy; }
   [[nodiscard]] bool WasActivated() const { return activated_; }
   [[nodiscard]] ProgramState& Program() { return program_; }
   [[nodiscard]] ActivityLog& Log() { return log_; }
@@ -149,9 +129,22 @@ class Folioweld : public QMainWindow {
   void RunCommandLine();
   void CatchSystemEnd();
 
+  // What a job shows and asks.
+  void DisableInputPicking() override;
+  void EnterRunningState() override;
+  void LeaveRunningState() override;
+  void ShowStatusText(int line, const std::string& text) override;
+  void ShowOutput(const std::string& path) override;
+  void ShowMessage(const BoxRequest& request) override;
+  std::string AskForOutputFile(const FileRequest& request) override;
+  std::string BrowseForFolder(const FolderRequest& request) override;
+
   std::string& FileName(int slot) { return program_.Merge.DocFileName(slot); }
   void ChooseInput(int slot, const std::string& ordinal);
   [[nodiscard]] bool IsInputFile(const std::string& name);
+  /// The save dialog with everything that belongs to it: the default extension, and the question whether a
+  /// name that the dialog did not ask about may be overwritten. Empty when the user cancelled.
+  [[nodiscard]] std::string ChooseOutputFile(FileRequest request);
   [[nodiscard]] bool MayReplace(const std::string& name);
   void TakeOutput(const std::string& name);
   void Refuse(const std::string& text);
@@ -162,6 +155,7 @@ class Folioweld : public QMainWindow {
   void DisableFileControls();
   void SetDefaultButton(CaptionButton* button);
   void ShowRunningLook(bool running);
+  class RunningLookLifted;
   void EnterViewerMode();
 
   void DropFolder(const std::string& folder);

@@ -105,7 +105,7 @@ void Folioweld::cmdOK_Click() {
   FinishIfEnding();
 }
 
-void Folioweld::BeginJob() {
+void Folioweld::DisableInputPicking() {
   statusKept_ = true;
   DisableFileControls();
 }
@@ -139,13 +139,36 @@ void Folioweld::ShowRunningLook(bool running) {
   DisableFileControls();
 }
 
-Folioweld::RunningLookLifted::RunningLookLifted(Folioweld& window)
-    : window_(window), lifted_(window.runningLook_) {
-  if (lifted_) window_.ShowRunningLook(false);
+/// Takes the running look away while a question of the job is open.
+class Folioweld::RunningLookLifted {
+ public:
+  explicit RunningLookLifted(Folioweld& window) : window_(window), lifted_(window.runningLook_) {
+    if (lifted_) window_.ShowRunningLook(false);
+  }
+  RunningLookLifted(const RunningLookLifted&) = delete;
+  RunningLookLifted& operator=(const RunningLookLifted&) = delete;
+  ~RunningLookLifted() {
+    if (lifted_) window_.ShowRunningLook(true);
+  }
+
+ private:
+  Folioweld& window_;
+  const bool lifted_;
+};
+
+void Folioweld::ShowMessage(const BoxRequest& request) {
+  const RunningLookLifted lifted(*this);
+  dialogs_.ShowBox(request);
 }
 
-Folioweld::RunningLookLifted::~RunningLookLifted() {
-  if (lifted_) window_.ShowRunningLook(true);
+std::string Folioweld::AskForOutputFile(const FileRequest& request) {
+  const RunningLookLifted lifted(*this);
+  return ChooseOutputFile(request);
+}
+
+std::string Folioweld::BrowseForFolder(const FolderRequest& request) {
+  const RunningLookLifted lifted(*this);
+  return dialogs_.AskFolder(request);
 }
 
 void Folioweld::ShowOutput(const std::string& path) {

@@ -3,8 +3,6 @@
 #include <QCoreApplication>
 #include <QTimer>
 
-#include "ui/main_window.h"
-
 namespace folioweld {
 
 namespace {
@@ -53,7 +51,7 @@ void WindowShell::RefreshControls() {
 }
 
 void WindowShell::DisableInputPicking() {
-  window_.BeginJob();
+  window_.DisableInputPicking();
 }
 
 void WindowShell::EnterRunningState() {
@@ -66,19 +64,16 @@ void WindowShell::LeaveRunningState() {
 }
 
 void WindowShell::ShowMessage(MessageIcon icon, const std::string& title, const std::string& text) {
-  const Folioweld::RunningLookLifted lifted(window_);
-  window_.Ask().ShowBox({BoxIconOf(icon), title, text});
+  window_.ShowMessage({BoxIconOf(icon), title, text});
 }
 
 std::string WindowShell::AskForOutputFile(const OutputQuestion& question) {
-  const Folioweld::RunningLookLifted lifted(window_);
-  return window_.ChooseOutputFile(
+  return window_.AskForOutputFile(
       {question.Title, question.DefaultExtension, question.Filter, question.InitialName});
 }
 
 std::string WindowShell::BrowseForFolder(const std::string& title, const std::string& initialFolder) {
-  const Folioweld::RunningLookLifted lifted(window_);
-  return window_.Ask().AskFolder({title, initialFolder});
+  return window_.BrowseForFolder({title, initialFolder});
 }
 
 void WindowShell::ShowOutput(const std::string& path) {

@@ -5,16 +5,15 @@
 
 #include "engine/merge_shell.h"
 #include "platform/windows_api.h"
+#include "ui/job_window.h"
 
 namespace folioweld {
-
-class Folioweld;
 
 /// The face of a job in the window. Events are handled every few milliseconds of a job, and only while one
 /// runs or a viewer is watched: outside of that nothing may come in between the steps of a handler.
 class WindowShell : public MergeShell {
  public:
-  WindowShell(WindowsAPI& system, Folioweld& window) : system_(system), window_(window) {}
+  WindowShell(WindowsAPI& system, JobWindow& window) : system_(system), window_(window) {}
 
   void RefreshControls() override;
   void DisableInputPicking() override;
@@ -36,7 +35,7 @@ class WindowShell : public MergeShell {
   void ShowChangedStatusTexts();
 
   WindowsAPI& system_;
-  Folioweld& window_;
+  JobWindow& window_;
   std::int64_t pumpedAt_ = 0;   ///< milliseconds
   std::int64_t paintedAt_ = 0;  ///< milliseconds
   bool pumping_ = false;
