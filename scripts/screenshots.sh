@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
-# screenshots.sh [FOLDER]: builds the window and takes its pictures, in docs/images unless told otherwise: empty,
-# ready, running, finished, with the log, and the sorting options; at scale 1 and 2, light and dark.
-# The repository keeps those that its documents show; the others are for looking at.
+# screenshots.sh [FOLDER]: builds the window and takes its pictures (tests/desktop/screenshots.py), in docs/images
+# unless told otherwise. The repository keeps those that its documents show; the others are for looking at.
 set -euo pipefail
 root=$(dirname "$(dirname "$(readlink -f "$0")")")
 folder=$(realpath -m "${1:-$root/docs/images}")

@@ -4,21 +4,21 @@
 
 namespace folioweld {
 
-/// Keeps the repetitions of Enter or Space, held down, from looking like presses of their own.
+/// Keeps the auto-repeat of Enter and Space from pressing anything.
 ///
-/// An X server repeats a key as a release and a press at one and the same time. Qt knows a repetition only
-/// when the press has arrived by the time that it handles the release, so now and then one gets through as a
-/// new press: Enter, held on "CANCEL (abort)", would then press "Exit" as well.
+/// An X server repeats a held key as a release and a press with one and the same time stamp. Qt marks the
+/// pair as auto-repeat only when the press is there already while it handles the release. Now and then it is
+/// not: Enter, held on "CANCEL (abort)", would then press "Exit" as well.
 class HeldKeys : public QObject {
   Q_OBJECT
 
  public:
-  /// Takes such presses out of everything that the application is sent.
+  /// For the application: takes out the presses that came with the release of the same key.
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   int releasedKey_ = 0;
-  quint64 releasedAt_ = 0;  ///< in the screen's own milliseconds; 0 = nothing released yet
+  quint64 releasedAt_ = 0;  ///< the server's milliseconds; 0 = nothing released yet
 };
 
 }  // namespace folioweld

@@ -45,7 +45,7 @@ SortingOptions::SortingOptions(QWidget* parent) : QDialog(parent) {
     QWidget* container = Design(index).InFrame ? static_cast<QWidget*>(frame1_) : this;
     auto* option = new QRadioButton(tr(Design(index).Caption), container);
     option->setObjectName(QStringLiteral("Option1") + QString::number(index));
-    // One group, although the frame holds only two of them: what is checked in or beside it is the only one.
+    // Qt makes options exclusive by parent; these four have two.
     group->addButton(option);
     option->installEventFilter(this);
     connect(option, &QRadioButton::clicked, this, [this, index] { Option1_Click(index); });
@@ -109,7 +109,7 @@ bool SortingOptions::eventFilter(QObject* watched, QEvent* event) {
                    : key == Qt::Key_Up || key == Qt::Key_Left  ? 3
                                                                : 0;
   if (step == 0) return QDialog::eventFilter(watched, event);
-  // As in one group of option buttons, the arrow keys go from one to the next, from the frame and back.
+  // Qt's arrow keys would stay among the options of one parent.
   for (int index = 0; index < 4; ++index) {
     if (option1_[static_cast<std::size_t>(index)] != watched) continue;
     QRadioButton* next = option1_[static_cast<std::size_t>((index + step) % 4)];

@@ -12,9 +12,9 @@
 
 namespace folioweld {
 
-/// `SortingOptions`: asks in which order the documents of a folder are joined. The option buttons are named
-/// "Option10" to "Option13" (`Option1` and the index). Two of them lie in the frame and two over it, so the
-/// code keeps exactly one checked.
+/// `SortingOptions`: asks in which order the documents of a folder are joined. The option buttons,
+/// "Option10" to "Option13", are `Option1` with its index. Two have the frame as their parent and two the
+/// window.
 class SortingOptions : public QDialog {
   Q_OBJECT
 

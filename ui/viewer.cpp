@@ -32,8 +32,7 @@ bool Viewer::StillRuns(Process process) {
 
 void Viewer::Close(Process process) {
   if (desktop_.CloseThreadWindows(process)) return;
-  // A viewer whose windows cannot be told from others; its end can be asked for all the same. That it is
-  // gone already is as good.
+  // No window that is known to be the viewer's. An error says that it has ended already, which is as good.
   static_cast<void>(system_.TerminateProcess(process));
 }
 

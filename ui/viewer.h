@@ -49,8 +49,8 @@ class Viewer {
   void WaitForViewer(Process process, const std::function<Request()>& request,
                      const std::function<void()>& idle);
 
-  /// Takes leave of viewers that outlived their close request and have ended since, so that nothing of them
-  /// stays behind. True while some still run.
+  /// Reaps viewers that outlived their close request and have ended since; they would stay zombie processes.
+  /// True while some still run.
   bool CollectEnded();
 
  private:

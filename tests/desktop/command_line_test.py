@@ -3,7 +3,7 @@
 
 from case import DesktopTest, main
 from documents import LETTER, REPORT, STATIONS, fill_folder
-from window import EXIT, FIRST, TITLE, pages, select
+from window import CHOOSE_OUTPUT, EXIT, FIRST, TITLE, pages, select
 
 ALL = (LETTER, REPORT, STATIONS)
 
@@ -38,13 +38,13 @@ class CommandLine(DesktopTest):
             with self.subTest(program=program):
                 self.joined.unlink(missing_ok=True)
                 window = self.open(f"|{self.documents}", ready=False, program=program)
-                window.answer_file("Folioweld: Choose the OUTPUT FILE", self.joined)
+                window.answer_file(CHOOSE_OUTPUT, self.joined)
                 window.wait_end(0)
                 self.assert_joined()
 
     def test_a_folder_alone_ends_without_an_output_when_none_is_chosen(self):
         window = self.open(f"|{self.documents}", ready=False)
-        window.dialog("Folioweld: Choose the OUTPUT FILE")
+        window.dialog(CHOOSE_OUTPUT)
         self.screen.press("Esc")
         window.wait_end(1)
         self.assertFalse(self.joined.exists())

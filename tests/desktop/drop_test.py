@@ -5,13 +5,9 @@ import os
 
 from case import DesktopTest, main
 from drag import DragSource
-from window import FIRST, GO, OUTPUT, ROOT, SECOND, clear, pages
+from documents import LETTER, REPORT, STATIONS
+from window import CHOOSE_OUTPUT, FIRST, GO, OUTPUT, SECOND, SORTING, pages, select
 
-LETTER = ROOT / "examples" / "1-cover-letter.pdf"
-REPORT = ROOT / "examples" / "2-report.pdf"
-STATIONS = ROOT / "examples" / "3-stations.pdf"
-SORTING = "Directory merge sorting option"
-CHOOSE_OUTPUT = "Folioweld: Choose the OUTPUT FILE"
 
 
 class Drops(DesktopTest):
@@ -118,7 +114,7 @@ class Drops(DesktopTest):
         window.press_in(dialog, "I choose this option")
         window.answer_file(CHOOSE_OUTPUT, joined)
         self.wait(lambda: joined.exists() and window.is_enabled("Exit") and not window.dialogs()
-                  and window.is_enabled("Select... 1st input file"), "the folder is joined")
+                  and window.is_enabled(select(FIRST)), "the folder is joined")
         self.assertEqual(pages(joined), pages(LETTER) + pages(REPORT) + pages(STATIONS))
         self.assertEqual(window.settings()["MenuSort"], "-1")
         self.assertTrue(window.is_checked("Options", "Sorting order...", "Lexical ordering (reverse)"))

@@ -2,10 +2,9 @@
 """A person joins documents with the window."""
 
 from case import DesktopTest, main
-from window import ABORT, EXIT, FIRST, GO, OUTPUT, ROOT, SECOND, clear, pages, select
+from documents import LETTER, REPORT
+from window import CHOOSE, EXIT, FIRST, GO, OUTPUT, SECOND, pages, select
 
-LETTER = ROOT / "examples" / "1-cover-letter.pdf"
-REPORT = ROOT / "examples" / "2-report.pdf"
 
 
 class Joining(DesktopTest):
@@ -13,13 +12,13 @@ class Joining(DesktopTest):
         window = self.open()
         joined = self.folder / "joined.pdf"
         window.click(select(FIRST))
-        window.answer_file("Folioweld - Please choose 1st input file", LETTER)
+        window.answer_file(CHOOSE[FIRST], LETTER)
         window.wait_path(FIRST, LETTER)
         window.click(select(SECOND))
-        window.answer_file("Folioweld - Please choose 2nd input file", REPORT)
+        window.answer_file(CHOOSE[SECOND], REPORT)
         window.wait_path(SECOND, REPORT)
         window.click(select(OUTPUT))
-        window.answer_file("Folioweld - Please choose output file", joined)
+        window.answer_file(CHOOSE[OUTPUT], joined)
         window.wait_path(OUTPUT, joined)
         window.click(GO)
         self.wait(lambda: "-> OK" in (window.status(OUTPUT) or ""), "the merge says OK")

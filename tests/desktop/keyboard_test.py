@@ -3,7 +3,8 @@
 
 from case import DesktopTest, main
 from documents import LETTER, REPORT, STATIONS, fill_folder
-from window import EXIT, FIRST, GO, OUTPUT, SECOND, SWAP, clear, pages, select
+from window import (CHOOSE, CHOOSE_FOLDER, CHOOSE_OUTPUT, EXIT, FIRST, GO, MERGE_FOLDER, OUTPUT, SECOND, SWAP, clear,
+                    pages, select)
 
 
 class Keyboard(DesktopTest):
@@ -17,11 +18,10 @@ class Keyboard(DesktopTest):
         self.fail(f"no way to {name} with Tab")
 
     def fill_by_keyboard(self, window, *paths):
-        asked = ("1st input", "2nd input", "output")
         for place, path in enumerate(paths):
             self.tab_to(window, select(place))
             self.screen.press("Space")
-            window.answer_file(f"Folioweld - Please choose {asked[place]} file", path)
+            window.answer_file(CHOOSE[place], path)
             window.wait_path(place, path)
             self.wait(lambda: window.focused() is not None, "the window has the keyboard again")
 
@@ -111,16 +111,15 @@ class Keyboard(DesktopTest):
         self.screen.press("F10")
         self.wait(lambda: window.focused() == "File", "the menu bar has the keyboard")
         self.screen.press("Down")
-        item = "Merge all PDF in a Directory"
-        self.wait(lambda: "showing" in window.menu_item("File", item).states, "the menu is open")
+        self.wait(lambda: "showing" in window.menu_item("File", MERGE_FOLDER).states, "the menu is open")
         for _ in range(3):
-            if window.focused() == item:
+            if window.focused() == MERGE_FOLDER:
                 break
             self.screen.press("Down")
-        self.wait(lambda: window.focused() == item, f"{item} is chosen; {window.focused()} is")
+        self.wait(lambda: window.focused() == MERGE_FOLDER, f"{MERGE_FOLDER} is chosen; {window.focused()} is")
         self.screen.press("Enter")
-        window.answer_file("Folioweld: Choose FOLDER TO MERGE", folder)
-        window.answer_file("Folioweld: Choose the OUTPUT FILE", joined)
+        window.answer_file(CHOOSE_FOLDER, folder)
+        window.answer_file(CHOOSE_OUTPUT, joined)
         self.wait(lambda: joined.exists() and window.is_enabled(select(FIRST)), "the folder is joined")
         self.assertEqual(pages(joined), pages(LETTER) + pages(REPORT) + pages(STATIONS))
         self.assertEqual(window.settings()["MergeCurDir"], str(folder) + "/")

@@ -104,9 +104,7 @@ class Locales(DesktopTest):
 
         def join():
             window = self.open(kind=ActingWindow)
-            window.choose("File", "Merge all PDF in a Directory")
-            window.answer_file("Folioweld: Choose FOLDER TO MERGE", self.documents)
-            window.answer_file("Folioweld: Choose the OUTPUT FILE", joined)
+            window.merge_folder(self.documents, joined)
             self.wait(lambda: joined.exists() and window.is_enabled(select(0)), "the folder is joined")
             window.click(EXIT)
             window.wait_end(0)

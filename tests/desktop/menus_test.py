@@ -3,9 +3,9 @@
 
 from case import DesktopTest, main
 from documents import LETTER, REPORT, fill_folder
-from window import EXIT, FIRST, GO, OUTPUT, ROOT, pages, select
+from window import CHOOSE, CHOOSE_FOLDER, CHOOSE_TMP, EXIT, FIRST, GO, MERGE_FOLDER, OUTPUT, ROOT, SWAP, pages, select
 
-SORTING = {"Lexical ordering": "1", "Lexical ordering (reverse)": "-1", "By Date": "2", "By Date (reverse)": "-2"}
+ORDERS = {"Lexical ordering": "1", "Lexical ordering (reverse)": "-1", "By Date": "2", "By Date (reverse)": "-2"}
 VERSION = (ROOT / "VERSION").read_text().strip()
 
 
@@ -25,7 +25,7 @@ class Options(DesktopTest):
     def test_the_sorting_order(self):
         window = self.open()
         self.assertEqual(self.checked(window, "Options", "Sorting order..."), ["Lexical ordering"])
-        for caption, value in list(SORTING.items())[::-1]:
+        for caption, value in list(ORDERS.items())[::-1]:
             window.choose("Options", "Sorting order...", caption)
             self.setting(window, "MenuSort", value)
             self.assertEqual(self.checked(window, "Options", "Sorting order..."), [caption])
@@ -62,9 +62,7 @@ class Options(DesktopTest):
         self.wait(lambda: "[Folioweld-Form_Activate]=> Command line: ignored.pdf" in window.log_text(),
                   lambda: f"the first line of the log; {window.log_text()!r}")
         folder = fill_folder(self.folder / "to-join")
-        window.choose("File", "Merge all PDF in a Directory")
-        window.answer_file("Folioweld: Choose FOLDER TO MERGE", folder)
-        window.answer_file("Folioweld: Choose the OUTPUT FILE", self.folder / "joined.pdf")
+        window.merge_folder(folder, self.folder / "joined.pdf")
         self.wait(lambda: " Kill " in window.log_text(), "the log tells of the clean-up")
         text = window.log_text()
         self.assertIn(f'Request to merge towards: "{self.folder / "joined.pdf"}"  the following files:', text)
@@ -93,11 +91,11 @@ class Options(DesktopTest):
         wanted = self.folder / "tmp"
         wanted.mkdir()
         window.choose("Options", "Select TMP directory")
-        window.answer_file("Folioweld: Choose FOLDER FOR TEMPORARY FILES", wanted)
+        window.answer_file(CHOOSE_TMP, wanted)
         window.wait_no_dialog()
         self.setting(window, "MergeTmpDir", str(wanted) + "/")
         window.choose("Options", "Select TMP directory")
-        window.dialog("Folioweld: Choose FOLDER FOR TEMPORARY FILES")
+        window.dialog(CHOOSE_TMP)
         self.screen.press("Esc")
         window.wait_no_dialog()
         self.setting(window, "MergeTmpDir", str(wanted) + "/")
@@ -108,16 +106,14 @@ class Options(DesktopTest):
         folder = fill_folder(self.folder / "to-join", (REPORT, LETTER))
         joined = self.folder / "joined.pdf"
         window = self.open()
-        window.choose("File", "Merge all PDF in a Directory")
-        window.answer_file("Folioweld: Choose FOLDER TO MERGE", folder)
-        window.answer_file("Folioweld: Choose the OUTPUT FILE", joined)
+        window.merge_folder(folder, joined)
         self.wait(lambda: joined.exists() and window.is_enabled(select(FIRST)), "the folder is joined")
         self.assertEqual(pages(joined), pages(LETTER) + pages(REPORT))
 
     def test_a_cancelled_folder_picker_is_answered(self):
         window = self.open()
-        window.choose("File", "Merge all PDF in a Directory")
-        window.dialog("Folioweld: Choose FOLDER TO MERGE")
+        window.choose("File", MERGE_FOLDER)
+        window.dialog(CHOOSE_FOLDER)
         self.screen.press("Esc")
         self.assertEqual(window.box_text("File Tallowby - Folioweld"), ["Merge of documents cancelled"])
         self.screen.press("Enter")
@@ -186,7 +182,7 @@ class Swapping(DesktopTest):
     def test_the_swap_picture_exchanges_the_inputs(self):
         window = self.open()
         window.fill(LETTER, REPORT)
-        window.click("Swap the two input files")
+        window.click(SWAP)
         window.wait_path(0, REPORT)
         window.wait_path(1, LETTER)
         window.fill(output=self.folder / "joined.pdf")
@@ -198,9 +194,9 @@ class Swapping(DesktopTest):
         window = self.open()
         window.fill(LETTER)
         window.click(select(OUTPUT))
-        window.answer_file("Folioweld - Please choose output file", LETTER)
+        window.answer_file(CHOOSE[OUTPUT], LETTER)
         # Qt's dialog asks first whether the file may be replaced.
-        window.press_in(window.dialog("Folioweld - Please choose output file", "alert message"), "Yes")
+        window.press_in(window.dialog(CHOOSE[OUTPUT], "alert message"), "Yes")
         self.assertEqual(window.box_text("Folioweld"), ["The output file", f'"{LETTER}"', " is also an input file.",
                                                         "I cannot do this operation!"])
         self.screen.press("Enter")

@@ -8,7 +8,7 @@ from pathlib import Path
 from case import DesktopTest, main
 from documents import LETTER, write_large
 from drag import DragSource
-from window import ABORT, EXIT, FIRST, GO, OUTPUT, SWAP
+from window import ABORT, EXIT, FIRST, GO, MERGE_FOLDER, OUTPUT, SWAP
 
 LEAVE = "Do you want to leave Folioweld?"
 
@@ -34,9 +34,7 @@ class Running(DesktopTest):
             write_large(folder / f"{name}.pdf", 600)
         self.joined = self.folder / "joined.pdf"
         window = self.open(slow_disk=True)
-        window.choose("File", "Merge all PDF in a Directory")
-        window.answer_file("Folioweld: Choose FOLDER TO MERGE", folder)
-        window.answer_file("Folioweld: Choose the OUTPUT FILE", self.joined)
+        window.merge_folder(folder, self.joined)
         window.wait_running()
         self.wait(lambda: self.temporary_files(window), "the first round writes a temporary file")
         return window
@@ -62,7 +60,7 @@ class Running(DesktopTest):
         window = self.begin()
         self.assertEqual(window.enabled_buttons(), {ABORT})
         self.assertEqual((window.default_button(), window.focused()), (ABORT, ABORT))
-        self.assertNotIn("enabled", window.menu_item("File", "Merge all PDF in a Directory").states)
+        self.assertNotIn("enabled", window.menu_item("File", MERGE_FOLDER).states)
         self.wait(lambda: self.screen.pointer() != self.idle_pointer, "the pointer is another one")
 
     def test_cancel_ends_the_merge_and_leaves_no_output(self):
@@ -107,7 +105,7 @@ class Running(DesktopTest):
         self.screen.press("Esc")
         self.screen.press("Esc")
         self.screen.press("F10")
-        self.wait(lambda: window.main.find("menu item", "Merge all PDF in a Directory", states=("showing",)) or
+        self.wait(lambda: window.main.find("menu item", MERGE_FOLDER, states=("showing",)) or
                   window.focused() == "File", "the menu bar answers")
         self.screen.press("Esc")
         self.assertTrue(window.is_enabled(ABORT))

@@ -10,7 +10,7 @@ from drag import DragSource
 from layout import faults
 from palette import DARK_WINDOW, make_dark
 from picture import pixel
-from window import GO, pages
+from window import CHOOSE_OUTPUT, FIRST, GO, SORTING, pages, select
 
 WIDTH, HEIGHT = 754, 456
 MENU_BAR = 40
@@ -95,12 +95,12 @@ class Scales(DesktopTest):
                 window = self.shown(scale)
                 with DragSource(self.desktop, self.screen, self.desktop.environment, folder) as source:
                     source.drop_on(self.screen.outline(window.main_window()))
-                    dialog = window.dialog("Directory merge sorting option")
+                    dialog = window.dialog(SORTING)
                     # Two of the four options stand over the frame and not in it.
                     self.assertEqual([fault for fault in faults(dialog) if "radio button" not in fault], [])
                     window.press_in(dialog, "I choose this option")
-                    window.answer_file("Folioweld: Choose the OUTPUT FILE", self.joined)
-                self.wait(lambda: self.joined.exists() and window.is_enabled("Select... 1st input file"),
+                    window.answer_file(CHOOSE_OUTPUT, self.joined)
+                self.wait(lambda: self.joined.exists() and window.is_enabled(select(FIRST)),
                           "the folder is joined")
                 self.assertEqual(pages(self.joined), sum(map(pages, (LETTER, REPORT, STATIONS))))
                 self.joined.unlink()

@@ -14,7 +14,7 @@ from documents import LETTER, REPORT, fill_folder, write_large
 from drag import DragSource
 from palette import make_dark
 from screen import Screen
-from window import CLOSE_VIEWER, FIRST, GO, OUTPUT, TITLE, Window, select
+from window import CHOOSE, CHOOSE_OUTPUT, CLOSE_VIEWER, FIRST, GO, OUTPUT, SORTING, TITLE, Window, select
 
 # Shown in the pictures, hence short.
 DOCUMENTS = Path("/tmp/folioweld")
@@ -61,9 +61,9 @@ class Photographer:
         self.screen.press("Space")
 
     def fill(self, window, *paths):
-        for place, (path, asked) in enumerate(zip(paths, ("1st input", "2nd input", "output"))):
+        for place, path in enumerate(paths):
             self.press_on(window, select(place))
-            window.answer_file(f"Folioweld - Please choose {asked} file", path)
+            window.answer_file(CHOOSE[place], path)
             window.wait_path(place, path)
         window.wait_active(TITLE)
         wait_for(window.focused, "the window has the keyboard")
@@ -113,7 +113,7 @@ class Photographer:
     def refusal(self):
         window = self.open()
         self.press_on(window, select(FIRST))
-        window.answer_file("Folioweld - Please choose 1st input file", DOCUMENTS / "scanned.pdf")
+        window.answer_file(CHOOSE[FIRST], DOCUMENTS / "scanned.pdf")
         window.dialog("Folioweld")
         self.save("refusal", self.screen.active())
         window.close()
@@ -149,11 +149,11 @@ class Photographer:
         window = self.open(log=True)
         with DragSource(self.desktop, self.screen, self.desktop.environment, DOCUMENTS / "to join") as source:
             source.drop_on(self.screen.outline(window.main_window()))
-            window.dialog("Directory merge sorting option")
+            window.dialog(SORTING)
             self.screen.hide(source.window())
             self.save("sorting-options", self.screen.active())
             self.screen.press("Enter")
-            window.answer_file("Folioweld: Choose the OUTPUT FILE", DOCUMENTS / "joined-folder.pdf")
+            window.answer_file(CHOOSE_OUTPUT, DOCUMENTS / "joined-folder.pdf")
             wait_for(lambda: " Kill " in window.log_text(), "the log tells of the clean-up")
             wait_for(lambda: window.is_enabled(select(FIRST)), "the folder is joined")
         window.wait_active(TITLE)

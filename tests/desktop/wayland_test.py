@@ -12,7 +12,7 @@ from layout import faults
 from palette import DARK_WINDOW, make_dark
 from picture import drawn, pixel
 from wayland import WaylandTest
-from window import CLOSE_VIEWER, EXIT, FIRST, GO, OUTPUT, SECOND, SWAP, TITLE, pages, select
+from window import CLOSE_VIEWER, EXIT, FIRST, GO, SECOND, SWAP, TITLE, pages, select
 
 # The client area; the frame that the toolkit draws around it here takes a few pixels more.
 WIDTH, HEIGHT = 754, 456
@@ -41,9 +41,7 @@ class Using(WaylandTest):
     def test_a_folder_is_joined_from_the_menu(self):
         folder = fill_folder(self.folder / "to join")
         window = self.open()
-        window.choose("File", "Merge all PDF in a Directory")
-        window.answer_file("Folioweld: Choose FOLDER TO MERGE", folder)
-        window.answer_file("Folioweld: Choose the OUTPUT FILE", self.joined)
+        window.merge_folder(folder, self.joined)
         self.wait(lambda: self.joined.exists() and window.is_enabled(select(FIRST)), "the folder is joined")
         self.assertEqual(pages(self.joined), sum(map(pages, (LETTER, REPORT, STATIONS))))
         self.wait(lambda: " Kill " in window.log_text(), "the log tells of the clean-up")

@@ -17,6 +17,12 @@ FRAMES = ("1st input file ", "2nd input file", "Output (result) file")
 TITLE = "Folioweld (version " + (ROOT / "VERSION").read_text().strip() + ")"
 SWAP, GO, EXIT = "Swap the two input files", "Go! (launch PDF merge)", "Exit"
 ABORT, CLOSE_VIEWER = "CANCEL (abort)", "Close display window"
+CHOOSE = tuple(f"Folioweld - Please choose {asked} file" for asked in ("1st input", "2nd input", "output"))
+CHOOSE_FOLDER, CHOOSE_OUTPUT = "Folioweld: Choose FOLDER TO MERGE", "Folioweld: Choose the OUTPUT FILE"
+CHOOSE_TMP = "Folioweld: Choose FOLDER FOR TEMPORARY FILES"
+MERGE_FOLDER = "Merge all PDF in a Directory"
+SORTING = "Directory merge sorting option"
+LOG = "Folioweld - Log"
 
 _DIALOGS = ("dialog", "alert", "alert message", "file chooser")
 
@@ -241,7 +247,7 @@ class Window:
         return next((window for window in self.windows() if self.screen.title(window) == TITLE), 0)
 
     def log_window(self):
-        return next((window for window in self.windows() if self.screen.title(window) == "Folioweld - Log"), 0)
+        return next((window for window in self.windows() if self.screen.title(window) == LOG), 0)
 
     def log_text(self):
         node = self.root.find("text", "Activity log")
@@ -251,12 +257,17 @@ class Window:
 
     def fill(self, first=None, second=None, output=None):
         """Chooses files in the dialogs."""
-        asked = ("1st input", "2nd input", "output")
         for place, path in enumerate((first, second, output)):
             if path is not None:
                 self.click(select(place))
-                self.answer_file(f"Folioweld - Please choose {asked[place]} file", path)
+                self.answer_file(CHOOSE[place], path)
                 self.wait_path(place, path)
+
+    def merge_folder(self, folder, output):
+        """Chooses a folder and its output in the menu."""
+        self.choose("File", MERGE_FOLDER)
+        self.answer_file(CHOOSE_FOLDER, folder)
+        self.answer_file(CHOOSE_OUTPUT, output)
 
     def wait_finished(self):
         """A merge that went well has ended."""

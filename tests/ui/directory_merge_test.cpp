@@ -7,9 +7,9 @@
 namespace folioweld::testing {
 namespace {
 
-class DirectoryMergeWindow : public WindowTest {
+class DirectoryMergeWindowTest : public WindowFixture {
  protected:
-  DirectoryMergeWindow() : documents_(folder_.MakeFolder("documents")), output_(folder_.File("out.pdf")) {
+  DirectoryMergeWindowTest() : documents_(folder_.MakeFolder("documents")), output_(folder_.File("out.pdf")) {
     for (const char* name : {"a.pdf", "b.pdf", "c.pdf"}) Document(std::string("documents/") + name);
   }
 
@@ -19,7 +19,7 @@ class DirectoryMergeWindow : public WindowTest {
   const std::string output_;
 };
 
-TEST_F(DirectoryMergeWindow, TheMenuAsksForFolderAndOutputAndJoins) {
+TEST_F(DirectoryMergeWindowTest, TheMenuAsksForFolderAndOutputAndJoins) {
   Open();
   dialogs_.FolderAnswers = {documents_};
   dialogs_.SaveAnswers = {output_};
@@ -38,7 +38,7 @@ TEST_F(DirectoryMergeWindow, TheMenuAsksForFolderAndOutputAndJoins) {
   EXPECT_TRUE(desktop_.Launched.empty());
 }
 
-TEST_F(DirectoryMergeWindow, WithoutAFolderItSaysThatItWasCancelled) {
+TEST_F(DirectoryMergeWindowTest, WithoutAFolderItSaysThatItWasCancelled) {
   Open();
   Item("MenuPdfMergeDir")->trigger();
   ASSERT_EQ(dialogs_.Boxes.size(), 1U);
@@ -47,7 +47,7 @@ TEST_F(DirectoryMergeWindow, WithoutAFolderItSaysThatItWasCancelled) {
   EXPECT_EQ(dialogs_.Boxes[0].Text, "Merge of documents cancelled");
 }
 
-TEST_F(DirectoryMergeWindow, AFolderWithoutDocumentsIsTold) {
+TEST_F(DirectoryMergeWindowTest, AFolderWithoutDocumentsIsTold) {
   Open();
   dialogs_.FolderAnswers = {folder_.MakeFolder("empty")};
   Item("MenuPdfMergeDir")->trigger();
@@ -58,7 +58,7 @@ TEST_F(DirectoryMergeWindow, AFolderWithoutDocumentsIsTold) {
   EXPECT_EQ(Caption("cmdCancel"), "Exit");
 }
 
-TEST_F(DirectoryMergeWindow, AFolderThatVanishedIsTold) {
+TEST_F(DirectoryMergeWindowTest, AFolderThatVanishedIsTold) {
   Open();
   dialogs_.FolderAnswers = {folder_.File("missing")};
   Item("MenuPdfMergeDir")->trigger();
@@ -67,7 +67,7 @@ TEST_F(DirectoryMergeWindow, AFolderThatVanishedIsTold) {
   EXPECT_EQ(dialogs_.Boxes[0].Text, "Merge of documents ABORTed\r(could not reach intput directory)");
 }
 
-TEST_F(DirectoryMergeWindow, AnOutputThatCannotBeCreatedIsTold) {
+TEST_F(DirectoryMergeWindowTest, AnOutputThatCannotBeCreatedIsTold) {
   Open();
   dialogs_.FolderAnswers = {documents_};
   dialogs_.SaveAnswers = {folder_.File("missing/out.pdf")};
@@ -77,7 +77,7 @@ TEST_F(DirectoryMergeWindow, AnOutputThatCannotBeCreatedIsTold) {
   EXPECT_THAT(dialogs_.Boxes[0].Text, ::testing::HasSubstr("\r\n cannot be created.\r\n"));
 }
 
-TEST_F(DirectoryMergeWindow, TheRunningLookStaysFromTheEnumerationOnAndIsLiftedForDialogsOnly) {
+TEST_F(DirectoryMergeWindowTest, TheRunningLookStaysFromTheEnumerationOnAndIsLiftedForDialogsOnly) {
   Open();
   dialogs_.FolderAnswers = {documents_};
   dialogs_.SaveAnswers = {output_};
@@ -102,7 +102,7 @@ TEST_F(DirectoryMergeWindow, TheRunningLookStaysFromTheEnumerationOnAndIsLiftedF
   EXPECT_EQ(dialogs_.FolderQuestions.size(), 1U);
 }
 
-TEST_F(DirectoryMergeWindow, TheCloseBoxStopsItBetweenTheRoundsToo) {
+TEST_F(DirectoryMergeWindowTest, TheCloseBoxStopsItBetweenTheRoundsToo) {
   Open();
   dialogs_.FolderAnswers = {documents_};
   dialogs_.SaveAnswers = {output_};
@@ -120,7 +120,7 @@ TEST_F(DirectoryMergeWindow, TheCloseBoxStopsItBetweenTheRoundsToo) {
   EXPECT_EQ(EnabledButtons(), "cmdInput1");
 }
 
-TEST_F(DirectoryMergeWindow, LeavesTheDisplayOptionOffUntilDisplayIsClickedAgain) {
+TEST_F(DirectoryMergeWindowTest, LeavesTheDisplayOptionOffUntilDisplayIsClickedAgain) {
   Open();
   dialogs_.FolderAnswers = {documents_};
   dialogs_.SaveAnswers = {output_};
@@ -134,7 +134,7 @@ TEST_F(DirectoryMergeWindow, LeavesTheDisplayOptionOffUntilDisplayIsClickedAgain
   EXPECT_FALSE(Item("MenuOptViewNo")->isChecked());
 }
 
-TEST_F(DirectoryMergeWindow, AVanishedTemporaryFolderIsAskedForWithTheFolderPicker) {
+TEST_F(DirectoryMergeWindowTest, AVanishedTemporaryFolderIsAskedForWithTheFolderPicker) {
   Open();
   Window().Settings().WriteSetting("MergeTmpDir", folder_.File("vanished"));
   dialogs_.FolderAnswers = {documents_, folder_.MakeFolder("scratch")};
@@ -146,7 +146,7 @@ TEST_F(DirectoryMergeWindow, AVanishedTemporaryFolderIsAskedForWithTheFolderPick
   EXPECT_TRUE(Exists(output_));
 }
 
-TEST_F(DirectoryMergeWindow, ACommandLineJoinsAndEndsTheProgram) {
+TEST_F(DirectoryMergeWindowTest, ACommandLineJoinsAndEndsTheProgram) {
   Open(output_ + "|" + documents_);
   EXPECT_EQ(ended_, kEverythingJoined);
   EXPECT_TRUE(Exists(output_));
@@ -155,13 +155,13 @@ TEST_F(DirectoryMergeWindow, ACommandLineJoinsAndEndsTheProgram) {
   EXPECT_FALSE(Window().isVisible());
 }
 
-TEST_F(DirectoryMergeWindow, ACommandLineWithLossesEndsWithTheirStatus) {
+TEST_F(DirectoryMergeWindowTest, ACommandLineWithLossesEndsWithTheirStatus) {
   folder_.Write("documents/bad.pdf", "%PDF-1.4 broken");
   Open(output_ + "|" + documents_);
   EXPECT_EQ(ended_, kJoinedWithLosses);
 }
 
-TEST_F(DirectoryMergeWindow, ACommandLineWithoutAnOutputAsksForItAndEnds) {
+TEST_F(DirectoryMergeWindowTest, ACommandLineWithoutAnOutputAsksForItAndEnds) {
   dialogs_.SaveAnswers = {folder_.File("asked")};
   Open("|" + documents_);
   EXPECT_EQ(dialogs_.SaveQuestions.size(), 1U);
@@ -169,12 +169,12 @@ TEST_F(DirectoryMergeWindow, ACommandLineWithoutAnOutputAsksForItAndEnds) {
   EXPECT_EQ(ended_, kEverythingJoined);
 }
 
-TEST_F(DirectoryMergeWindow, ACommandLineWithoutAnAnswerEndsWithoutOutput) {
+TEST_F(DirectoryMergeWindowTest, ACommandLineWithoutAnAnswerEndsWithoutOutput) {
   Open("|" + documents_);
   EXPECT_EQ(ended_, kNoOutput);
 }
 
-TEST_F(DirectoryMergeWindow, ACommandLineFolderThatCannotBeEnteredLeavesTheWindowOpenWithItsText) {
+TEST_F(DirectoryMergeWindowTest, ACommandLineFolderThatCannotBeEnteredLeavesTheWindowOpenWithItsText) {
   Open(output_ + "|" + folder_.File("missing"));
   EXPECT_FALSE(ended_);
   EXPECT_TRUE(Window().isVisible());
@@ -183,7 +183,7 @@ TEST_F(DirectoryMergeWindow, ACommandLineFolderThatCannotBeEnteredLeavesTheWindo
   EXPECT_TRUE(dialogs_.Boxes.empty());
 }
 
-TEST_F(DirectoryMergeWindow, ALoneFileNameOnTheCommandLineDoesNothing) {
+TEST_F(DirectoryMergeWindowTest, ALoneFileNameOnTheCommandLineDoesNothing) {
   Open(folder_.File("documents/a.pdf"));
   EXPECT_FALSE(ended_);
   EXPECT_EQ(FileName(1), "");

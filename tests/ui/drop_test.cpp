@@ -16,7 +16,7 @@ QByteArray UrlOf(const std::string& path) {
   return "file://" + QByteArray::fromStdString(path).toPercentEncoding("/");
 }
 
-class Drop : public WindowTest {
+class DropTest : public WindowFixture {
  protected:
   void SetUp() override { Open(); }
 
@@ -53,7 +53,7 @@ class Drop : public WindowTest {
   [[nodiscard]] std::string LogText() { return Window().Log().LogText(); }
 };
 
-TEST_F(Drop, AFileListIsOfferedACopyAndNothingElse) {
+TEST_F(DropTest, AFileListIsOfferedACopyAndNothingElse) {
   QMimeData data;
   data.setUrls({QUrl(QStringLiteral("file:///tmp/a.pdf"))});
   EXPECT_EQ(DragOver("frameFileIn2", data), Qt::CopyAction);
@@ -64,7 +64,7 @@ TEST_F(Drop, AFileListIsOfferedACopyAndNothingElse) {
   EXPECT_EQ(DragOver("frameFileIn1", data, Qt::MoveAction), Qt::IgnoreAction);
 }
 
-TEST_F(Drop, WhatIsNoLocalFileIsOfferedNothing) {
+TEST_F(DropTest, WhatIsNoLocalFileIsOfferedNothing) {
   QMimeData text;
   text.setText(QStringLiteral("/tmp/a.pdf"));
   EXPECT_EQ(DragOver("frameFileIn1", text), Qt::IgnoreAction);
@@ -73,7 +73,7 @@ TEST_F(Drop, WhatIsNoLocalFileIsOfferedNothing) {
   EXPECT_EQ(DragOver("frameFileIn1", remote), Qt::IgnoreAction);
 }
 
-TEST_F(Drop, WhileBusyNothingIsOfferedAndADropDoesNothing) {
+TEST_F(DropTest, WhileBusyNothingIsOfferedAndADropDoesNothing) {
   const std::string path = Document("a.pdf");
   QMimeData data;
   data.setUrls({QUrl(QStringLiteral("file:///tmp/a.pdf"))});
@@ -84,7 +84,7 @@ TEST_F(Drop, WhileBusyNothingIsOfferedAndADropDoesNothing) {
   EXPECT_EQ(FileName(1), "");
 }
 
-TEST_F(Drop, ADocumentOnTheFirstPlaceIsTaken) {
+TEST_F(DropTest, ADocumentOnTheFirstPlaceIsTaken) {
   DropOn("frameFileIn1", {Document("a b%#.pdf")});
   EXPECT_EQ(FileName(1), folder_.File("a b%#.pdf"));
   EXPECT_EQ(Marks(), "1<,,");
@@ -92,13 +92,13 @@ TEST_F(Drop, ADocumentOnTheFirstPlaceIsTaken) {
                                               folder_.File("a b%#.pdf") + ">"));
 }
 
-TEST_F(Drop, ANameThatIsNoUtf8ArrivesIntact) {
+TEST_F(DropTest, ANameThatIsNoUtf8ArrivesIntact) {
   const std::string path = Document("caf\xE9.pdf");
   DropOn("frameFileIn1", {path});
   EXPECT_EQ(FileName(1), path);
 }
 
-TEST_F(Drop, ARefusedFileOnTheFirstPlaceClearsItAndMovesTheSecondUp) {
+TEST_F(DropTest, ARefusedFileOnTheFirstPlaceClearsItAndMovesTheSecondUp) {
   ChooseAll();
   DropOn("frameFileIn1", {folder_.Write("bad.pdf", "no")});
   EXPECT_EQ(FileName(1), folder_.File("second.pdf"));
@@ -106,54 +106,54 @@ TEST_F(Drop, ARefusedFileOnTheFirstPlaceClearsItAndMovesTheSecondUp) {
   EXPECT_TRUE(dialogs_.Boxes.empty());
 }
 
-TEST_F(Drop, OnTheSecondPlaceWhileTheFirstIsEmptyTheFirstIsFilled) {
+TEST_F(DropTest, OnTheSecondPlaceWhileTheFirstIsEmptyTheFirstIsFilled) {
   DropOn("frameFileIn2", {Document("a.pdf")});
   EXPECT_EQ(FileName(1), folder_.File("a.pdf"));
   EXPECT_EQ(FileName(2), "");
   EXPECT_EQ(Window().DropTarget, 0);
 }
 
-TEST_F(Drop, ADocumentOnTheSecondPlaceIsTaken) {
+TEST_F(DropTest, ADocumentOnTheSecondPlaceIsTaken) {
   ChooseAll();
   DropOn("frameFileIn2", {Document("new.pdf")});
   EXPECT_EQ(FileName(2), folder_.File("new.pdf"));
 }
 
-TEST_F(Drop, ARefusedFileOnTheSecondPlaceEmptiesIt) {
+TEST_F(DropTest, ARefusedFileOnTheSecondPlaceEmptiesIt) {
   ChooseAll();
   DropOn("frameFileIn2", {folder_.Write("bad.pdf", "no")});
   EXPECT_EQ(FileName(1), folder_.File("first.pdf"));
   EXPECT_EQ(FileName(2), "");
 }
 
-TEST_F(Drop, ARefusedFileMeantForTheSecondPlaceEmptiesTheFirst) {
+TEST_F(DropTest, ARefusedFileMeantForTheSecondPlaceEmptiesTheFirst) {
   DropOn("frameFileIn2", {folder_.Write("bad.pdf", "no")});
   EXPECT_EQ(FileName(1) + FileName(2), "");
 }
 
-TEST_F(Drop, AnyFileOnTheOutputPlaceBecomesTheOutputEvenAnInput) {
+TEST_F(DropTest, AnyFileOnTheOutputPlaceBecomesTheOutputEvenAnInput) {
   ChooseAll();
   DropOn("frameFileOut", {folder_.File("first.pdf")});
   EXPECT_EQ(FileName(3), folder_.File("first.pdf"));
   EXPECT_TRUE(Exists(FileName(3)));
 }
 
-TEST_F(Drop, OnTheOutputPlaceWithoutAFirstInputNothingHappens) {
+TEST_F(DropTest, OnTheOutputPlaceWithoutAFirstInputNothingHappens) {
   DropOn("frameFileOut", {Document("a.pdf")});
   EXPECT_EQ(FileName(3), "");
 }
 
-TEST_F(Drop, TwoFilesAtOnceDoNothing) {
+TEST_F(DropTest, TwoFilesAtOnceDoNothing) {
   DropOn("frameFileIn1", {Document("a.pdf"), Document("b.pdf")});
   EXPECT_EQ(FileName(1), "");
 }
 
-TEST_F(Drop, AFileBesideThePlacesDoesNothing) {
+TEST_F(DropTest, AFileBesideThePlacesDoesNothing) {
   DropOn("Folioweld", {Document("a.pdf")});
   EXPECT_EQ(FileName(1) + FileName(2) + FileName(3), "");
 }
 
-TEST_F(Drop, AFolderIsMergedInTheOrderChosenWithoutAFolderPicker) {
+TEST_F(DropTest, AFolderIsMergedInTheOrderChosenWithoutAFolderPicker) {
   const std::string documents = folder_.MakeFolder("documents");
   for (const char* name : {"b.pdf", "a.pdf"}) Document(std::string("documents/") + name);
   dialogs_.SortAnswer = std::int16_t{-2};
@@ -174,14 +174,14 @@ TEST_F(Drop, AFolderIsMergedInTheOrderChosenWithoutAFolderPicker) {
                                    documents + "> has been stored for later use"));
 }
 
-TEST_F(Drop, AFolderOnAPlaceIsMergedToo) {
+TEST_F(DropTest, AFolderOnAPlaceIsMergedToo) {
   Document("first.pdf");
   dialogs_.SaveAnswers = {folder_.File("config/out.pdf")};
   DropOn("frameFileOut", {folder_.Path()});
   EXPECT_TRUE(Exists(folder_.File("config/out.pdf")));
 }
 
-TEST_F(Drop, AFolderThatCannotBeEnteredIsIgnored) {
+TEST_F(DropTest, AFolderThatCannotBeEnteredIsIgnored) {
   system_.Decide = FaultingSystem::Failing("SetCurrentDirectory", EACCES);
   DropOn("Folioweld", {folder_.MakeFolder("closed")});
   EXPECT_TRUE(dialogs_.SortQuestions.empty());

@@ -8,7 +8,7 @@
 namespace folioweld::testing {
 namespace {
 
-using FileSelection = WindowTest;
+using FileSelectionTest = WindowFixture;
 
 constexpr char kFilter[] = "PDF Files (*.pdf)|*.pdf|All Files (*.*)|*.*";
 
@@ -19,7 +19,7 @@ void ExpectBox(const BoxRequest& box, BoxIcon icon, const std::string& text) {
   EXPECT_FALSE(box.YesNo);
 }
 
-TEST_F(FileSelection, TheFirstInputIsAskedForWithItsTitleAndFilter) {
+TEST_F(FileSelectionTest, TheFirstInputIsAskedForWithItsTitleAndFilter) {
   Open();
   FileName(1) = "/old.pdf";
   Click("cmdInput1");
@@ -30,7 +30,7 @@ TEST_F(FileSelection, TheFirstInputIsAskedForWithItsTitleAndFilter) {
   EXPECT_EQ(dialogs_.OpenQuestions[0].InitialName, "/old.pdf");
 }
 
-TEST_F(FileSelection, TheSecondInputIsAskedForWithItsTitle) {
+TEST_F(FileSelectionTest, TheSecondInputIsAskedForWithItsTitle) {
   Open();
   ChooseAll();
   Click("cmdInput2");
@@ -39,7 +39,7 @@ TEST_F(FileSelection, TheSecondInputIsAskedForWithItsTitle) {
   EXPECT_EQ(dialogs_.OpenQuestions[0].InitialName, FileName(2));
 }
 
-TEST_F(FileSelection, AnAcceptedDocumentIsTaken) {
+TEST_F(FileSelectionTest, AnAcceptedDocumentIsTaken) {
   Open();
   dialogs_.OpenAnswers = {Document("a.pdf"), Document("b.pdf")};
   Click("cmdInput1");
@@ -50,7 +50,7 @@ TEST_F(FileSelection, AnAcceptedDocumentIsTaken) {
   EXPECT_TRUE(dialogs_.Boxes.empty());
 }
 
-TEST_F(FileSelection, ARefusedDocumentIsToldAndTheOldOneStays) {
+TEST_F(FileSelectionTest, ARefusedDocumentIsToldAndTheOldOneStays) {
   Open();
   ChooseAll();
   const std::string bad = folder_.Write("bad.pdf", "no document");
@@ -63,7 +63,7 @@ TEST_F(FileSelection, ARefusedDocumentIsToldAndTheOldOneStays) {
   EXPECT_EQ(Merge().MergeStatus, -1);
 }
 
-TEST_F(FileSelection, CancellingADialogChangesNothing) {
+TEST_F(FileSelectionTest, CancellingADialogChangesNothing) {
   Open();
   ChooseAll();
   Merge().MergeStatus = 2;
@@ -75,7 +75,7 @@ TEST_F(FileSelection, CancellingADialogChangesNothing) {
   EXPECT_TRUE(dialogs_.Boxes.empty());
 }
 
-TEST_F(FileSelection, InSilentModeARefusalShowsNoBox) {
+TEST_F(FileSelectionTest, InSilentModeARefusalShowsNoBox) {
   Open();
   Merge().SilentMode = true;
   dialogs_.OpenAnswers = {folder_.Write("bad.pdf", "no")};
@@ -84,7 +84,7 @@ TEST_F(FileSelection, InSilentModeARefusalShowsNoBox) {
   EXPECT_EQ(Merge().MergeStatus, -1);
 }
 
-TEST_F(FileSelection, TheOutputIsAskedForWithItsTitle) {
+TEST_F(FileSelectionTest, TheOutputIsAskedForWithItsTitle) {
   Open();
   ChooseAll();
   Click("cmdOutput");
@@ -95,7 +95,7 @@ TEST_F(FileSelection, TheOutputIsAskedForWithItsTitle) {
   EXPECT_EQ(dialogs_.SaveQuestions[0].InitialName, FileName(3));
 }
 
-TEST_F(FileSelection, AnExistingOutputIsDeletedAtOnce) {
+TEST_F(FileSelectionTest, AnExistingOutputIsDeletedAtOnce) {
   Open();
   ChooseAll();
   const std::string old = folder_.Write("old.pdf", "old");
@@ -106,7 +106,7 @@ TEST_F(FileSelection, AnExistingOutputIsDeletedAtOnce) {
   EXPECT_TRUE(dialogs_.Boxes.empty());
 }
 
-TEST_F(FileSelection, AnOutputThatIsAnInputIsRefused) {
+TEST_F(FileSelectionTest, AnOutputThatIsAnInputIsRefused) {
   Open();
   ChooseAll();
   for (const char* name : {"first.pdf", "second.pdf"}) {
@@ -124,7 +124,7 @@ TEST_F(FileSelection, AnOutputThatIsAnInputIsRefused) {
   }
 }
 
-TEST_F(FileSelection, AnInputUnderAnotherNameIsRefusedBeforeAnythingIsDeleted) {
+TEST_F(FileSelectionTest, AnInputUnderAnotherNameIsRefusedBeforeAnythingIsDeleted) {
   Open();
   ChooseAll();
   std::filesystem::create_hard_link(folder_.File("first.pdf"), folder_.File("hard.pdf"));
@@ -140,7 +140,7 @@ TEST_F(FileSelection, AnInputUnderAnotherNameIsRefusedBeforeAnythingIsDeleted) {
   EXPECT_EQ(FileName(3), folder_.File("joined.pdf"));
 }
 
-TEST_F(FileSelection, AnOutputThatDiffersFromAnInputInLetterCaseIsAccepted) {
+TEST_F(FileSelectionTest, AnOutputThatDiffersFromAnInputInLetterCaseIsAccepted) {
   Open();
   ChooseAll();
   dialogs_.SaveAnswers = {folder_.File("FIRST.PDF")};
@@ -148,7 +148,7 @@ TEST_F(FileSelection, AnOutputThatDiffersFromAnInputInLetterCaseIsAccepted) {
   EXPECT_EQ(FileName(3), folder_.File("FIRST.PDF"));
 }
 
-TEST_F(FileSelection, AnOutputInAFolderThatCannotBeEnteredIsRefused) {
+TEST_F(FileSelectionTest, AnOutputInAFolderThatCannotBeEnteredIsRefused) {
   Open();
   ChooseAll();
   const std::string name = folder_.File("missing/out.pdf");
@@ -161,7 +161,7 @@ TEST_F(FileSelection, AnOutputInAFolderThatCannotBeEnteredIsRefused) {
   EXPECT_EQ(FileName(3), folder_.File("joined.pdf"));
 }
 
-TEST_F(FileSelection, AnOutputInTheRootFolderIsAccepted) {
+TEST_F(FileSelectionTest, AnOutputInTheRootFolderIsAccepted) {
   Open();
   ChooseAll();
   dialogs_.SaveAnswers = {"/folioweld-test-that-does-not-exist.pdf"};
@@ -169,7 +169,7 @@ TEST_F(FileSelection, AnOutputInTheRootFolderIsAccepted) {
   EXPECT_EQ(FileName(3), "/folioweld-test-that-does-not-exist.pdf");
 }
 
-TEST_F(FileSelection, InSilentModeARefusedOutputShowsNoBox) {
+TEST_F(FileSelectionTest, InSilentModeARefusedOutputShowsNoBox) {
   Open();
   ChooseAll();
   Merge().SilentMode = true;
@@ -180,7 +180,7 @@ TEST_F(FileSelection, InSilentModeARefusedOutputShowsNoBox) {
   EXPECT_EQ(Merge().MergeStatus, -1);
 }
 
-TEST_F(FileSelection, AnOutputWithoutAnExtensionGetsOne) {
+TEST_F(FileSelectionTest, AnOutputWithoutAnExtensionGetsOne) {
   Open();
   ChooseAll();
   dialogs_.SaveAnswers = {folder_.File("typed")};
@@ -188,7 +188,7 @@ TEST_F(FileSelection, AnOutputWithoutAnExtensionGetsOne) {
   EXPECT_EQ(FileName(3), folder_.File("typed.pdf"));
 }
 
-TEST_F(FileSelection, AFolderWithADotIsNoExtension) {
+TEST_F(FileSelectionTest, AFolderWithADotIsNoExtension) {
   Open();
   ChooseAll();
   dialogs_.SaveAnswers = {folder_.MakeFolder("with.dot") + "/typed"};
@@ -196,7 +196,7 @@ TEST_F(FileSelection, AFolderWithADotIsNoExtension) {
   EXPECT_EQ(FileName(3), folder_.File("with.dot/typed.pdf"));
 }
 
-TEST_F(FileSelection, ANameThatOnlyTheExtensionMadeIsAskedAboutBeforeItIsDeleted) {
+TEST_F(FileSelectionTest, ANameThatOnlyTheExtensionMadeIsAskedAboutBeforeItIsDeleted) {
   Open();
   ChooseAll();
   const std::string old = folder_.Write("typed.pdf", "old");
@@ -213,7 +213,7 @@ TEST_F(FileSelection, ANameThatOnlyTheExtensionMadeIsAskedAboutBeforeItIsDeleted
   EXPECT_EQ(dialogs_.SaveQuestions[1].InitialName, old);
 }
 
-TEST_F(FileSelection, ANameThatOnlyTheExtensionMadeIsReplacedAfterYes) {
+TEST_F(FileSelectionTest, ANameThatOnlyTheExtensionMadeIsReplacedAfterYes) {
   Open();
   ChooseAll();
   const std::string old = folder_.Write("typed.pdf", "old");
@@ -224,7 +224,7 @@ TEST_F(FileSelection, ANameThatOnlyTheExtensionMadeIsReplacedAfterYes) {
   EXPECT_EQ(FileName(3), old);
 }
 
-TEST_F(FileSelection, ClearingTheFirstInputMovesTheSecondUp) {
+TEST_F(FileSelectionTest, ClearingTheFirstInputMovesTheSecondUp) {
   Open();
   ChooseAll();
   Click("CmdClr1");
@@ -233,7 +233,7 @@ TEST_F(FileSelection, ClearingTheFirstInputMovesTheSecondUp) {
   EXPECT_EQ(Marks(), "1<,,>");
 }
 
-TEST_F(FileSelection, ClearingTheOnlyInputKeepsTheOutputAndTheMergeButton) {
+TEST_F(FileSelectionTest, ClearingTheOnlyInputKeepsTheOutputAndTheMergeButton) {
   Open();
   ChooseAll();
   Click("CmdClr2");
@@ -245,7 +245,7 @@ TEST_F(FileSelection, ClearingTheOnlyInputKeepsTheOutputAndTheMergeButton) {
   EXPECT_EQ(FileName(3), folder_.File("joined.pdf"));
 }
 
-TEST_F(FileSelection, ClearingTheOutputLocksTheMergeButton) {
+TEST_F(FileSelectionTest, ClearingTheOutputLocksTheMergeButton) {
   Open();
   ChooseAll();
   Click("CmdClrOut");
@@ -253,7 +253,7 @@ TEST_F(FileSelection, ClearingTheOutputLocksTheMergeButton) {
   EXPECT_FALSE(Enabled("cmdOK"));
 }
 
-TEST_F(FileSelection, SwappingExchangesTheInputs) {
+TEST_F(FileSelectionTest, SwappingExchangesTheInputs) {
   Open();
   ChooseAll();
   Click("PictToggle");
@@ -262,7 +262,7 @@ TEST_F(FileSelection, SwappingExchangesTheInputs) {
   EXPECT_EQ(Label("txtFileName0"), folder_.File("second.pdf"));
 }
 
-TEST_F(FileSelection, SwappingWithOnlyOneInputDoesNothing) {
+TEST_F(FileSelectionTest, SwappingWithOnlyOneInputDoesNothing) {
   Open();
   FileName(1) = Document("first.pdf");
   Window().PictToggle_Click();
@@ -270,7 +270,7 @@ TEST_F(FileSelection, SwappingWithOnlyOneInputDoesNothing) {
   EXPECT_EQ(FileName(2), "");
 }
 
-TEST_F(FileSelection, NoHandlerChangesAFileNameWhileBusy) {
+TEST_F(FileSelectionTest, NoHandlerChangesAFileNameWhileBusy) {
   Open();
   ChooseAll();
   Window().Program().ExternalBusy = true;

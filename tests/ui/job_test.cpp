@@ -11,7 +11,7 @@ namespace {
 
 using ::testing::HasSubstr;
 
-class Job : public WindowTest {
+class JobTest : public WindowFixture {
  protected:
   void SetUp() override {
     Open();
@@ -33,7 +33,7 @@ class Job : public WindowTest {
   bool seen_ = false;
 };
 
-TEST_F(Job, JoinsTheInputsAndLeavesTheStatusLinesReadable) {
+TEST_F(JobTest, JoinsTheInputsAndLeavesTheStatusLinesReadable) {
   Click("cmdOK");
   EXPECT_TRUE(Exists(folder_.File("joined.pdf")));
   EXPECT_THAT(Label("txtDoing0"), HasSubstr("Parsing file #1: " + folder_.File("first.pdf") + "\r\n"));
@@ -46,7 +46,7 @@ TEST_F(Job, JoinsTheInputsAndLeavesTheStatusLinesReadable) {
   EXPECT_TRUE(Button("cmdOK")->hasFocus());
 }
 
-TEST_F(Job, TheMarksComeBackWhenAHandlerChangesAName) {
+TEST_F(JobTest, TheMarksComeBackWhenAHandlerChangesAName) {
   Click("cmdOK");
   Window().RefreshControls();
   EXPECT_THAT(Label("txtDoing0"), HasSubstr("Parsing"));
@@ -56,7 +56,7 @@ TEST_F(Job, TheMarksComeBackWhenAHandlerChangesAName) {
   EXPECT_EQ(Marks(), "1<,,>");
 }
 
-TEST_F(Job, LooksBusyWhileItRuns) {
+TEST_F(JobTest, LooksBusyWhileItRuns) {
   WhenRunning([this] {
     EXPECT_EQ(EnabledButtons(), "");
     EXPECT_TRUE(Enabled("cmdCancel"));
@@ -75,14 +75,14 @@ TEST_F(Job, LooksBusyWhileItRuns) {
   EXPECT_TRUE(Item("MenuPdfMergeDir")->isEnabled());
 }
 
-TEST_F(Job, ShowsItsProgressWhileItRuns) {
+TEST_F(JobTest, ShowsItsProgressWhileItRuns) {
   std::vector<std::string> seen;
   AtEveryTurn([&] { seen.push_back(Label("txtDoing0")); });
   Click("cmdOK");
   EXPECT_THAT(seen, ::testing::Contains(HasSubstr("Parsing file #1")));
 }
 
-TEST_F(Job, OptionsLogAndAboutWorkWhileItRuns) {
+TEST_F(JobTest, OptionsLogAndAboutWorkWhileItRuns) {
   WhenRunning([this] {
     Item("MenuSortByDate")->trigger();
     Item("MnuLogHide")->trigger();
@@ -95,7 +95,7 @@ TEST_F(Job, OptionsLogAndAboutWorkWhileItRuns) {
   EXPECT_TRUE(Exists(folder_.File("joined.pdf")));
 }
 
-TEST_F(Job, CancelEndsIt) {
+TEST_F(JobTest, CancelEndsIt) {
   WhenRunning([this] { Click("cmdCancel"); });
   Click("cmdOK");
   EXPECT_TRUE(seen_);
@@ -108,7 +108,7 @@ TEST_F(Job, CancelEndsIt) {
   EXPECT_FALSE(Merge().AbortRequested);
 }
 
-TEST_F(Job, EnterCancelsItAndEscapeDoesNothing) {
+TEST_F(JobTest, EnterCancelsItAndEscapeDoesNothing) {
   int escapes = 0;
   AtEveryTurn([&] {
     if (Running() && escapes++ == 0) QTest::keyClick(&Window(), Qt::Key_Escape);
@@ -121,7 +121,7 @@ TEST_F(Job, EnterCancelsItAndEscapeDoesNothing) {
   EXPECT_TRUE(Window().isVisible());
 }
 
-TEST_F(Job, APressBegunOnCancelDoesNotCountOnExit) {
+TEST_F(JobTest, APressBegunOnCancelDoesNotCountOnExit) {
   WhenRunning([this] {
     QTest::mousePress(Button("cmdCancel"), Qt::LeftButton);
     Window().cmdCancel_Click();
@@ -134,7 +134,7 @@ TEST_F(Job, APressBegunOnCancelDoesNotCountOnExit) {
   EXPECT_TRUE(ended_) << "a press of its own counts";
 }
 
-TEST_F(Job, ASpaceBarHeldDownOnCancelDoesNotCountOnExit) {
+TEST_F(JobTest, ASpaceBarHeldDownOnCancelDoesNotCountOnExit) {
   WhenRunning([this] {
     QTest::keyPress(Button("cmdCancel"), Qt::Key_Space);
     Window().cmdCancel_Click();
@@ -144,7 +144,7 @@ TEST_F(Job, ASpaceBarHeldDownOnCancelDoesNotCountOnExit) {
   EXPECT_FALSE(ended_);
 }
 
-TEST_F(Job, TheSecondClickOfADoubleClickOnCancelDoesNotCountOnExit) {
+TEST_F(JobTest, TheSecondClickOfADoubleClickOnCancelDoesNotCountOnExit) {
   WhenRunning([this] { Click("cmdCancel"); });
   Click("cmdOK");
   ASSERT_EQ(Caption("cmdCancel"), "Exit");
@@ -157,7 +157,7 @@ TEST_F(Job, TheSecondClickOfADoubleClickOnCancelDoesNotCountOnExit) {
   EXPECT_FALSE(ended_);
 }
 
-TEST_F(Job, AnEnterKeyHeldDownPressesNothingElse) {
+TEST_F(JobTest, AnEnterKeyHeldDownPressesNothingElse) {
   WhenRunning([this] { Window().cmdCancel_Click(); });
   Click("cmdOK");
   FileName(3).clear();
@@ -168,7 +168,7 @@ TEST_F(Job, AnEnterKeyHeldDownPressesNothingElse) {
   EXPECT_FALSE(ended_);
 }
 
-TEST_F(Job, ARepetitionOfAHeldEnterKeyThatLooksLikeANewPressPressesNothing) {
+TEST_F(JobTest, ARepetitionOfAHeldEnterKeyThatLooksLikeANewPressPressesNothing) {
   WhenRunning([this] { Window().cmdCancel_Click(); });
   Click("cmdOK");
   FileName(3).clear();
@@ -186,7 +186,7 @@ TEST_F(Job, ARepetitionOfAHeldEnterKeyThatLooksLikeANewPressPressesNothing) {
   EXPECT_TRUE(ended_) << "a press of its own counts";
 }
 
-TEST_F(Job, ALetterTypedTwiceAtOneTimeIsTypedTwice) {
+TEST_F(JobTest, ALetterTypedTwiceAtOneTimeIsTypedTwice) {
   QLineEdit field;
   for (const QEvent::Type type :
        {QEvent::KeyPress, QEvent::KeyRelease, QEvent::KeyPress, QEvent::KeyRelease}) {
@@ -197,7 +197,7 @@ TEST_F(Job, ALetterTypedTwiceAtOneTimeIsTypedTwice) {
   EXPECT_EQ(field.text(), QStringLiteral("11"));
 }
 
-TEST_F(Job, TheCloseBoxStopsItAndTheWindowStays) {
+TEST_F(JobTest, TheCloseBoxStopsItAndTheWindowStays) {
   WhenRunning([this] { EXPECT_FALSE(Window().close()); });
   Click("cmdOK");
   EXPECT_TRUE(seen_);
@@ -207,7 +207,7 @@ TEST_F(Job, TheCloseBoxStopsItAndTheWindowStays) {
   EXPECT_TRUE(Window().isVisible());
 }
 
-TEST_F(Job, ExitInTheMenuAsksAndNoLetsItGoOn) {
+TEST_F(JobTest, ExitInTheMenuAsksAndNoLetsItGoOn) {
   WhenRunning([this] { Item("MenuFilExit")->trigger(); });
   Click("cmdOK");
   ASSERT_EQ(dialogs_.Boxes.size(), 1U);
@@ -215,7 +215,7 @@ TEST_F(Job, ExitInTheMenuAsksAndNoLetsItGoOn) {
   EXPECT_FALSE(ended_);
 }
 
-TEST_F(Job, ExitInTheMenuAsksAndYesCancelsCleansUpAndEnds) {
+TEST_F(JobTest, ExitInTheMenuAsksAndYesCancelsCleansUpAndEnds) {
   dialogs_.BoxAnswers = {true};
   WhenRunning([this] {
     Item("MenuFilExit")->trigger();
@@ -227,7 +227,7 @@ TEST_F(Job, ExitInTheMenuAsksAndYesCancelsCleansUpAndEnds) {
   EXPECT_FALSE(Window().isVisible());
 }
 
-TEST_F(Job, AStopSignalCancelsItCleansUpAndEnds) {
+TEST_F(JobTest, AStopSignalCancelsItCleansUpAndEnds) {
   WhenRunning([] { ASSERT_EQ(std::raise(SIGTERM), 0); });
   Click("cmdOK");
   ASSERT_TRUE(WaitFor([this] { return ended_.has_value(); }));
@@ -236,7 +236,7 @@ TEST_F(Job, AStopSignalCancelsItCleansUpAndEnds) {
   EXPECT_TRUE(dialogs_.Closed);
 }
 
-TEST_F(Job, AnOutputThatCannotBeOpenedIsToldWithTheRunningLookLifted) {
+TEST_F(JobTest, AnOutputThatCannotBeOpenedIsToldWithTheRunningLookLifted) {
   const std::string name = FileName(3) = folder_.File("missing/out.pdf");
   dialogs_.WhileOpen = [this] {
     EXPECT_FALSE(Running());
@@ -252,7 +252,7 @@ TEST_F(Job, AnOutputThatCannotBeOpenedIsToldWithTheRunningLookLifted) {
   EXPECT_EQ(DefaultButton(), "cmdCancel");
 }
 
-TEST_F(Job, AnOutputThatIsAnInputIsToldAndNothingIsTouched) {
+TEST_F(JobTest, AnOutputThatIsAnInputIsToldAndNothingIsTouched) {
   FileName(3) = FileName(1);
   Click("cmdOK");
   ASSERT_EQ(dialogs_.Boxes.size(), 1U);
@@ -262,7 +262,7 @@ TEST_F(Job, AnOutputThatIsAnInputIsToldAndNothingIsTouched) {
   EXPECT_EQ(Marks(), "1<,2<,>");
 }
 
-TEST_F(Job, ARefusedFirstInputIsDroppedAndItsStatusLineSaysWhy) {
+TEST_F(JobTest, ARefusedFirstInputIsDroppedAndItsStatusLineSaysWhy) {
   folder_.Write("first.pdf", "no longer a document");
   Click("cmdOK");
   EXPECT_EQ(FileName(1), "");
@@ -272,7 +272,7 @@ TEST_F(Job, ARefusedFirstInputIsDroppedAndItsStatusLineSaysWhy) {
   EXPECT_EQ(Caption("cmdCancel"), "Exit");
 }
 
-TEST_F(Job, ARefusedSecondInputIsLeftOutAndItsStatusLineSaysWhy) {
+TEST_F(JobTest, ARefusedSecondInputIsLeftOutAndItsStatusLineSaysWhy) {
   folder_.Write("second.pdf", "no longer a document");
   Click("cmdOK");
   EXPECT_EQ(FileName(2), "");
@@ -281,7 +281,7 @@ TEST_F(Job, ARefusedSecondInputIsLeftOutAndItsStatusLineSaysWhy) {
   EXPECT_TRUE(dialogs_.Boxes.empty());
 }
 
-TEST_F(Job, WithoutAnyInputNothingHappensAndTheMarksStay) {
+TEST_F(JobTest, WithoutAnyInputNothingHappensAndTheMarksStay) {
   FileName(1).clear();
   FileName(2).clear();
   Window().RefreshControls();

@@ -9,7 +9,7 @@
 namespace folioweld::testing {
 namespace {
 
-class LogWindowText : public WindowTest {
+class LogWindowTest : public WindowFixture {
  protected:
   void SetUp() override { Open(); }
 
@@ -19,7 +19,7 @@ class LogWindowText : public WindowTest {
   [[nodiscard]] std::string Shown() { return Box()->toPlainText().toStdString(); }
 };
 
-TEST_F(LogWindowText, IsFilledByTheTimerTwiceASecond) {
+TEST_F(LogWindowTest, IsFilledByTheTimerTwiceASecond) {
   const auto* timer = Window().TheLogWindow().findChild<QTimer*>(QStringLiteral("timerLog1"));
   ASSERT_NE(timer, nullptr);
   EXPECT_EQ(timer->interval(), 500);
@@ -30,7 +30,7 @@ TEST_F(LogWindowText, IsFilledByTheTimerTwiceASecond) {
   EXPECT_TRUE(WaitFor([this] { return Shown().find("a line") != std::string::npos; }));
 }
 
-TEST_F(LogWindowText, ShowsTheNewestLineAtTheBottomWithTheCaretBehindIt) {
+TEST_F(LogWindowTest, ShowsTheNewestLineAtTheBottomWithTheCaretAfterIt) {
   for (int i = 0; i < 200; ++i) Window().Log().AddLogLine("line " + std::to_string(i));
   Window().TheLogWindow().timerLog1_Timer();
   EXPECT_THAT(Shown(), ::testing::EndsWith("line 198\nline 199\n"));
@@ -38,7 +38,7 @@ TEST_F(LogWindowText, ShowsTheNewestLineAtTheBottomWithTheCaretBehindIt) {
   EXPECT_TRUE(Box()->isReadOnly());
 }
 
-TEST_F(LogWindowText, ATickWithoutANewLineLeavesTheBoxAlone) {
+TEST_F(LogWindowTest, ATickWithoutANewLineLeavesTheBoxAlone) {
   Window().Log().AddLogLine("a line");
   Window().TheLogWindow().timerLog1_Timer();
   Box()->setPlainText(QStringLiteral("untouched"));
@@ -46,7 +46,7 @@ TEST_F(LogWindowText, ATickWithoutANewLineLeavesTheBoxAlone) {
   EXPECT_EQ(Shown(), "untouched");
 }
 
-TEST_F(LogWindowText, ATickWaitsWhileAWriterIsBusy) {
+TEST_F(LogWindowTest, ATickWaitsWhileAWriterIsBusy) {
   Window().Log().AddLogLine("a line");
   Window().Log().LogBusy = true;
   Window().TheLogWindow().timerLog1_Timer();
@@ -56,7 +56,7 @@ TEST_F(LogWindowText, ATickWaitsWhileAWriterIsBusy) {
   EXPECT_THAT(Shown(), ::testing::HasSubstr("a line"));
 }
 
-TEST_F(LogWindowText, ControlBytesAreReplacedInTheBoxAndKeptInTheRing) {
+TEST_F(LogWindowTest, ControlBytesAreReplacedInTheBoxAndKeptInTheRing) {
   const std::string line("a\0b\x01", 4);
   Window().Log().AddLogLine(line);
   Window().TheLogWindow().timerLog1_Timer();
@@ -65,7 +65,7 @@ TEST_F(LogWindowText, ControlBytesAreReplacedInTheBoxAndKeptInTheRing) {
   EXPECT_EQ(Window().Log().LogLine(Window().Log().LogIndex()), line);
 }
 
-TEST_F(LogWindowText, ClearingEmptiesRingAndBox) {
+TEST_F(LogWindowTest, ClearingEmptiesRingAndBox) {
   Window().Log().AddLogLine("a line");
   Window().TheLogWindow().timerLog1_Timer();
   Window().TheLogWindow().ClearLogScreen();
@@ -74,7 +74,7 @@ TEST_F(LogWindowText, ClearingEmptiesRingAndBox) {
   EXPECT_EQ(Window().Log().LogIndex(), 1);
 }
 
-TEST_F(LogWindowText, TheBoxFillsTheWindow) {
+TEST_F(LogWindowTest, TheBoxFillsTheWindow) {
   Window().TheLogWindow().resize(500, 300);
   EXPECT_TRUE(WaitFor([this] { return Box()->size() == QSize(500, 300); }));
 }

@@ -9,7 +9,7 @@
 namespace folioweld::testing {
 namespace {
 
-class Menu : public WindowTest {
+class MenuTest : public WindowFixture {
  protected:
   /// "name=caption" of every item in the order shown, submenus in brackets.
   static std::string Tree(const QList<QAction*>& items) {
@@ -40,7 +40,7 @@ class Menu : public WindowTest {
   }
 };
 
-TEST_F(Menu, HasItsTree) {
+TEST_F(MenuTest, HasItsTree) {
   Open();
   EXPECT_EQ(Tree(Window().menuBar()->actions()),
             "MenuFile0=File [MenuPdfMergeDir=Merge all PDF in a Directory; MenuFilExit=Exit]; "
@@ -54,7 +54,7 @@ TEST_F(Menu, HasItsTree) {
             "MenuPdfReader=My portable document reader]");
 }
 
-TEST_F(Menu, AFirstStartStoresTheDefaultsAndChecksThem) {
+TEST_F(MenuTest, AFirstStartStoresTheDefaultsAndChecksThem) {
   Open();
   EXPECT_EQ(Checked(), "MenuSortLexical MnuLogShow MenuOptViewYes");
   EXPECT_EQ(Stored("MenuSort"), "1");
@@ -62,7 +62,7 @@ TEST_F(Menu, AFirstStartStoresTheDefaultsAndChecksThem) {
   EXPECT_EQ(Stored("DisplayOutputAfterMerge"), "1");
 }
 
-TEST_F(Menu, EachSortItemIsCheckedAloneAndStoredAtOnce) {
+TEST_F(MenuTest, EachSortItemIsCheckedAloneAndStoredAtOnce) {
   Open();
   const std::vector<std::tuple<const char*, int, std::string>> items = {{"MenuSortLexicalRev", -1, "-1"},
                                                                         {"MenuSortByDate", 2, "2"},
@@ -77,7 +77,7 @@ TEST_F(Menu, EachSortItemIsCheckedAloneAndStoredAtOnce) {
   }
 }
 
-TEST_F(Menu, AnOrderOutsideTheFourMovesNoMarkAndIsStored) {
+TEST_F(MenuTest, AnOrderOutsideTheFourMovesNoMarkAndIsStored) {
   Open();
   Window().Program().SortOrder = 7;
   Window().UpdateSortMenu();
@@ -85,7 +85,7 @@ TEST_F(Menu, AnOrderOutsideTheFourMovesNoMarkAndIsStored) {
   EXPECT_EQ(Stored("MenuSort"), "7");
 }
 
-TEST_F(Menu, StoredOptionsAreReadAtStart) {
+TEST_F(MenuTest, StoredOptionsAreReadAtStart) {
   SettingsStore settings(system_);
   settings.WriteSetting("MenuSort", "-2");
   settings.WriteSetting("MenuShowLogWindow", "0");
@@ -99,7 +99,7 @@ TEST_F(Menu, StoredOptionsAreReadAtStart) {
   EXPECT_EQ(Window().Log().LogIndex(), 0) << "nothing is logged";
 }
 
-TEST_F(Menu, AStoredOrderThatIsNoneIsTheLexicalOne) {
+TEST_F(MenuTest, AStoredOrderThatIsNoneIsTheLexicalOne) {
   for (const char* text : {"0", "abc"}) {
     SettingsStore(system_).WriteSetting("MenuSort", text);
     Open();
@@ -110,7 +110,7 @@ TEST_F(Menu, AStoredOrderThatIsNoneIsTheLexicalOne) {
   }
 }
 
-TEST_F(Menu, TheLogIsHiddenAndShownEmptyAgain) {
+TEST_F(MenuTest, TheLogIsHiddenAndShownEmptyAgain) {
   Open();
   LogWindow& log = Window().TheLogWindow();
   EXPECT_TRUE(log.isVisible());
@@ -127,14 +127,14 @@ TEST_F(Menu, TheLogIsHiddenAndShownEmptyAgain) {
   EXPECT_EQ(Window().Log().LogIndex(), 0);
 }
 
-TEST_F(Menu, ShowingAShownLogKeepsItsLines) {
+TEST_F(MenuTest, ShowingAShownLogKeepsItsLines) {
   Open();
   Window().Log().AddLogLine("kept");
   Item("MnuLogShow")->trigger();
   EXPECT_THAT(Window().Log().LogText(), ::testing::HasSubstr("kept"));
 }
 
-TEST_F(Menu, TheCloseBoxOfTheLogActsAsHide) {
+TEST_F(MenuTest, TheCloseBoxOfTheLogActsAsHide) {
   Open();
   Window().TheLogWindow().close();
   EXPECT_FALSE(Window().TheLogWindow().isVisible());
@@ -143,7 +143,7 @@ TEST_F(Menu, TheCloseBoxOfTheLogActsAsHide) {
   EXPECT_EQ(Stored("MenuShowLogWindow"), "0");
 }
 
-TEST_F(Menu, TheDisplayOptionIsStoredAtOnce) {
+TEST_F(MenuTest, TheDisplayOptionIsStoredAtOnce) {
   Open();
   Item("MenuOptViewNo")->trigger();
   EXPECT_FALSE(Merge().ShowOutputAfterMerge);
@@ -154,14 +154,14 @@ TEST_F(Menu, TheDisplayOptionIsStoredAtOnce) {
   EXPECT_EQ(Stored("DisplayOutputAfterMerge"), "1");
 }
 
-TEST_F(Menu, TheDefaultTemporaryFolderIsStoredWithASeparator) {
+TEST_F(MenuTest, TheDefaultTemporaryFolderIsStoredWithASeparator) {
   Open();
   Item("MenuDefaultTmp0")->trigger();
   EXPECT_EQ(Stored("MergeTmpDir"), folder_.File("tmp/"));
   EXPECT_TRUE(dialogs_.Boxes.empty());
 }
 
-TEST_F(Menu, APickedTemporaryFolderIsStoredAndCancellingKeepsIt) {
+TEST_F(MenuTest, APickedTemporaryFolderIsStoredAndCancellingKeepsIt) {
   Open();
   dialogs_.FolderAnswers = {folder_.MakeFolder("scratch")};
   Item("MenuTmp0")->trigger();
@@ -173,35 +173,35 @@ TEST_F(Menu, APickedTemporaryFolderIsStoredAndCancellingKeepsIt) {
   EXPECT_EQ(Stored("MergeTmpDir"), folder_.File("scratch/"));
 }
 
-TEST_F(Menu, AboutFolioweldTellsTheVersionAndTheNotice) {
+TEST_F(MenuTest, AboutFolioweldTellsTheVersionAndTheNotice) {
   Open();
   Item("MenuAboutFolioweld")->trigger();
   ExpectBox(BoxIcon::Information,
             "\rFolioweld\rversion # 1.1.9\r\rCopyright (c) 2026 The Folioweld developers. MIT License.\r\r");
 }
 
-TEST_F(Menu, AboutTheAuthorTellsTheAddress) {
+TEST_F(MenuTest, AboutTheAuthorTellsTheAddress) {
   Open();
   Item("MenuVarnel")->trigger();
   ExpectBox(BoxIcon::Information,
             "\rAmbrose Varnel's e-mail address:\r\rambrose.varnel@folioweld.example\r\r");
 }
 
-TEST_F(Menu, AboutTheReaderTellsItsPath) {
+TEST_F(MenuTest, AboutTheReaderTellsItsPath) {
   Open();
   Item("MenuPdfReader")->trigger();
   ExpectBox(BoxIcon::Information,
             "\rOn this computer, the reader for portable documents is:\r\r/usr/bin/some reader\r\r");
 }
 
-TEST_F(Menu, AboutTheReaderTellsThatThereIsNone) {
+TEST_F(MenuTest, AboutTheReaderTellsThatThereIsNone) {
   desktop_.Reader.clear();
   Open();
   Item("MenuPdfReader")->trigger();
   ExpectBox(BoxIcon::Exclamation, "\rOn this computer, there is no reader for portable documents!");
 }
 
-TEST_F(Menu, ExitAsksOnceAndNoStays) {
+TEST_F(MenuTest, ExitAsksOnceAndNoStays) {
   Open();
   Item("MenuFilExit")->trigger();
   ASSERT_EQ(dialogs_.Boxes.size(), 1U);
@@ -213,7 +213,7 @@ TEST_F(Menu, ExitAsksOnceAndNoStays) {
   EXPECT_TRUE(Window().isVisible());
 }
 
-TEST_F(Menu, ExitAsksOnceAndYesEndsWithTheLogWindow) {
+TEST_F(MenuTest, ExitAsksOnceAndYesEndsWithTheLogWindow) {
   Open();
   dialogs_.BoxAnswers = {true};
   Item("MenuFilExit")->trigger();
@@ -224,7 +224,7 @@ TEST_F(Menu, ExitAsksOnceAndYesEndsWithTheLogWindow) {
   EXPECT_EQ(Stored("MenuShowLogWindow"), "1") << "the end of the program is no Hide";
 }
 
-TEST_F(Menu, TheCloseBoxAsksOnce) {
+TEST_F(MenuTest, TheCloseBoxAsksOnce) {
   Open();
   EXPECT_FALSE(Window().close());
   EXPECT_EQ(dialogs_.Boxes.size(), 1U);
@@ -235,7 +235,7 @@ TEST_F(Menu, TheCloseBoxAsksOnce) {
   EXPECT_EQ(ended_, 0);
 }
 
-TEST_F(Menu, TheExitButtonDoesNotAsk) {
+TEST_F(MenuTest, TheExitButtonDoesNotAsk) {
   Open();
   Click("cmdCancel");
   EXPECT_TRUE(dialogs_.Boxes.empty());
@@ -244,7 +244,7 @@ TEST_F(Menu, TheExitButtonDoesNotAsk) {
   EXPECT_FALSE(Window().TheLogWindow().isVisible());
 }
 
-TEST_F(Menu, AnyOtherUnloadIsAllowedWithoutAsking) {
+TEST_F(MenuTest, AnyOtherUnloadIsAllowedWithoutAsking) {
   Open();
   EXPECT_TRUE(Window().Form_QueryUnload(false));
   Window().EndBySystem();
@@ -252,7 +252,7 @@ TEST_F(Menu, AnyOtherUnloadIsAllowedWithoutAsking) {
   EXPECT_EQ(ended_, 0);
 }
 
-TEST_F(Menu, EveryControlCanBeReachedByKeyboardInTheOrderOfThePlaces) {
+TEST_F(MenuTest, EveryControlCanBeReachedByKeyboardInTheOrderOfThePlaces) {
   Open();
   ChooseAll();
   Button("cmdInput1")->setFocus();
@@ -264,7 +264,7 @@ TEST_F(Menu, EveryControlCanBeReachedByKeyboardInTheOrderOfThePlaces) {
   EXPECT_EQ(order, "cmdInput1 CmdClr1 PictToggle cmdInput2 CmdClr2 cmdOutput CmdClrOut cmdOK cmdCancel ");
 }
 
-TEST_F(Menu, SpaceSwapsAndEnterPressesTheDefaultButtonWhereverTheFocusIs) {
+TEST_F(MenuTest, SpaceSwapsAndEnterPressesTheDefaultButtonWhereverTheFocusIs) {
   Open();
   ChooseAll();
   Button("PictToggle")->setFocus();
@@ -281,7 +281,7 @@ TEST_F(Menu, SpaceSwapsAndEnterPressesTheDefaultButtonWhereverTheFocusIs) {
   EXPECT_TRUE(dialogs_.OpenQuestions.empty());
 }
 
-TEST_F(Menu, EscapeNeverClosesTheWindow) {
+TEST_F(MenuTest, EscapeNeverClosesTheWindow) {
   Open();
   QTest::keyClick(&Window(), Qt::Key_Escape);
   QTest::keyClick(Button("cmdInput1"), Qt::Key_Escape);
@@ -289,7 +289,7 @@ TEST_F(Menu, EscapeNeverClosesTheWindow) {
   EXPECT_FALSE(ended_);
 }
 
-TEST_F(Menu, EveryControlSaysWhatItIsFor) {
+TEST_F(MenuTest, EveryControlSaysWhatItIsFor) {
   Open();
   std::vector<std::string> names;
   for (const char* name : {"cmdInput1", "CmdClr1", "cmdInput2", "CmdClr2", "cmdOutput", "CmdClrOut",

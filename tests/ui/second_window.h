@@ -4,7 +4,7 @@
 
 namespace folioweld::testing {
 
-/// The argument that makes the test program a window of its own beside the one of a test. Behind it: what it
+/// The argument that makes the test program a window of its own beside the one of a test. After it: what it
 /// is to change ("sort" or "display"), and the folder of the settings.
 inline constexpr char kAsSecondWindow[] = "--as-second-window";
 

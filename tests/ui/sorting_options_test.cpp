@@ -9,7 +9,7 @@
 namespace folioweld::testing {
 namespace {
 
-class Sorting : public ::testing::Test {
+class SortingOptionsTest : public ::testing::Test {
  protected:
   [[nodiscard]] QRadioButton* Option(int index) {
     return dialog_.findChild<QRadioButton*>(QStringLiteral("Option1") + QString::number(index));
@@ -29,7 +29,7 @@ class Sorting : public ::testing::Test {
   SortingOptions dialog_{nullptr};
 };
 
-TEST_F(Sorting, HasTheDesignsCaptions) {
+TEST_F(SortingOptionsTest, HasTheDesignsCaptions) {
   EXPECT_EQ(dialog_.windowTitle().toStdString(), "Directory merge sorting option");
   EXPECT_EQ(dialog_.findChild<QLabel*>(QStringLiteral("Label1"))->text().toStdString(),
             "Please specify your sorting option for directory merge");
@@ -43,7 +43,7 @@ TEST_F(Sorting, HasTheDesignsCaptions) {
   EXPECT_EQ(Button("cmdCancel")->text().toStdString(), "Cancel");
 }
 
-TEST_F(Sorting, EachValueChecksItsOptionAndNoOther) {
+TEST_F(SortingOptionsTest, EachValueChecksItsOptionAndNoOther) {
   const std::pair<std::int16_t, int> values[] = {{1, 0}, {-1, 1}, {2, 2}, {-2, 3}};
   for (const auto& [value, index] : values) {
     dialog_.SetSortOption(value);
@@ -52,14 +52,14 @@ TEST_F(Sorting, EachValueChecksItsOptionAndNoOther) {
   }
 }
 
-TEST_F(Sorting, AnyOtherValueLeavesTheOptionAsItWas) {
+TEST_F(SortingOptionsTest, AnyOtherValueLeavesTheOptionAsItWas) {
   dialog_.SetSortOption(2);
   dialog_.SetSortOption(5);
   EXPECT_EQ(Checked(), 2);
   EXPECT_EQ(dialog_.SortOption(), 5);
 }
 
-TEST_F(Sorting, AnOptionOutsideTheFrameUnchecksTheOneInsideAndTheReverse) {
+TEST_F(SortingOptionsTest, AnOptionOutsideTheFrameUnchecksTheOneInsideAndTheReverse) {
   dialog_.SetSortOption(1);
   dialog_.show();
   for (const int index : {1, 2, 3, 0, 0}) {
@@ -68,7 +68,7 @@ TEST_F(Sorting, AnOptionOutsideTheFrameUnchecksTheOneInsideAndTheReverse) {
   }
 }
 
-TEST_F(Sorting, ChoosingGivesTheOptionsValue) {
+TEST_F(SortingOptionsTest, ChoosingGivesTheOptionsValue) {
   const std::int16_t values[] = {1, -1, 2, -2};
   for (int index = 0; index < 4; ++index) {
     dialog_.SetSortOption(1);
@@ -81,7 +81,7 @@ TEST_F(Sorting, ChoosingGivesTheOptionsValue) {
   }
 }
 
-TEST_F(Sorting, CancelAfterAnotherOptionKeepsTheCallersValue) {
+TEST_F(SortingOptionsTest, CancelAfterAnotherOptionKeepsTheCallersValue) {
   dialog_.SetSortOption(-1);
   dialog_.show();
   QTest::mouseClick(Option(2), Qt::LeftButton);
@@ -90,7 +90,7 @@ TEST_F(Sorting, CancelAfterAnotherOptionKeepsTheCallersValue) {
   EXPECT_FALSE(dialog_.isVisible());
 }
 
-TEST_F(Sorting, EscapeAndTheCloseBoxKeepTheCallersValue) {
+TEST_F(SortingOptionsTest, EscapeAndTheCloseBoxKeepTheCallersValue) {
   dialog_.SetSortOption(-1);
   dialog_.show();
   QTest::mouseClick(Option(2), Qt::LeftButton);
@@ -101,7 +101,7 @@ TEST_F(Sorting, EscapeAndTheCloseBoxKeepTheCallersValue) {
   EXPECT_EQ(dialog_.SortOption(), -1);
 }
 
-TEST_F(Sorting, ArrowKeysGoThroughTheOptionsAndEnterChooses) {
+TEST_F(SortingOptionsTest, ArrowKeysGoThroughTheOptionsAndEnterChooses) {
   dialog_.SetSortOption(1);
   dialog_.show();
   Option(0)->setFocus();
@@ -116,7 +116,7 @@ TEST_F(Sorting, ArrowKeysGoThroughTheOptionsAndEnterChooses) {
   EXPECT_EQ(dialog_.SortOption(), -2);
 }
 
-TEST_F(Sorting, EveryCaptionFits) {
+TEST_F(SortingOptionsTest, EveryCaptionFits) {
   for (int index = 0; index < 4; ++index)
     EXPECT_GE(Option(index)->width(), Option(index)->sizeHint().width());
   EXPECT_EQ(dialog_.minimumSize(), dialog_.maximumSize());

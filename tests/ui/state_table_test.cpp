@@ -5,6 +5,8 @@
 namespace folioweld::testing {
 namespace {
 
+using WindowTest = WindowFixture;
+
 struct Row {
   const char* State;
   bool First, Second, Output;
@@ -17,9 +19,9 @@ void PrintTo(const Row& row, std::ostream* out) {
   *out << row.State;
 }
 
-class StateTable : public WindowTest, public ::testing::WithParamInterface<Row> {};
+class StateTableTest : public WindowFixture, public ::testing::WithParamInterface<Row> {};
 
-TEST_P(StateTable, FollowsTheFileNames) {
+TEST_P(StateTableTest, FollowsTheFileNames) {
   Open();
   FileName(1) = GetParam().First ? "/a" : "";
   FileName(2) = GetParam().Second ? "/b" : "";
@@ -36,7 +38,7 @@ TEST_P(StateTable, FollowsTheFileNames) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Rows, StateTable,
+    Rows, StateTableTest,
     ::testing::Values(
         Row{"Nothing", false, false, false, "cmdInput1", "cmdCancel", ",,"},
         Row{"First", true, false, false, "cmdInput1 CmdClr1 cmdInput2 cmdOutput", "cmdCancel", "1<,,"},

@@ -10,9 +10,9 @@
 namespace folioweld::testing {
 namespace {
 
-class TogglePictureDrawing : public ::testing::Test {
+class TogglePictureTest : public ::testing::Test {
  protected:
-  TogglePictureDrawing() { picture_.resize(55, 55); }
+  TogglePictureTest() { picture_.resize(55, 55); }
 
   [[nodiscard]] QImage Drawn() { return picture_.grab().toImage(); }
   /// Whether the colour is somewhere in the picture.
@@ -31,12 +31,12 @@ class TogglePictureDrawing : public ::testing::Test {
   TogglePicture picture_{nullptr};
 };
 
-TEST_F(TogglePictureDrawing, IsDrawnInTheTextColourOverTheFace) {
+TEST_F(TogglePictureTest, IsDrawnInTheTextColourOverTheFace) {
   EXPECT_TRUE(Holds(Colour(QPalette::ButtonText)));
   EXPECT_EQ(At(412, 412), Colour(QPalette::Button)) << "the middle is empty";
 }
 
-TEST_F(TogglePictureDrawing, HasAnArcOnEachSideAndArrowheadsAboveLeftAndBelowRight) {
+TEST_F(TogglePictureTest, HasAnArcOnEachSideAndArrowheadsAboveLeftAndBelowRight) {
   const QColor text = Colour(QPalette::ButtonText);
   const int left = 825 / 2 + 37 - 309;
   const int right = 825 / 2 - 37 + 309;
@@ -48,7 +48,7 @@ TEST_F(TogglePictureDrawing, HasAnArcOnEachSideAndArrowheadsAboveLeftAndBelowRig
   EXPECT_EQ(At(412, 715), Colour(QPalette::Button)) << "open below";
 }
 
-TEST_F(TogglePictureDrawing, IsDrawnInTheHighlightColourWhilePressed) {
+TEST_F(TogglePictureTest, IsDrawnInTheHighlightColourWhilePressed) {
   picture_.DrawToggle(true);
   EXPECT_TRUE(Holds(Colour(QPalette::Highlight)));
   EXPECT_FALSE(Holds(Colour(QPalette::ButtonText)));
@@ -56,7 +56,7 @@ TEST_F(TogglePictureDrawing, IsDrawnInTheHighlightColourWhilePressed) {
   EXPECT_FALSE(Holds(Colour(QPalette::Highlight)));
 }
 
-TEST_F(TogglePictureDrawing, IsErasedWhileDisabled) {
+TEST_F(TogglePictureTest, IsErasedWhileDisabled) {
   picture_.setEnabled(false);
   const QImage image = Drawn();
   std::set<QRgb> colours;
@@ -66,7 +66,7 @@ TEST_F(TogglePictureDrawing, IsErasedWhileDisabled) {
   EXPECT_EQ(colours.size(), 1U);
 }
 
-TEST_F(TogglePictureDrawing, FollowsADarkPalette) {
+TEST_F(TogglePictureTest, FollowsADarkPalette) {
   QPalette dark;
   dark.setColor(QPalette::Button, QColor(40, 40, 40));
   dark.setColor(QPalette::ButtonText, QColor(240, 240, 240));

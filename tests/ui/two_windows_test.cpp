@@ -11,6 +11,8 @@
 namespace folioweld::testing {
 namespace {
 
+using WindowTest = WindowFixture;
+
 TEST_F(WindowTest, TwoThatChangeSettingsAtOnceLoseNoneAndMixNone) {
   Open();
   ASSERT_EQ(Stored("MenuSort"), "1");

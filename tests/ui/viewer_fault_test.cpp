@@ -9,7 +9,7 @@
 namespace folioweld::testing {
 namespace {
 
-class ViewerFault : public WindowTest {
+class ViewerFaultTest : public WindowFixture {
  protected:
   /// How the watching ends where no fault comes between.
   enum class End { TheViewerEnds, TheUserClosesIt, TheUserClosesOneWithoutWindows };
@@ -44,10 +44,10 @@ class ViewerFault : public WindowTest {
     EXPECT_EQ(DefaultButton(), "cmdOK");
     EXPECT_EQ(Window().cursor().shape(), Qt::ArrowCursor);
     EXPECT_FALSE(Window().Program().ExternalBusy);
-    EXPECT_FALSE(WindowTest::Merge().AbortRequested);
+    EXPECT_FALSE(WindowFixture::Merge().AbortRequested);
     EXPECT_TRUE(dialogs_.Boxes.empty());
     EXPECT_FALSE(ended_);
-    EXPECT_EQ(WindowTest::Merge().MergeStatus, 2);
+    EXPECT_EQ(WindowFixture::Merge().MergeStatus, 2);
     EXPECT_TRUE(ReadFile(FileName(3)) == whole_);
     EXPECT_TRUE(ReadFile(FileName(1)) == first_ && ReadFile(FileName(2)) == second_);
   }
@@ -87,15 +87,15 @@ class ViewerFault : public WindowTest {
   std::string whole_;
 };
 
-TEST_F(ViewerFault, TheWindowComesBackFromAViewerThatEnds) {
+TEST_F(ViewerFaultTest, TheWindowComesBackFromAViewerThatEnds) {
   Sweep(End::TheViewerEnds);
 }
 
-TEST_F(ViewerFault, TheWindowComesBackFromAViewerThatIsClosed) {
+TEST_F(ViewerFaultTest, TheWindowComesBackFromAViewerThatIsClosed) {
   Sweep(End::TheUserClosesIt);
 }
 
-TEST_F(ViewerFault, TheWindowComesBackFromAViewerThatIsAskedToEnd) {
+TEST_F(ViewerFaultTest, TheWindowComesBackFromAViewerThatIsAskedToEnd) {
   Sweep(End::TheUserClosesOneWithoutWindows);
 }
 

@@ -5,7 +5,9 @@
 namespace folioweld::testing {
 namespace {
 
-class ViewerLaunch : public WindowTest {
+using WindowTest = WindowFixture;
+
+class ViewerLaunchTest : public WindowFixture {
  protected:
   void SetUp() override {
     Open();
@@ -25,7 +27,7 @@ class ViewerLaunch : public WindowTest {
   bool seen_ = false;
 };
 
-TEST_F(ViewerLaunch, TheWindowWaitsWithItsButtonsLockedUntilTheViewerEnds) {
+TEST_F(ViewerLaunchTest, TheWindowWaitsWithItsButtonsLockedUntilTheViewerEnds) {
   WhenWatched([this] {
     EXPECT_EQ(EnabledButtons(), "");
     EXPECT_EQ(DefaultButton(), "cmdCancel");
@@ -47,7 +49,7 @@ TEST_F(ViewerLaunch, TheWindowWaitsWithItsButtonsLockedUntilTheViewerEnds) {
   EXPECT_TRUE(desktop_.Asked.empty());
 }
 
-TEST_F(ViewerLaunch, CloseDisplayWindowAsksItsWindowsAndDoesNotWait) {
+TEST_F(ViewerLaunchTest, CloseDisplayWindowAsksItsWindowsAndDoesNotWait) {
   WhenWatched([this] { Click("cmdCancel"); });
   Click("cmdOK");
   EXPECT_EQ(desktop_.Asked, std::vector{WindowSystem::kViewer});
@@ -58,14 +60,14 @@ TEST_F(ViewerLaunch, CloseDisplayWindowAsksItsWindowsAndDoesNotWait) {
   EXPECT_FALSE(ended_);
 }
 
-TEST_F(ViewerLaunch, AViewerWithoutWindowsToAskIsAskedToEnd) {
+TEST_F(ViewerLaunchTest, AViewerWithoutWindowsToAskIsAskedToEnd) {
   desktop_.HasWindows = false;
   WhenWatched([this] { Click("cmdCancel"); });
   Click("cmdOK");
   EXPECT_EQ(system_.Terminated, std::vector{WindowSystem::kViewer});
 }
 
-TEST_F(ViewerLaunch, AViewerThatSurvivedIsTakenLeaveOfWhenItEnds) {
+TEST_F(ViewerLaunchTest, AViewerThatSurvivedIsTakenLeaveOfWhenItEnds) {
   WhenWatched([this] { Click("cmdCancel"); });
   Click("cmdOK");
   system_.ViewerRuns = false;
@@ -76,7 +78,7 @@ TEST_F(ViewerLaunch, AViewerThatSurvivedIsTakenLeaveOfWhenItEnds) {
   EXPECT_EQ(system_.Polls, afterwards);
 }
 
-TEST_F(ViewerLaunch, AViewerThatHandsOverAndEndsIsNotWaitedFor) {
+TEST_F(ViewerLaunchTest, AViewerThatHandsOverAndEndsIsNotWaitedFor) {
   desktop_.EndsAtOnce = true;
   Click("cmdOK");
   EXPECT_EQ(desktop_.Launched.size(), 1U);
@@ -84,7 +86,7 @@ TEST_F(ViewerLaunch, AViewerThatHandsOverAndEndsIsNotWaitedFor) {
   EXPECT_TRUE(desktop_.Asked.empty());
 }
 
-TEST_F(ViewerLaunch, AFailedStartIsIgnored) {
+TEST_F(ViewerLaunchTest, AFailedStartIsIgnored) {
   desktop_.Starts = false;
   Click("cmdOK");
   EXPECT_EQ(desktop_.Launched.size(), 1U);
@@ -93,25 +95,25 @@ TEST_F(ViewerLaunch, AFailedStartIsIgnored) {
   EXPECT_EQ(DefaultButton(), "cmdOK");
 }
 
-TEST_F(ViewerLaunch, NothingIsStartedWhenTheUserChoseNotTo) {
+TEST_F(ViewerLaunchTest, NothingIsStartedWhenTheUserChoseNotTo) {
   Item("MenuOptViewNo")->trigger();
   Click("cmdOK");
   EXPECT_TRUE(desktop_.Launched.empty());
 }
 
-TEST_F(ViewerLaunch, NothingIsStartedInSilentMode) {
+TEST_F(ViewerLaunchTest, NothingIsStartedInSilentMode) {
   Merge().SilentMode = true;
   Click("cmdOK");
   EXPECT_TRUE(desktop_.Launched.empty());
 }
 
-TEST_F(ViewerLaunch, NothingIsStartedAfterAFailedMerge) {
+TEST_F(ViewerLaunchTest, NothingIsStartedAfterAFailedMerge) {
   FileName(3) = folder_.File("missing/out.pdf");
   Click("cmdOK");
   EXPECT_TRUE(desktop_.Launched.empty());
 }
 
-TEST_F(ViewerLaunch, TheCloseBoxAsksAndYesLeavesTheViewerAlone) {
+TEST_F(ViewerLaunchTest, TheCloseBoxAsksAndYesLeavesTheViewerAlone) {
   dialogs_.BoxAnswers = {true};
   WhenWatched([this] { Window().close(); });
   Click("cmdOK");
@@ -120,7 +122,7 @@ TEST_F(ViewerLaunch, TheCloseBoxAsksAndYesLeavesTheViewerAlone) {
   EXPECT_TRUE(system_.Terminated.empty());
 }
 
-TEST_F(ViewerLaunch, TheCloseBoxAsksAndNoGoesOnWatching) {
+TEST_F(ViewerLaunchTest, TheCloseBoxAsksAndNoGoesOnWatching) {
   WhenWatched([this] {
     EXPECT_FALSE(Window().close());
     EXPECT_TRUE(Watched());
@@ -132,7 +134,7 @@ TEST_F(ViewerLaunch, TheCloseBoxAsksAndNoGoesOnWatching) {
   EXPECT_TRUE(desktop_.Asked.empty());
 }
 
-TEST_F(ViewerLaunch, APressBegunOnCloseDisplayWindowDoesNotCountOnExit) {
+TEST_F(ViewerLaunchTest, APressBegunOnCloseDisplayWindowDoesNotCountOnExit) {
   WhenWatched([this] {
     QTest::mousePress(Button("cmdCancel"), Qt::LeftButton);
     system_.ViewerRuns = false;

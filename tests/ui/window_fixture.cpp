@@ -74,25 +74,25 @@ bool FakeDesktop::CloseThreadWindows(Process process) {
   return HasWindows;
 }
 
-WindowTest::WindowTest() : startFolder_(std::filesystem::current_path().string()) {
+WindowFixture::WindowFixture() : startFolder_(std::filesystem::current_path().string()) {
   system_.Environment = {{"XDG_CONFIG_HOME", folder_.MakeFolder("config")},
                          {"TMPDIR", folder_.MakeFolder("tmp")}};
 }
 
-WindowTest::~WindowTest() {
+WindowFixture::~WindowFixture() {
   timers_.clear();
   window_.reset();
   EXPECT_EQ(std::filesystem::current_path().string(), startFolder_) << "the current folder was left changed";
 }
 
-void WindowTest::Open(const std::string& commandLine) {
+void WindowFixture::Open(const std::string& commandLine) {
   window_ = std::make_unique<Folioweld>(system_, dialogs_, desktop_, commandLine);
   window_->EndProgram = [this](int status) { ended_ = status; };
   window_->Start();
   ASSERT_TRUE(WaitFor([this] { return window_->WasActivated(); }));
 }
 
-std::string WindowTest::DefaultButton() {
+std::string WindowFixture::DefaultButton() {
   std::string names;
   for (const char* name : {"cmdOK", "cmdCancel"}) {
     if (Find<QPushButton>(name)->isDefault()) names += name;
@@ -100,7 +100,7 @@ std::string WindowTest::DefaultButton() {
   return names;
 }
 
-std::string WindowTest::EnabledButtons() {
+std::string WindowFixture::EnabledButtons() {
   std::string names;
   for (const char* name :
        {"cmdInput1", "CmdClr1", "cmdInput2", "CmdClr2", "PictToggle", "cmdOutput", "CmdClrOut", "cmdOK"}) {
@@ -109,27 +109,27 @@ std::string WindowTest::EnabledButtons() {
   return names;
 }
 
-std::string WindowTest::Marks() {
+std::string WindowFixture::Marks() {
   return Label("txtDoing0") + "," + Label("txtDoing1") + "," + Label("txtDoing2");
 }
 
-std::string WindowTest::Stored(const std::string& setting) {
+std::string WindowFixture::Stored(const std::string& setting) {
   SettingsStore settings(system_);
   const std::string text = settings.ReadSetting(setting);
   return settings.LastError() == kSettingsOk ? text : "(not stored)";
 }
 
-void WindowTest::AtEveryTurn(std::function<void()> step) {
+void WindowFixture::AtEveryTurn(std::function<void()> step) {
   timers_.push_back(std::make_unique<QTimer>());
   QObject::connect(timers_.back().get(), &QTimer::timeout, timers_.back().get(), std::move(step));
   timers_.back()->start(0);
 }
 
-std::string WindowTest::Document(const std::string& name, int pages) {
+std::string WindowFixture::Document(const std::string& name, int pages) {
   return folder_.Write(name, SimpleDocument(pages, name));
 }
 
-void WindowTest::ChooseAll() {
+void WindowFixture::ChooseAll() {
   FileName(1) = Document("first.pdf");
   FileName(2) = Document("second.pdf");
   FileName(3) = folder_.File("joined.pdf");

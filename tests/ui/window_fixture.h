@@ -89,10 +89,10 @@ class FakeDesktop : public ViewerDesktop {
 };
 
 /// A window with a settings file and a temporary folder of its own.
-class WindowTest : public ::testing::Test {
+class WindowFixture : public ::testing::Test {
  protected:
-  WindowTest();
-  ~WindowTest() override;
+  WindowFixture();
+  ~WindowFixture() override;
 
   /// Makes, loads and activates the window.
   void Open(const std::string& commandLine = {});
