@@ -90,32 +90,30 @@ std::string SettingsStore::ReadSetting(const std::string& name) {
     CloseSettingsKey();
     return {};
   }
-  const auto text = ReadFileText();
+  std::string text;
+  const Outcome outcome = ReadFileText(text);
   CloseSettingsKey();
-  if (!text.Ok()) {
-    lastError_ = text.Error().Code == EINVAL ? kSettingsOtherFailure : kSettingsReadFailure;
+  if (outcome) {
+    lastError_ = outcome.System ? kSettingsReadFailure : outcome.Own;
     return {};
   }
-  const auto value = FindSetting(text.Value(), name);
+  const auto value = FindSetting(text, name);
   lastError_ = value ? kSettingsOk : kSettingsNoSuchValue;
   return value ? std::string(Conversions::StripAtNull(*value)) : std::string();
 }
 
 int SettingsStore::WriteSetting(const std::string& name, const std::string& text) {
-  return Store(name, text, Stored::Replace);
+  return Store(name, text, Stored::Replace).Code();
 }
 
-int SettingsStore::Store(const std::string& name, const std::string& text, Stored stored) {
-  const int key = EnsureSettingsKey();
-  if (key == kFailure) {
-    lastError_ = kSettingsKeyFailure;
-    return lastError_;
-  }
-  const auto present = ReadFileText();
+SettingsStore::Outcome SettingsStore::Store(const std::string& name, const std::string& text, Stored stored) {
+  if (EnsureSettingsKey() == kFailure) return kSettingsKeyFailure;
+  std::string present;
+  const Outcome read = ReadFileText(present);
   CloseSettingsKey();
   // What is stored already needs no writing: a start then touches no file.
-  if (present.Ok() && FindSetting(present.Value(), name) == text) return kSettingsOk;
-  return ReplaceUnderLock(name, text, stored).Code;
+  if (!read && FindSetting(present, name) == text) return {};
+  return ReplaceUnderLock(name, text, stored);
 }
 
 int SettingsStore::ReadSettingOrDefault(const std::string& name, std::string& text,
@@ -124,7 +122,7 @@ int SettingsStore::ReadSettingOrDefault(const std::string& name, std::string& te
   if (lastError_ == kSettingsOk) return kSettingsOk;
   text = defaultText;
   if (lastError_ != kSettingsNoSuchValue) return lastError_;
-  return Store(name, defaultText, Stored::Keep);
+  return Store(name, defaultText, Stored::Keep).Code();
 }
 
 SystemError SettingsStore::MakeFolder() {
@@ -137,18 +135,17 @@ SystemError SettingsStore::MakeFolder() {
   return error.Code == EEXIST ? SystemError{} : error;
 }
 
-SystemResult<std::string> SettingsStore::ReadFileText() {
+SettingsStore::Outcome SettingsStore::ReadFileText(std::string& text) {
   const auto information = system_.GetFileInformationByHandle(SettingsKey);
   if (!information.Ok()) return information.Error();
   const std::int64_t size = information.Value().Size;
-  if (information.Value().Kind != FileKind::Regular || size > kLongestFile) return SystemError{EINVAL};
-  std::string text(static_cast<std::size_t>(size), '\0');
-  const SystemError error = ReadFully(system_, SettingsKey, 0, text.data(), size);
-  if (error) return error;
-  return text;
+  if (information.Value().Kind != FileKind::Regular || size > kLongestFile) return kSettingsOtherFailure;
+  text.resize(static_cast<std::size_t>(size));
+  return ReadFully(system_, SettingsKey, 0, text.data(), size);
 }
 
-SystemError SettingsStore::ReplaceUnderLock(const std::string& name, const std::string& text, Stored stored) {
+SettingsStore::Outcome SettingsStore::ReplaceUnderLock(const std::string& name, const std::string& text,
+                                                       Stored stored) {
   const std::string lockPath = FilePath() + ".lock";
   const auto lock =
       RetryInterrupted([&] { return system_.CreateFile(lockPath, OpenMode::ReadWriteCreatePrivate); });
@@ -157,12 +154,13 @@ SystemError SettingsStore::ReplaceUnderLock(const std::string& name, const std::
   const SystemError error = RetryInterrupted([&] { return system_.LockFile(lock.Value()); });
   if (error) return error;
   // Read again: another process may have changed other settings before the lock was given.
-  if (!OpenSettingsKey()) return SystemError{kSettingsKeyFailure};
-  const auto present = ReadFileText();
+  if (!OpenSettingsKey()) return kSettingsKeyFailure;
+  std::string present;
+  const Outcome read = ReadFileText(present);
   CloseSettingsKey();
-  if (!present.Ok()) return present.Error();
-  if (stored == Stored::Keep && FindSetting(present.Value(), name)) return {};
-  const std::string changed = ReplaceSetting(present.Value(), name, text);
+  if (read) return read;
+  if (stored == Stored::Keep && FindSetting(present, name)) return {};
+  const std::string changed = ReplaceSetting(present, name, text);
   // Nothing would ever read or replace such a file again.
   if (static_cast<std::int64_t>(changed.size()) > kLongestFile) return SystemError{EFBIG};
   return ReplaceFile(changed);

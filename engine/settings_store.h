@@ -7,13 +7,14 @@
 
 namespace folioweld {
 
-/// The outcomes of a settings read, kept in `SettingsStore::LastError`.
+/// What the store itself says about a call. These are codes of its interface and no error numbers of the
+/// system.
 enum SettingsError {
   kSettingsOk = 0,
   kSettingsKeyFailure = 1011,   ///< the store could not be opened or created
   kSettingsReadFailure = 1012,  ///< the store was opened but could not be read
   kSettingsNoSuchValue = 1387,  ///< the value was never written
-  kSettingsOtherFailure = 1015
+  kSettingsOtherFailure = 1015  ///< what is stored there is no settings file
 };
 
 /// The user's choices between runs: short texts under names, in one per-user file that is replaced as a
@@ -40,13 +41,14 @@ class SettingsStore {
 
   /// The text up to its first NUL, or empty; the outcome is left in `LastError`.
   [[nodiscard]] std::string ReadSetting(const std::string& name);
-  /// 0 on success, else an error code.
+  /// 0 on success, else a `SettingsError` or, where the system refused a call, its error number.
   int WriteSetting(const std::string& name, const std::string& text);
   /// The text, or the default; a value that was never written gets the default written, unless another
   /// process writes it first. 0 on success.
   int ReadSettingOrDefault(const std::string& name, std::string& text, const std::string& defaultText);
 
-  [[nodiscard]] int LastError() const { return lastError_; }
+  /// Of the last read.
+  [[nodiscard]] SettingsError LastError() const { return lastError_; }
 
   /// The settings file's full path; empty when the user has no home.
   [[nodiscard]] std::string FilePath();
@@ -54,17 +56,31 @@ class SettingsStore {
   WindowsAPI::Handle SettingsKey = -1;  ///< -1 = not open
 
  private:
+  /// What went wrong, said by the store or by the system; nothing when both fields are 0.
+  struct [[nodiscard]] Outcome {
+    SettingsError Own = kSettingsOk;
+    SystemError System;
+
+    Outcome() = default;
+    Outcome(SettingsError own) : Own(own) {}         // NOLINT(google-explicit-constructor)
+    Outcome(SystemError system) : System(system) {}  // NOLINT(google-explicit-constructor)
+
+    explicit operator bool() const { return Own != kSettingsOk || System; }
+    /// As the interface gives it.
+    [[nodiscard]] int Code() const { return Own != kSettingsOk ? Own : System.Code; }
+  };
+
   [[nodiscard]] SystemError MakeFolder();
-  [[nodiscard]] SystemResult<std::string> ReadFileText();
+  Outcome ReadFileText(std::string& text);
   [[nodiscard]] SystemError ReplaceFile(std::string_view text);
   /// What becomes of a text that another process stored in the meantime.
   enum class Stored { Replace, Keep };
-  int Store(const std::string& name, const std::string& text, Stored stored);
-  [[nodiscard]] SystemError ReplaceUnderLock(const std::string& name, const std::string& text, Stored stored);
+  Outcome Store(const std::string& name, const std::string& text, Stored stored);
+  Outcome ReplaceUnderLock(const std::string& name, const std::string& text, Stored stored);
   [[nodiscard]] SystemError WriteWhole(WindowsAPI::Handle file, std::string_view text);
 
   WindowsAPI& system_;
-  int lastError_ = kSettingsOk;
+  SettingsError lastError_ = kSettingsOk;
 };
 
 }  // namespace folioweld
