@@ -1,3 +1,6 @@
+# Which folder includes which takes no time to look at, so every run does.
+add_test(NAME folders_use_only_what_they_may COMMAND ${PROJECT_SOURCE_DIR}/scripts/check-layers.py)
+
 # Checks of the sources and of the built program, as tests with the label "lint". One preset of several
 # asks for them: they say the same whatever the flags of the build are.
 option(FOLIOWELD_LINT "Add the checks of the sources as tests (needs clang-tidy-14 and clang-format-14)" OFF)

@@ -1,11 +1,11 @@
 #include "ui/x11_windows.h"
 
+#include <QSysInfo>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
-#include <unistd.h>
 #include <vector>
 #include <xcb/xcb.h>
 
@@ -22,11 +22,6 @@ using Reply = std::unique_ptr<T, FreeDeleter>;
 
 /// Longest property read, in units of four bytes.
 constexpr std::uint32_t kLongestProperty = 65536;
-
-std::string HostName() {
-  char name[256] = "";
-  return ::gethostname(name, sizeof name - 1) == 0 ? name : "";
-}
 
 class Display {
  public:
@@ -53,7 +48,7 @@ class Display {
     if (id.size() != 1 || id[0] != static_cast<std::uint32_t>(process)) return false;
     // The same number on another machine is another process.
     const std::string machine = Text(window, XCB_ATOM_WM_CLIENT_MACHINE);
-    return machine.empty() || machine == HostName();
+    return machine.empty() || machine == QSysInfo::machineHostName().toStdString();
   }
 
   /// False when the window does not understand the request.
