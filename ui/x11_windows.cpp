@@ -1,5 +1,6 @@
 #include "ui/x11_windows.h"
 
+#include <QString>
 #include <QSysInfo>
 #include <cstdint>
 #include <cstdlib>
