@@ -2,8 +2,8 @@
 """check-messages.py [--list]: whether docs/messages.md names every message of the sources.
 
 A message is a literal of at least two words: what is logged, shown in a box, printed, or given as the reason of a
-failure. Captions of controls and pieces of documents, which are no messages, stand in the lists below. A message
-that is put together of several literals is looked for piece by piece. --list shows the pieces with their places.
+failure. In ui/, where most literals are captions, it stands in a statement that shows or logs it. A message that is
+put together of several literals is looked for piece by piece. --list shows the pieces with their places.
 """
 
 import re
@@ -14,24 +14,17 @@ ROOT = Path(__file__).resolve().parents[1]
 PAGE = ROOT / "docs" / "messages.md"
 FOLDERS = ("app", "batch", "dirmerge", "engine", "platform", "ui")
 
-# Captions of controls and titles of dialogs, as they stand in the user's guide.
-CAPTIONS = {
-    "1st input file", "2nd input file", "Output (result) file", "Clear %1", "Name of the %1", "Select... %1",
-    "Status of the %1", "Go! (launch PDF merge", "CANCEL (abort", "Close display window", "Swap the two input files",
-    "Merge all PDF in a Directory", "Sorting order...", "Lexical ordering", "Lexical ordering (reverse", "By Date",
-    "By Date (reverse", "Log window...", "Display output document...", "Do not display", "Select TMP directory",
-    "Set default TMP directory", "Ambrose Varnel", "My portable document reader", "Folioweld (version",
-    "Folioweld - Log", "Activity log", "Folioweld - Please choose", "input file", "Folioweld - Please choose output file",
-    "Folioweld: Choose the OUTPUT FILE", "Folioweld: Choose FOLDER TO MERGE",
-    "Folioweld: Choose FOLDER FOR TEMPORARY FILES", "PDF Files (*.pdf)|*.pdf|All Files (*.*)|*.*",
-    "Directory merge sorting option", "Please specify your sorting option for directory merge",
-    "Sort files according to:", "lexical ordering of file names", "reverse lexical ordering of file names",
-    "last modification date and time", "last modification date and time (reversed", "I choose this option",
-}
-# What is written into documents.
-DOCUMENT = {
-    "/CreationDate (D:20080101010101) /ModDate (D:20080101010101) /Producer (Folioweld", "trailer << /Size",
-    "/Type /Pages /Kids [",
+# Titles of dialogs, the dialogs' filter, and what is written into documents.
+NO_MESSAGE = re.compile(r"Folioweld( -|:) (Please )?[Cc]hoose|PDF Files|/\w+ [(/\[]|trailer <<")
+# In ui/: a box, a refusal, a line of the log, a notice, or a text that has a name and is no title.
+SHOWN = re.compile(r"ShowBox|BoxIcon|ShowInformation|Refuse\(|AddLogLine|Notice|char k(?!Title)")
+# What only a caller who hands an operation of the engine a state or an argument of his own is told. No run prints it.
+INTERFACE = {
+    "no file is named", "a text position starts at 1", "there is no character before the first one",
+    "a group has no end", "no cross-reference section was found", "two objects claim one place in the object table",
+    "the object table does not cover the objects of both inputs", "a length is kept for an object without a stream",
+    "the stream's length is given twice", "the object has no value", "the catalog cannot be rewritten",
+    "the root of the page tree does not end with",
 }
 
 COMMENT = r"//[^\n]*|/\*.*?\*/"
@@ -41,12 +34,13 @@ ESCAPES = {"\\r": " ", "\\n": " ", "\\t": " ", '\\"': '"', "\\\\": "\\"}
 
 
 def pieces(path):
-    """Every literal of a source with its line, adjacent ones as the compiler joins them."""
+    """Every literal of a source with its line, adjacent ones as the compiler joins them, and the statement so far."""
     text = path.read_text()
     for token in TOKENS.finditer(text):
         if token[4]:
             literals = re.findall(LITERAL, token[4], re.S)
-            yield text.count("\n", 0, token.start()) + 1, "".join(literal[1:-1] for literal in literals)
+            statement = re.split(r"[;{}]\n", text[:token.start()])[-1]
+            yield text.count("\n", 0, token.start()) + 1, "".join(literal[1:-1] for literal in literals), statement
 
 
 def plain(text):
@@ -56,16 +50,16 @@ def plain(text):
 
 
 def is_message(text):
-    return len(re.findall(r"[A-Za-z]{2,}", text)) >= 2 and " " in text
+    return len(re.findall(r"[A-Za-z]{2,}", text)) >= 2 and " " in text and not NO_MESSAGE.match(text)
 
 
 def messages():
     for folder in FOLDERS:
         for path in sorted((ROOT / folder).glob("*.[ch]*")):
             if path.suffix in (".cpp", ".h"):
-                for line, literal in pieces(path):
+                for line, literal, statement in pieces(path):
                     text = plain(literal)
-                    if is_message(text) and text not in CAPTIONS | DOCUMENT:
+                    if is_message(text) and text not in INTERFACE and (folder != "ui" or SHOWN.search(statement)):
                         yield f"{path.relative_to(ROOT)}:{line}", text
 
 

@@ -3,6 +3,7 @@
 
 import json
 import os
+import re
 import shlex
 from pathlib import Path
 
@@ -34,6 +35,12 @@ class Installation(InstallationTest):
                          {path.name for path in (ROOT / "examples").glob("*.pdf")})
         self.assertEqual({path.name for path in (documents / "images").iterdir()},
                          {path.name for path in (ROOT / "docs" / "images").glob("*.png")})
+
+    def test_the_documents_link_to_nothing_that_is_not_installed(self):
+        install(self.folder, component="command")
+        for page in (self.folder / "usr/local/share/doc/folioweld").glob("*.md"):
+            for link in re.findall(r"\]\(([^)#:]+)[)#]", page.read_text()):
+                self.assertTrue((page.parent / link).exists(), f"{page.name} links to {link}")
 
     def test_everybody_may_read_and_only_programs_may_be_run(self):
         install(self.folder)
