@@ -9,9 +9,9 @@ namespace folioweld {
 
 /// The counts of one round, as the log names them.
 struct MergeRounds::Round {
-  int iNumFilesToMerge = 0;
-  int iLastIndex = 0;  ///< the last pair
-  int indBaseTmp = 0;  ///< where the round's results begin among the temporaries
+  int iNumFilesToMerge;
+  int indBaseTmp;                               ///< of the round's first result among those of all rounds
+  int iLastIndex = (iNumFilesToMerge - 1) / 2;  ///< of the last pair
 };
 
 MergeRounds::MergeRounds(ProgramState& program, FileModule& files, MergeShell& shell, ActivityLog& log,
@@ -34,8 +34,7 @@ void MergeRounds::Run(const std::string& directory, const std::vector<std::strin
 
   TemporaryFiles temporaries(files_,
                              [this](const std::string& name) { logging_.Log(" Kill \"" + name + "\""); });
-  Round round{static_cast<int>(names.size()), (static_cast<int>(names.size()) - 1) / 2, 0};
-  while (round.iNumFilesToMerge > 0) {
+  for (Round round{static_cast<int>(names.size()), 0};;) {
     logging_.Log("iNumFilesToMerge: " + std::to_string(round.iNumFilesToMerge) + "   indBaseTmp: " +
                  std::to_string(round.indBaseTmp) + "   iLastIndex: " + std::to_string(round.iLastIndex) +
                  "   indMaxTmp: " + std::to_string(temporaries.Highest()));
@@ -45,9 +44,7 @@ void MergeRounds::Run(const std::string& directory, const std::vector<std::strin
     if (last) NoteOutput();
     if (!goOn || last) break;
     filesToMerge_ = std::exchange(results_, {});
-    temporaries.ResetToCreated(round.indBaseTmp + round.iLastIndex);
-    const int left = round.iLastIndex + 1;
-    round = {left, (left - 1) / 2, round.indBaseTmp + left};
+    round = Round{round.iLastIndex + 1, round.indBaseTmp + round.iLastIndex + 1};
   }
   report_->Cancelled = report_->Cancelled || program_.Merge.AbortRequested || program_.Merge.CancelSeen;
 }
@@ -60,7 +57,7 @@ bool MergeRounds::RunRound(const Round& round, TemporaryFiles& temporaries) {
       if (!RunPair(round, k, temporaries)) return false;
     } else {
       if (!GrowTo(round.indBaseTmp + round.iLastIndex, temporaries)) return false;
-      CarryOdd(round, temporaries);
+      CarryOdd(round);
     }
   }
   return true;
@@ -80,13 +77,11 @@ bool MergeRounds::RunPair(const Round& round, int pair, TemporaryFiles& temporar
   return !program_.Merge.CancelSeen;
 }
 
-void MergeRounds::CarryOdd(const Round& round, TemporaryFiles& temporaries) {
+void MergeRounds::CarryOdd(const Round& round) {
   const int last = round.iNumFilesToMerge - 1;
-  const int index = round.indBaseTmp + round.iLastIndex;
-  const Piece& odd = filesToMerge_[static_cast<std::size_t>(last)];
-  logging_.Log("sTmpFiles(" + std::to_string(index) + ") = filesToMerge(" + std::to_string(last) + ")");
-  temporaries.SetCarried(index, odd.Name);
-  results_[static_cast<std::size_t>(round.iLastIndex)] = odd;
+  logging_.Log("sTmpFiles(" + std::to_string(round.indBaseTmp + round.iLastIndex) + ") = filesToMerge(" +
+               std::to_string(last) + ")");
+  results_[static_cast<std::size_t>(round.iLastIndex)] = filesToMerge_[static_cast<std::size_t>(last)];
 }
 
 bool MergeRounds::GrowTo(int index, TemporaryFiles& temporaries) {

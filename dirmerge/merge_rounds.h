@@ -41,7 +41,7 @@ class MergeRounds {
 
   [[nodiscard]] bool RunRound(const Round& round, TemporaryFiles& temporaries);
   [[nodiscard]] bool RunPair(const Round& round, int pair, TemporaryFiles& temporaries);
-  void CarryOdd(const Round& round, TemporaryFiles& temporaries);
+  void CarryOdd(const Round& round);
   [[nodiscard]] bool MakeTemporary(int index, TemporaryFiles& temporaries);
   [[nodiscard]] bool GrowTo(int index, TemporaryFiles& temporaries);
   void Merge(const Piece& first, const Piece* second, const std::string& output, Piece& result);
@@ -60,7 +60,7 @@ class MergeRounds {
   DirectoryMergeReport* report_ = nullptr;
   std::vector<std::string> accepted_;
   std::vector<Piece> filesToMerge_;
-  std::vector<Piece> results_;  ///< of the current round
+  std::vector<Piece> results_;  ///< of the current round, by pair; the next round's `filesToMerge_`
 };
 
 }  // namespace folioweld

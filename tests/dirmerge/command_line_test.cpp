@@ -96,6 +96,13 @@ TEST_F(CommandLineRun, FolderWithASeparatorWorksTheSame) {
   EXPECT_EQ(settings_.ReadSetting("MergeCurDir"), Docs());
 }
 
+TEST_F(CommandLineRun, TheFolderDoesNotStayInTheFirstPlaceWhereNothingIsJoined) {
+  folder_.MakeFolder("empty");
+  EXPECT_EQ(Process(Output() + "|" + folder_.File("empty")), CommandLineOutcome::Done);
+  EXPECT_FALSE(merge_.Report().OutputWritten);
+  EXPECT_EQ(program_.Merge.DocFileName(1), "");
+}
+
 TEST_F(CommandLineRun, LoneFileNameIsIgnored) {
   EXPECT_EQ(Process(Doc("a")), CommandLineOutcome::Ignored);
   EXPECT_EQ(Process(""), CommandLineOutcome::Ignored);

@@ -91,13 +91,22 @@ TEST_F(DocumentListTest, PassesOverDanglingAndCircularLinksInSilence) {
   EXPECT_TRUE(logged_.empty());
 }
 
-TEST_F(DocumentListTest, PassesOverWhatHasNoAttributes) {
+TEST_F(DocumentListTest, ADocumentThatCannotBeLookedAtIsToldAndCounted) {
   AddDocument("a.pdf");
   AddDocument("b.pdf");
   Fail("GetFileAttributes", Doc("a.pdf"), EIO);
   EXPECT_EQ(List(), ListOutcome::Complete);
   EXPECT_EQ(list_.Names, Names{"b.pdf"});
-  EXPECT_TRUE(logged_.empty());
+  EXPECT_EQ(noticed_, Names{"File: \"a.pdf\"  cannot be looked at: Input/output error"});
+  EXPECT_EQ(list_.RefusedDocuments, Names{"a.pdf"});
+}
+
+TEST_F(DocumentListTest, AnotherFileThatCannotBeLookedAtIsPassedOver) {
+  AddDocument("notes");
+  Fail("GetFileAttributes", Doc("notes"), EIO);
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_TRUE(noticed_.empty());
+  EXPECT_TRUE(list_.RefusedDocuments.empty());
 }
 
 TEST_F(DocumentListTest, NeitherBlocksAtNorReadsPipesAndSockets) {

@@ -82,6 +82,12 @@ TEST_F(QuickSortNames, KeepsEveryNameWhenItIsCancelled) {
   EXPECT_EQ(names, before);
 }
 
+TEST_F(QuickSortNames, PartsTheRangeByItsMiddleName) {
+  // Cancelled after the first partition: what was smaller than the third name stands before it now.
+  shell_.OnYield = [&] { state_.AbortRequested = shell_.Yields >= 3; };
+  EXPECT_EQ(Sorted({"b", "d", "a", "c", "e"}), (Names{"a", "d", "b", "c", "e"}));
+}
+
 TEST_F(QuickSortNames, StopsAtOnceWhenCancelledBefore) {
   state_.AbortRequested = true;
   EXPECT_EQ(Sorted({"b", "a"}), (Names{"b", "a"}));

@@ -64,13 +64,13 @@ TEST_F(TemporaryFilesTest, GrowFailsWhenMemoryRunsOutAndKeepsWhatIsThere) {
   EXPECT_EQ(temporaries.Name(0), folder_.File("a"));
 }
 
-TEST_F(TemporaryFilesTest, CreatedFileIsDeletedEvenWhenItsNameCannotBeKeptTwice) {
+TEST_F(TemporaryFilesTest, AFileIsTakenOverWithoutAskingForMemory) {
   {
     TemporaryFiles temporaries(files_, killer_);
     ASSERT_TRUE(temporaries.Grow(0));
     std::string name = folder_.Write("a", "");
     const testing::FailingMemory failing(name.size(), 1000);
-    EXPECT_THROW(temporaries.SetCreated(0, std::move(name)), std::bad_alloc);
+    temporaries.SetCreated(0, std::move(name));
   }
   EXPECT_FALSE(Exists(folder_.File("a")));
 }
@@ -87,29 +87,6 @@ TEST_F(TemporaryFilesTest, CreatedFilesAreDeletedInTheOrderOfTheirIndexAtTheEnd)
   }
   EXPECT_EQ(killed_, (std::vector<std::string>{b, a}));
   EXPECT_TRUE(folder_.Names().empty());
-}
-
-TEST_F(TemporaryFilesTest, CarriedInputIsNeverDeleted) {
-  const std::string input = folder_.Write("input.pdf", "mine");
-  {
-    TemporaryFiles temporaries(files_, killer_);
-    ASSERT_TRUE(temporaries.Grow(0));
-    temporaries.SetCarried(0, input);
-    EXPECT_EQ(temporaries.Name(0), input);
-  }
-  EXPECT_TRUE(killed_.empty());
-  EXPECT_EQ(ReadFile(input), "mine");
-}
-
-TEST_F(TemporaryFilesTest, ResetForgetsACarriedInputAndKeepsACreatedFile) {
-  TemporaryFiles temporaries(files_, killer_);
-  ASSERT_TRUE(temporaries.Grow(1));
-  temporaries.SetCarried(0, "carried");
-  temporaries.SetCreated(1, folder_.Write("a", ""));
-  temporaries.ResetToCreated(0);
-  temporaries.ResetToCreated(1);
-  EXPECT_EQ(temporaries.Name(0), "");
-  EXPECT_EQ(temporaries.Name(1), folder_.File("a"));
 }
 
 TEST_F(TemporaryFilesTest, EachFileIsDeletedOnce) {

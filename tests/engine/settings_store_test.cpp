@@ -36,6 +36,8 @@ class SettingsStoreTest : public testing::SettingsFixture {
   }
 };
 
+// The codes are those of the store's interface, hence the numbers.
+
 TEST_F(SettingsStoreTest, AFirstStartReadsDefaultsAndLeavesAllFiveStored) {
   const std::vector<std::pair<std::string, std::string>> defaults = {{"MenuSort", "1"},
                                                                      {"MenuShowLogWindow", "1"},
@@ -92,10 +94,10 @@ TEST_F(SettingsStoreTest, AnyTextIsSafe) {
 
 TEST_F(SettingsStoreTest, ReadingFromAStoreThatWasJustMadeFindsNoValue) {
   EXPECT_EQ(Store.ReadSetting("MenuSort"), "");
-  EXPECT_EQ(Store.LastError(), kSettingsNoSuchValue);
+  EXPECT_EQ(Store.LastError(), 1387);
   EXPECT_EQ(ReadFile(SettingsFile()), "") << "made, and holds no values yet";
   EXPECT_EQ(Store.ReadSetting("MenuSort"), "");
-  EXPECT_EQ(Store.LastError(), kSettingsNoSuchValue);
+  EXPECT_EQ(Store.LastError(), 1387);
 }
 
 TEST_F(SettingsStoreTest, UnknownLinesStay) {
@@ -157,11 +159,11 @@ TEST_F(SettingsStoreTest, WithoutAHomeReadsAreDefaultsAndWritesFail) {
     System.Environment = {{"XDG_CONFIG_HOME", "\x01"}, {"HOME", home}};
     EXPECT_EQ(Store.FilePath(), "");
     EXPECT_EQ(Store.ReadSetting("MenuSort"), "");
-    EXPECT_EQ(Store.LastError(), kSettingsKeyFailure);
-    EXPECT_EQ(Store.WriteSetting("MenuSort", "1"), kSettingsKeyFailure);
+    EXPECT_EQ(Store.LastError(), 1011);
+    EXPECT_EQ(Store.WriteSetting("MenuSort", "1"), 1011);
     EXPECT_EQ(Store.CreateSettingsKey(), 3);
     std::string text;
-    EXPECT_EQ(Store.ReadSettingOrDefault("MenuSort", text, "1"), kSettingsKeyFailure);
+    EXPECT_EQ(Store.ReadSettingOrDefault("MenuSort", text, "1"), 1011);
     EXPECT_EQ(text, "1");
   }
 }
@@ -171,11 +173,11 @@ TEST_F(SettingsStoreTest, AFailedReadGivesTheDefaultAndWritesNothing) {
   System.Calls.clear();
   System.Decide = FaultingSystem::Failing("ReadFile", EIO);
   std::string text;
-  EXPECT_EQ(Store.ReadSettingOrDefault("MenuSort", text, "1"), kSettingsReadFailure);
+  EXPECT_EQ(Store.ReadSettingOrDefault("MenuSort", text, "1"), 1012);
   EXPECT_EQ(text, "1");
-  EXPECT_EQ(Store.LastError(), kSettingsReadFailure);
+  EXPECT_EQ(Store.LastError(), 1012);
   System.Decide = FaultingSystem::Failing("GetFileInformationByHandle", EIO);
-  EXPECT_EQ(Store.ReadSettingOrDefault("MenuSort", text, "1"), kSettingsReadFailure);
+  EXPECT_EQ(Store.ReadSettingOrDefault("MenuSort", text, "1"), 1012);
   EXPECT_FALSE(WasWritten());
   EXPECT_EQ(ReadFile(SettingsFile()), "[Settings]\nMenuSort=3\n");
 }
@@ -183,8 +185,8 @@ TEST_F(SettingsStoreTest, AFailedReadGivesTheDefaultAndWritesNothing) {
 TEST_F(SettingsStoreTest, AStoreThatCannotBeOpenedNorMadeIsAKeyFailure) {
   Folder.Write("folioweld", "a file where the folder should be");
   EXPECT_EQ(Store.ReadSetting("MenuSort"), "");
-  EXPECT_EQ(Store.LastError(), kSettingsKeyFailure);
-  EXPECT_EQ(Store.WriteSetting("MenuSort", "1"), kSettingsKeyFailure);
+  EXPECT_EQ(Store.LastError(), 1011);
+  EXPECT_EQ(Store.WriteSetting("MenuSort", "1"), 1011);
   EXPECT_EQ(Store.SettingsKey, -1);
 }
 
@@ -192,13 +194,13 @@ TEST_F(SettingsStoreTest, WhatIsNoSettingsFileIsAnotherFailureAndIsNotReplaced) 
   Folder.MakeFolder("folioweld");
   ASSERT_EQ(::mkfifo(SettingsFile().c_str(), 0600), 0);
   std::string text;
-  EXPECT_EQ(Store.ReadSettingOrDefault("MenuSort", text, "1"), kSettingsOtherFailure);
+  EXPECT_EQ(Store.ReadSettingOrDefault("MenuSort", text, "1"), 1015);
   EXPECT_EQ(text, "1");
   EXPECT_NE(Store.WriteSetting("MenuSort", "1"), 0);
   EXPECT_TRUE(fs::is_fifo(SettingsFile()));
   fs::remove(SettingsFile());
   Folder.MakeFolder("folioweld/settings.ini");
-  EXPECT_EQ(Store.ReadSettingOrDefault("MenuSort", text, "1"), kSettingsOtherFailure);
+  EXPECT_EQ(Store.ReadSettingOrDefault("MenuSort", text, "1"), 1015);
   EXPECT_NE(Store.WriteSetting("MenuSort", "1"), 0);
 }
 
@@ -206,7 +208,7 @@ TEST_F(SettingsStoreTest, AFileFarTooLongIsNotReadAndNotReplaced) {
   WriteSettingsFile("[Settings]\nMenuSort=3\n");
   fs::resize_file(SettingsFile(), 1024 * 1024 + 1);
   EXPECT_EQ(Store.ReadSetting("MenuSort"), "");
-  EXPECT_EQ(Store.LastError(), kSettingsOtherFailure);
+  EXPECT_EQ(Store.LastError(), 1015);
   EXPECT_NE(Store.WriteSetting("MenuSort", "1"), 0);
   EXPECT_EQ(fs::file_size(SettingsFile()), 1024U * 1024 + 1);
   fs::resize_file(SettingsFile(), 1024 * 1024);
@@ -240,7 +242,7 @@ TEST_F(SettingsStoreTest, AFileThatVanishesUnderTheLockIsAFailure) {
     if (call.Name == "LockFile") fs::remove(SettingsFile());
     return FaultingSystem::Fault{};
   };
-  EXPECT_EQ(Store.WriteSetting("MenuSort", "3"), kSettingsKeyFailure);
+  EXPECT_EQ(Store.WriteSetting("MenuSort", "3"), 1011);
 }
 
 class SettingsKeyTest : public SettingsStoreTest {};
