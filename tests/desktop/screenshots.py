@@ -16,8 +16,8 @@ from palette import make_dark
 from screen import Screen
 from window import CHOOSE, CHOOSE_OUTPUT, CLOSE_VIEWER, FIRST, GO, OUTPUT, SORTING, TITLE, Window, select
 
-# Shown in the pictures, hence short.
-DOCUMENTS = Path("/tmp/folioweld")
+# Shown in the pictures, hence short and the same on every machine.
+DOCUMENTS, TEMPORARY = Path("/tmp/folioweld"), Path("/tmp")
 
 
 class Photographer:
@@ -34,7 +34,8 @@ class Photographer:
         environment["QT_SCALE_FACTOR"] = str(self.scale)
         config = Path(environment["XDG_CONFIG_HOME"])
         (config / "folioweld").mkdir()
-        (config / "folioweld" / "settings.ini").write_text(f"[Settings]\nMenuShowLogWindow={int(log)}\n")
+        (config / "folioweld" / "settings.ini").write_text(
+            f"[Settings]\nMenuShowLogWindow={int(log)}\nMergeTmpDir={TEMPORARY}/\n")
         if self.palette == "dark":
             make_dark(environment)
         if viewer:
