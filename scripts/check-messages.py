@@ -25,6 +25,9 @@ INTERFACE = {
     "the object table does not cover the objects of both inputs", "a length is kept for an object without a stream",
     "the stream's length is given twice", "the object has no value", "the catalog cannot be rewritten",
     "the root of the page tree does not end with",
+    # The program reads its lines without this log.
+    "*** Warning! *** Buffer size had to be increased from", "*** Warning! <=",
+    "***** WARNING!!! ***** Buffer size remained too small although I retried", "times ***** WARNING!!! <=",
 }
 
 COMMENT = r"//[^\n]*|/\*.*?\*/"
