@@ -133,8 +133,7 @@ bool FileModule::CopyBlock(std::int16_t inputNumber, std::int32_t inputOffset, s
     return Fail(SystemError{EBADF});
   if (inputOffset < 0 || outputOffset < 0 || count < 1) return Fail(SystemError{EINVAL});
   if (inputOffset + std::int64_t{count} > input->Information.Size) return Fail(SystemError{EIO});
-  const SystemError error =
-      output->Output->Copy(outputOffset, *input->Input, input->Handle, inputOffset, count);
+  const SystemError error = output->Output->Copy(outputOffset, *input->Input, inputOffset, count);
   return !error || Fail(error);
 }
 

@@ -1,19 +1,15 @@
 #include "engine/output_buffer.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/retry.h"
 
 namespace folioweld {
 
 namespace {
-/// Shorter ranges are cheaper through memory than as system calls of their own.
-constexpr std::int64_t kShortRange = 64 * 1024;
-constexpr std::int64_t kLongestRange = 8 * 1024 * 1024;
-/// Inside the system bytes move page by page. Where they stand at other places of their pages in the two
-/// files, each page moves in two parts, which takes longer than large aligned writes out of memory; nor can a
-/// file system share such pages between the files.
-constexpr std::int64_t kPageSize = 4 * 1024;
+/// Copied ranges are read in steps, so that whoever copies can look around in between.
+constexpr std::int64_t kLongestRange = 1024 * 1024;
 /// So few bytes are no part of a long range: when they are in memory, they are copied there and then.
 constexpr std::int64_t kAtOnce = 512;
 }  // namespace
@@ -40,12 +36,11 @@ SystemError OutputBuffer::WriteAnywhere(std::int64_t offset, std::string_view by
   return error ? error : Gather(bytes);
 }
 
-SystemError OutputBuffer::Copy(std::int64_t offset, InputBuffer& source, WindowsAPI::Handle from,
-                               std::int64_t fromOffset, std::int64_t count) {
+SystemError OutputBuffer::Copy(std::int64_t offset, InputBuffer& source, std::int64_t fromOffset,
+                               std::int64_t count) {
   if (range_.Count > 0 && range_.Source == &source && range_.FromOffset + range_.Count == fromOffset &&
       End() + range_.Count == offset) {
     range_.Count += count;
-    // Settled in steps, so that whoever copies can look around in between.
     return range_.Count < kLongestRange ? SystemError{} : SettleRange();
   }
   if (count <= kAtOnce) {
@@ -53,7 +48,7 @@ SystemError OutputBuffer::Copy(std::int64_t offset, InputBuffer& source, Windows
     if (static_cast<std::int64_t>(bytes.size()) == count) return Write(offset, bytes);
   }
   const SystemError error = Write(offset, {});
-  if (!error) range_ = {&source, from, fromOffset, count};
+  if (!error) range_ = {&source, fromOffset, count};
   return error;
 }
 
@@ -86,20 +81,7 @@ SystemError OutputBuffer::WriteGathered() {
 }
 
 SystemError OutputBuffer::SettleRange() {
-  if (range_.Count == 0) return {};
-  Range range = range_;
-  range_ = {};
-  const bool pagesMatch = (range.FromOffset - End()) % kPageSize == 0;
-  if (range.Count >= kShortRange && canCopyInside_ && pagesMatch) {
-    const SystemError error = WriteGathered();
-    if (error) return error;
-    const SystemError copyError = CopyInsideSystem(range);
-    if (copyError) return copyError;
-  }
-  return CopyThroughMemory(range);
-}
-
-SystemError OutputBuffer::CopyThroughMemory(Range range) {
+  Range range = std::exchange(range_, {});
   while (range.Count > 0) {
     SystemError error = MakeRoom();
     if (error) return error;
@@ -110,26 +92,6 @@ SystemError OutputBuffer::CopyThroughMemory(Range range) {
     size_ += room.size();
     range.FromOffset += count;
     range.Count -= count;
-  }
-  return {};
-}
-
-SystemError OutputBuffer::CopyInsideSystem(Range& range) {
-  while (range.Count > 0) {
-    const auto part = RetryInterrupted([&] {
-      return system_.CopyFileRange(range.From, range.FromOffset, file_, start_,
-                                   static_cast<std::size_t>(range.Count));
-    });
-    // Not every pair of file systems can do this; what is left goes through memory, where an error that
-    // has another cause shows again.
-    if (!part.Ok() || part.Value() == 0) {
-      canCopyInside_ = part.Ok();
-      return {};
-    }
-    const auto copied = static_cast<std::int64_t>(part.Value());
-    range.FromOffset += copied;
-    range.Count -= copied;
-    start_ += copied;
   }
   return {};
 }

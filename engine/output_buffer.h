@@ -13,8 +13,7 @@
 namespace folioweld {
 
 /// Gathers what is written to an open file into large writes. Copied ranges stay descriptions until they
-/// end, so that long streams are read straight into those writes, or copied inside the system where it can do
-/// that page by page.
+/// end, so that long streams are read straight into those writes.
 class OutputBuffer {
  public:
   /// The handle stays the caller's.
@@ -30,16 +29,14 @@ class OutputBuffer {
     return WriteAnywhere(offset, bytes);
   }
 
-  /// `source` reads `from` and has to live until the next call that is not a `Copy` from the same file.
-  SystemError Copy(std::int64_t offset, InputBuffer& source, WindowsAPI::Handle from, std::int64_t fromOffset,
-                   std::int64_t count);
+  /// `source` has to live until the next call that is not a `Copy` from it.
+  SystemError Copy(std::int64_t offset, InputBuffer& source, std::int64_t fromOffset, std::int64_t count);
 
   SystemError Flush();
 
  private:
   struct Range {
     InputBuffer* Source = nullptr;
-    WindowsAPI::Handle From = -1;
     std::int64_t FromOffset = 0;
     std::int64_t Count = 0;
   };
@@ -63,8 +60,6 @@ class OutputBuffer {
   SystemError Gather(std::string_view bytes);
   SystemError WriteGathered();
   SystemError SettleRange();
-  SystemError CopyThroughMemory(Range range);
-  SystemError CopyInsideSystem(Range& range);
 
   WindowsAPI& system_;
   WindowsAPI::Handle file_;
@@ -72,7 +67,6 @@ class OutputBuffer {
   std::size_t size_ = 0;
   std::int64_t start_ = 0;  ///< file offset of the first gathered byte
   Range range_;             ///< what follows the gathered bytes
-  bool canCopyInside_ = true;
 };
 
 }  // namespace folioweld

@@ -143,13 +143,6 @@ SystemResult<std::size_t> PosixApi::WriteFile(Handle file, std::int64_t offset, 
   return Transferred(::pwrite(file, bytes, count, offset));
 }
 
-SystemResult<std::size_t> PosixApi::CopyFileRange(Handle from, std::int64_t fromOffset, Handle to,
-                                                  std::int64_t toOffset, std::size_t count) {
-  off64_t in = fromOffset;
-  off64_t out = toOffset;
-  return Transferred(::copy_file_range(from, &in, to, &out, count, 0));
-}
-
 SystemResult<FileInformation> PosixApi::GetFileInformationByHandle(Handle file) {
   struct stat status {};
   if (::fstat(file, &status) < 0) return LastError();

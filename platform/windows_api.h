@@ -78,9 +78,6 @@ class WindowsAPI {
   /// May write less than asked for.
   virtual SystemResult<std::size_t> WriteFile(Handle file, std::int64_t offset, const char* bytes,
                                               std::size_t count) = 0;
-  /// Copies bytes from file to file inside the system, where it can; may copy less than asked for.
-  virtual SystemResult<std::size_t> CopyFileRange(Handle from, std::int64_t fromOffset, Handle to,
-                                                  std::int64_t toOffset, std::size_t count) = 0;
   virtual SystemResult<FileInformation> GetFileInformationByHandle(Handle file) = 0;
   virtual SystemError SetEndOfFile(Handle file, std::int64_t size) = 0;
   virtual SystemError FlushFileBuffers(Handle file) = 0;

@@ -17,7 +17,7 @@ class Running(DesktopTest):
     def begin(self):
         """The window with a long merge under way."""
         self.joined = self.folder / "joined.pdf"
-        large = [write_large(self.folder / name, 900) for name in ("a.pdf", "b.pdf")]
+        large = [write_large(self.folder / name, 300) for name in ("a.pdf", "b.pdf")]
         window = self.open(slow_disk=True)
         window.fill(*large, self.joined)
         self.idle_pointer = self.screen.pointer()
@@ -31,7 +31,7 @@ class Running(DesktopTest):
         folder = self.folder / "to-join"
         folder.mkdir()
         for name in "abc":
-            write_large(folder / f"{name}.pdf", 600)
+            write_large(folder / f"{name}.pdf", 200)
         self.joined = self.folder / "joined.pdf"
         window = self.open(slow_disk=True)
         window.merge_folder(folder, self.joined)

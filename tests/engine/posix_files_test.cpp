@@ -150,24 +150,9 @@ TEST_F(PosixFilesTest, ReadsAndWritesBeyondFourGigabytes) {
   EXPECT_EQ(System.WriteFile(file, kFar, "far", 3).Value(), 3U);
   EXPECT_EQ(Read(file, kFar, 10), "far");
   EXPECT_EQ(System.GetFileInformationByHandle(file).Value().Size, kFar + 3);
-  const auto copy = Open(Folder.File("copy"), OpenMode::WriteKeep);
-  EXPECT_EQ(System.CopyFileRange(file, kFar, copy, 1, 100).Value(), 3U);
-  EXPECT_EQ(testing::ReadFile(Folder.File("copy")), std::string("\0far", 4));
   EXPECT_FALSE(System.SetEndOfFile(file, kFar + 1));
   EXPECT_EQ(Read(file, kFar, 10), "f");
-  EXPECT_FALSE(System.CloseHandle(copy));
   EXPECT_FALSE(System.CloseHandle(file));
-}
-
-TEST_F(PosixFilesTest, CopiesRangesAndTellsWhenItCannot) {
-  const auto from = Open(Folder.Write("from", "0123456789"), OpenMode::ReadExisting);
-  const auto to = Open(Folder.File("to"), OpenMode::WriteKeep);
-  EXPECT_EQ(System.CopyFileRange(from, 2, to, 0, 5).Value(), 5U);
-  EXPECT_EQ(System.CopyFileRange(from, 10, to, 5, 5).Value(), 0U);
-  EXPECT_EQ(testing::ReadFile(Folder.File("to")), "23456");
-  EXPECT_EQ(System.CopyFileRange(to, 0, from, 0, 5).Error().Code, EBADF);
-  EXPECT_FALSE(System.CloseHandle(from));
-  EXPECT_FALSE(System.CloseHandle(to));
 }
 
 TEST_F(PosixFilesTest, AWriteBeyondTheUsersLimitIsAnErrorAndNotTheEndOfTheProgram) {

@@ -67,13 +67,6 @@ class CountingSystem : public PosixApi {
     Bytes += count;
     return PosixApi::WriteFile(file, offset, bytes, count);
   }
-  SystemResult<std::size_t> CopyFileRange(Handle from, std::int64_t fromOffset, Handle to,
-                                          std::int64_t toOffset, std::size_t count) override {
-    ++Calls;
-    auto copied = PosixApi::CopyFileRange(from, fromOffset, to, toOffset, count);
-    if (copied.Ok()) Bytes += copied.Value();
-    return copied;
-  }
   std::size_t Calls = 0;
   std::size_t Bytes = 0;
 };

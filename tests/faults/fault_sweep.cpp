@@ -24,7 +24,6 @@ const std::vector<Fault>& FaultsOf(const std::string& call) {
       {"CreateFile", {{EACCES, 0}, {EMFILE, 0}, {ENOSPC, 0}, {EIO, 0}, {EINTR, 0}}},
       {"ReadFile", {{EIO, 0}, {EINTR, 0}, {0, kAlmostAll}}},
       {"WriteFile", {{ENOSPC, 0}, {EIO, 0}, {EINTR, 0}, {0, kAlmostAll}}},
-      {"CopyFileRange", {{ENOSPC, 0}, {EIO, 0}, {EXDEV, 0}, {EINTR, 0}, {0, 1000}}},
       {"GetFileInformationByHandle", {{EIO, 0}}},
       {"SetEndOfFile", {{EIO, 0}, {EFBIG, 0}, {EINTR, 0}}},
       {"FlushFileBuffers", {{EIO, 0}, {ENOSPC, 0}, {EINTR, 0}}},

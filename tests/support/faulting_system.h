@@ -19,7 +19,7 @@ class FaultingSystem : public PosixApi {
   /// What is to happen to a call instead of, or before, the real one.
   struct Fault {
     int Error = 0;            ///< errno to report instead of calling; 0 = none
-    std::size_t ShortBy = 0;  ///< bytes that a read, write or copy leaves out (at least one byte is moved)
+    std::size_t ShortBy = 0;  ///< bytes that a read or write leaves out (at least one byte is moved)
   };
 
   /// Decides about every call, in order; `index` counts from 0. The default lets everything pass.
@@ -35,8 +35,6 @@ class FaultingSystem : public PosixApi {
                                      std::size_t count) override;
   SystemResult<std::size_t> WriteFile(Handle file, std::int64_t offset, const char* bytes,
                                       std::size_t count) override;
-  SystemResult<std::size_t> CopyFileRange(Handle from, std::int64_t fromOffset, Handle to,
-                                          std::int64_t toOffset, std::size_t count) override;
   SystemResult<FileInformation> GetFileInformationByHandle(Handle file) override;
   SystemError SetEndOfFile(Handle file, std::int64_t size) override;
   SystemError FlushFileBuffers(Handle file) override;
