@@ -3,7 +3,7 @@
 namespace folioweld {
 
 bool DirectoryMergeReport::Complete() const {
-  return OutputWritten && FailedMerges == 0 && RefusedDocuments.empty() && EncryptedDocuments.empty() &&
+  return OutputWritten && FailedMerges == 0 && RefusedDocuments.empty() && AlteredDocuments.empty() &&
          MissingDocuments.empty();
 }
 

@@ -11,19 +11,19 @@ struct DirectoryMergeReport {
   bool Cancelled = false;
   int FailedMerges = 0;
   std::vector<std::string> RefusedDocuments;
-  std::vector<std::string> EncryptedDocuments;
+  std::vector<std::string> AlteredDocuments;  ///< in the output, but with a warning
   std::vector<std::string> MissingDocuments;  ///< accepted, but not in the output that was written
 
-  /// The output was written and every document of the folder is in it, readable.
+  /// The output was written and every document of the folder is in it, with nothing to warn of.
   [[nodiscard]] bool Complete() const;
 };
 
 /// How a program of this project ends.
 enum ExitStatus {
-  kEverythingJoined = 0,  ///< every document of the folder is in the output
+  kEverythingJoined = 0,  ///< every document of the folder is in the output, as it was
   kNoOutput = 1,
   kNotServed = 2,        ///< the command line cannot be served here
-  kJoinedWithLosses = 3  ///< the output was written, but a document was refused, is missing or not readable
+  kJoinedWithLosses = 3  ///< the output was written, but a document was refused, is missing or is altered
 };
 
 /// The status that a directory merge ends with.

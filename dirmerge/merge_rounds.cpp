@@ -1,6 +1,6 @@
 #include "dirmerge/merge_rounds.h"
 
-#include <algorithm>
+#include <map>
 #include <utility>
 
 #include "dirmerge/paths.h"
@@ -30,7 +30,7 @@ void MergeRounds::Run(const std::string& directory, const std::vector<std::strin
   report_ = &report;
   accepted_ = names;
   filesToMerge_.clear();
-  for (const std::string& name : names) filesToMerge_.push_back({name, {name}});
+  for (const std::string& name : names) filesToMerge_.push_back({name, {{FullName(name), 0, false, {}}}});
 
   TemporaryFiles temporaries(files_,
                              [this](const std::string& name) { logging_.Log(" Kill \"" + name + "\""); });
@@ -106,6 +106,8 @@ void MergeRounds::Merge(const Piece& first, const Piece* second, const std::stri
   state.DocFileName(1) = FullName(first.Name);
   state.DocFileName(2) = second == nullptr ? std::string() : FullName(second->Name);
   state.DocFileName(3) = output;
+  state.DocSources(1) = first.Documents;
+  state.DocSources(2) = second == nullptr ? std::vector<SourceDocument>() : second->Documents;
   logging_.Log("sPdfM(1)= \"" + state.DocFileName(1) + "\"  +  sPdfM(2)= \"" + state.DocFileName(2) +
                "\"  -> sPdfM(3)= \"" + output + "\"");
   // The log lets events in, and the job would begin by taking the flag down.
@@ -120,28 +122,26 @@ void MergeRounds::Merge(const Piece& first, const Piece* second, const std::stri
     ++report_->FailedMerges;
     return;
   }
-  result.Documents = first.Documents;
-  NoteEncrypted(1, first);
-  if (second == nullptr || !state.DocUsed(2)) return;
-  result.Documents.insert(result.Documents.end(), second->Documents.begin(), second->Documents.end());
-  NoteEncrypted(2, *second);
+  result.Documents = std::move(state.DocSources(3));
 }
 
-void MergeRounds::NoteEncrypted(std::int16_t slot, const Piece& piece) {
-  if (program_.Merge.DocEncrypted(slot)) report_->EncryptedDocuments.push_back(piece.Name);
-}
-
-/// The last round wrote the output, or failed to; names what is not in it.
+/// The last round wrote the output, or failed to; says what is not in it, and what is not as it was.
 void MergeRounds::NoteOutput() {
   const Piece& whole = results_[0];
   report_->OutputWritten = !whole.Documents.empty();
   if (!report_->OutputWritten) return;
-  std::vector<std::string> joined = whole.Documents;
-  std::sort(joined.begin(), joined.end());
+  std::map<std::string, bool> altered;
+  for (const SourceDocument& document : whole.Documents) {
+    altered[document.Name] = !document.Alterations.empty();
+  }
   for (const std::string& name : accepted_) {
-    if (std::binary_search(joined.begin(), joined.end(), name)) continue;
-    report_->MissingDocuments.push_back(name);
-    logging_.Notice("File: \"" + name + "\"  is missing in the output");
+    const auto found = altered.find(FullName(name));
+    if (found == altered.end()) {
+      report_->MissingDocuments.push_back(name);
+      logging_.Notice("File: \"" + name + "\"  is missing in the output");
+    } else if (found->second) {
+      report_->AlteredDocuments.push_back(name);
+    }
   }
 }
 

@@ -33,10 +33,10 @@ class MergeRounds {
  private:
   struct Round;
 
-  /// A file to be joined, and the documents of the folder that it holds.
+  /// A file to be joined, and the documents of the folder that it holds; none when it could not be made.
   struct Piece {
     std::string Name;
-    std::vector<std::string> Documents;
+    std::vector<SourceDocument> Documents;
   };
 
   [[nodiscard]] bool RunRound(const Round& round, TemporaryFiles& temporaries);
@@ -45,7 +45,6 @@ class MergeRounds {
   [[nodiscard]] bool MakeTemporary(int index, TemporaryFiles& temporaries);
   [[nodiscard]] bool GrowTo(int index, TemporaryFiles& temporaries);
   void Merge(const Piece& first, const Piece* second, const std::string& output, Piece& result);
-  void NoteEncrypted(std::int16_t slot, const Piece& piece);
   void NoteOutput();
   [[nodiscard]] std::string FullName(const std::string& name) const;
 

@@ -36,11 +36,11 @@ void MergeJob::cmdOK_Click() {
 
   bool ok = false;
   ReadInputs(ok);
-  if (ok) LogEncryptedInputs();
   ok = ok && BuildOutput() && OpenOutput() && WriteOutput();
   // An input was only read: closing it cannot lose anything.
   static_cast<void>(CloseFile(1));
   static_cast<void>(CloseFile(2));
+  if (ok) TellAlterations();
   if (!ok) FinishFailed();
   EndJob();
   if (ok && !state_.DocFileName(3).empty() && state_.ShowOutputAfterMerge && !state_.SilentMode) {
@@ -63,6 +63,8 @@ void MergeJob::FinishFailed() {
 
 void MergeJob::EndJob() {
   state_.CancelSeen = state_.CancelSeen || state_.AbortRequested;
+  state_.DocSources(1).clear();
+  state_.DocSources(2).clear();
   state_.JobRunning = false;
   state_.AbortRequested = false;
   shell_.LeaveRunningState();

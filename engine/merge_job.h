@@ -46,7 +46,6 @@ class MergeJob {
   [[nodiscard]] bool OpenInputs();
   [[nodiscard]] bool OpenInput(std::int16_t slot, PassFailure& why);
   void DropInput(std::int16_t slot, const PassFailure& why);
-  void LogEncryptedInputs();
 
   [[nodiscard]] bool BuildOutput();
   [[nodiscard]] bool OpenOutput();
@@ -60,6 +59,7 @@ class MergeJob {
   void FinishFailed();
   void EndJob();
   void ShowOutcome(bool ok);
+  void TellAlterations();
   void LogFailure(const PassFailure& failure);
   void Report(const std::string& text);
   void ShowWarning(const std::string& text);

@@ -9,19 +9,6 @@
 
 namespace folioweld {
 
-namespace {
-
-/// Whether the document's newest trailer has /Encrypt, as a reference or as a dictionary of its own.
-bool IsEncrypted(const MergeState& state, std::int16_t slot) {
-  if (!state.DocUsed(slot) || state.DocXrefCount(slot) == 0) return false;
-  for (std::int32_t row = state.TrailerEntry(slot, 0); row >= 0; row = state.NameEntries[row].NameId) {
-    if (state.NameEntries[row].NameText == "/Encrypt") return true;
-  }
-  return false;
-}
-
-}  // namespace
-
 bool MergeJob::OutputIsInputName() {
   const std::string& output = state_.DocFileName(3);
   if (output != state_.DocFileName(1) && output != state_.DocFileName(2)) return false;
@@ -120,14 +107,6 @@ void MergeJob::ReadXrefChain(std::int16_t slot, bool& ok) {
     WalkXrefChain(state_, shell_, reader_, slot);
     return true;
   });
-}
-
-void MergeJob::LogEncryptedInputs() {
-  for (const std::int16_t slot : {std::int16_t{1}, std::int16_t{2}}) {
-    state_.DocEncrypted(slot) = IsEncrypted(state_, slot);
-    if (!state_.DocEncrypted(slot)) continue;
-    Report("\"" + state_.DocFileName(slot) + "\" is encrypted: its pages will not be readable in the output");
-  }
 }
 
 }  // namespace folioweld

@@ -93,8 +93,7 @@ void ResetMergeState(MergeState& state) {
     state.DocRootNumber(slot) = -1;
     state.DocInfoNumber(slot) = -1;
   }
-  state.DocEncrypted(1) = false;
-  state.DocEncrypted(2) = false;
+  state.DocSources(3).clear();
   state.ObjectsInDoc1 = 0;
   state.ObjectsInDoc2 = 0;
   state.ObjectsTotal = 0;

@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "engine/alteration.h"
 #include "engine/merge_memory.h"
 #include "engine/pass_failure.h"
 #include "engine/table.h"
@@ -64,8 +66,10 @@ struct NameEntry {
 struct MergeState {
   // Documents.
   SlotArray<bool, 2> DocUsed;
-  SlotArray<bool, 2> DocEncrypted;         ///< the newest trailer has /Encrypt; known after the reading
-  SlotArray<std::string> DocFileName;      ///< full paths; empty = not chosen
+  SlotArray<std::string> DocFileName;  ///< full paths; empty = not chosen
+  /// The documents that a file holds. Those of the inputs are given for files that this run wrote, and gone
+  /// after the job; those of the output are what a job that succeeded leaves.
+  SlotArray<std::vector<SourceDocument>> DocSources;
   SlotArray<std::int16_t> DocFileNumber;   ///< open file of `FileModule`; below 1 = not open
   SlotArray<std::string> DocHeader;        ///< "%PDF-n.m" and one CR
   SlotArray<std::string> DocSecondLine;    ///< the binary marker comment and CR LF

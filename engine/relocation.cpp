@@ -1,5 +1,6 @@
 // Output passes #1 and #2 of PdfBuilder: missing lengths and new object numbers.
 
+#include "engine/alteration_checks.h"
 #include "engine/conversions.h"
 #include "engine/pass_guard.h"
 #include "engine/pdf_builder.h"
@@ -102,6 +103,7 @@ bool PdfBuilder::BuildOutputPasses1And2() {
     for (std::int32_t row = 0; row < count; ++row) ResolveLength(state_, state_.MissingLengths[row]);
     CheckStreams(state_, files_, 1, 0, state_.ObjectsInDoc1);
     CheckStreams(state_, files_, 2, state_.ObjectsInDoc1, state_.ObjectsTotal);
+    FindAlterations(state_, shell_);
     return true;
   });
   if (!resolved) return false;

@@ -30,9 +30,9 @@ TEST(StatusOf, IsThreeForEveryKindOfLoss) {
   DirectoryMergeReport refused = WrittenReport();
   refused.RefusedDocuments = {"a"};
   EXPECT_EQ(StatusOf(refused), 3);
-  DirectoryMergeReport encrypted = WrittenReport();
-  encrypted.EncryptedDocuments = {"a"};
-  EXPECT_EQ(StatusOf(encrypted), 3);
+  DirectoryMergeReport altered = WrittenReport();
+  altered.AlteredDocuments = {"a"};
+  EXPECT_EQ(StatusOf(altered), 3);
   DirectoryMergeReport missing = WrittenReport();
   missing.MissingDocuments = {"a"};
   EXPECT_EQ(StatusOf(missing), 3);

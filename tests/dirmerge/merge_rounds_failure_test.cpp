@@ -153,7 +153,7 @@ TEST_F(FailingRounds, EncryptedDocumentIsJoinedAndNamed) {
   const DirectoryMergeReport& report = Merge();
   EXPECT_TRUE(report.OutputWritten);
   EXPECT_FALSE(report.Complete());
-  EXPECT_EQ(report.EncryptedDocuments, Names{"d"});
+  EXPECT_EQ(report.AlteredDocuments, Names{"d"});
   EXPECT_TRUE(report.MissingDocuments.empty());
   EXPECT_EQ(shell_.Notices, Names{"[Folioweld-cmdOK]=>\"" + Doc("d") +
                                   "\" is encrypted: its pages will not be readable in the output"});
@@ -165,7 +165,7 @@ TEST_F(FailingRounds, EncryptedFirstDocumentIsNamedToo) {
   builder.Object(1, "<</Type/Catalog/Pages 2 0 R>>").Object(2, "<</Type/Pages/Kids[]/Count 0>>");
   builder.TrailerExtra("/Encrypt<</Filter/Standard>>");
   folder_.Write("docs/a", builder.Build());
-  EXPECT_EQ(Merge().EncryptedDocuments, Names{"a"});
+  EXPECT_EQ(Merge().AlteredDocuments, Names{"a"});
 }
 
 TEST_F(FailingRounds, EveryNumberOfDocumentsWithABrokenOneKeepsTheAccountsRight) {

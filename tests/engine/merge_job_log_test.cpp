@@ -80,8 +80,6 @@ TEST_F(EncryptedInputTest, TheFirstIsJoinedAndLogged) {
   MergeRun run(Encrypted(), SimpleDocument(1));
   run.Run();
   EXPECT_EQ(run.State.MergeStatus, 2);
-  EXPECT_TRUE(run.State.DocEncrypted(1));
-  EXPECT_FALSE(run.State.DocEncrypted(2));
   EXPECT_EQ(run.LogLines(), Line(run.FirstPath));
   EXPECT_EQ(run.Shell.Notices, run.LogLines());
   EXPECT_TRUE(Exists(run.OutputPath));
@@ -91,8 +89,6 @@ TEST_F(EncryptedInputTest, TheSecondIsJoinedAndLogged) {
   MergeRun run(SimpleDocument(1), Encrypted());
   run.Run();
   EXPECT_EQ(run.State.MergeStatus, 2);
-  EXPECT_FALSE(run.State.DocEncrypted(1));
-  EXPECT_TRUE(run.State.DocEncrypted(2));
   EXPECT_EQ(run.LogLines(), Line(run.SecondPath));
 }
 
@@ -100,8 +96,6 @@ TEST_F(EncryptedInputTest, BothAreALineEach) {
   MergeRun run(Encrypted(), Encrypted());
   run.Run();
   EXPECT_EQ(run.LogLines().size(), 2U);
-  EXPECT_TRUE(run.State.DocEncrypted(1));
-  EXPECT_TRUE(run.State.DocEncrypted(2));
 }
 
 TEST_F(EncryptedInputTest, TheOutputsTrailerDoesNotSaySo) {
@@ -113,14 +107,12 @@ TEST_F(EncryptedInputTest, TheOutputsTrailerDoesNotSaySo) {
 TEST_F(EncryptedInputTest, ADirectDictionaryCountsAsWell) {
   MergeRun run(Encrypted("/Encrypt<</Filter/Standard>>"), "");
   run.Run();
-  EXPECT_TRUE(run.State.DocEncrypted(1));
   EXPECT_EQ(run.LogLines(), Line(run.FirstPath));
 }
 
 TEST_F(EncryptedInputTest, OnlyTheWholeKeyCounts) {
   MergeRun run(Encrypted("/EncryptX 3 0 R/Other<</Encrypt 3 0 R>>"), "");
   run.Run();
-  EXPECT_FALSE(run.State.DocEncrypted(1));
   EXPECT_EQ(run.LogLines(), Events{});
 }
 
@@ -134,7 +126,6 @@ TEST_F(EncryptedInputTest, OnlyTheNewestTrailerCounts) {
                    .Build(),
                "");
   run.Run();
-  EXPECT_FALSE(run.State.DocEncrypted(1));
   EXPECT_EQ(run.LogLines(), Events{});
 }
 
@@ -143,8 +134,7 @@ TEST_F(EncryptedInputTest, WhatAnEarlierJobFoundDoesNotStick) {
   run.Run();
   run.State.DocFileName(1) = run.State.DocFileName(2) = run.Folder.Write("c.pdf", SimpleDocument(1));
   run.Run();
-  EXPECT_FALSE(run.State.DocEncrypted(1));
-  EXPECT_FALSE(run.State.DocEncrypted(2));
+  EXPECT_EQ(run.LogLines().size(), 2U) << "one a document, of the first job";
 }
 
 TEST_F(EncryptedInputTest, IsNotLoggedWhenTheReadingFails) {

@@ -232,8 +232,7 @@ TEST(ResetMergeStateTest, ResetsTheCountsOfEverySlot) {
   state.ObjectsTotal = 6;
   state.DictDepth = 7;
   state.MergeStatus = -1;
-  state.DocEncrypted(1) = true;
-  state.DocEncrypted(2) = true;
+  state.DocSources(3).push_back({"an old output's", 0, true, {}});
   state.Failure.Rule = "an old reason";
   ResetMergeState(state);
   for (std::int32_t slot = 1; slot <= 3; ++slot) {
@@ -247,8 +246,7 @@ TEST(ResetMergeStateTest, ResetsTheCountsOfEverySlot) {
   EXPECT_EQ(state.ObjectsTotal, 0);
   EXPECT_EQ(state.DictDepth, 0);
   EXPECT_EQ(state.MergeStatus, 2);
-  EXPECT_FALSE(state.DocEncrypted(1));
-  EXPECT_FALSE(state.DocEncrypted(2));
+  EXPECT_TRUE(state.DocSources(3).empty());
   EXPECT_TRUE(state.Failure.Empty());
 }
 

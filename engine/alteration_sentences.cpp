@@ -1,0 +1,43 @@
+// The words for alterations.
+
+#include "engine/alteration.h"
+#include "engine/pass_failure.h"
+
+namespace folioweld {
+
+namespace {
+
+const char* Words(AlterationKind kind) {
+  switch (kind) {
+    case AlterationKind::Encrypted:
+      return "is encrypted: its pages will not be readable in the output";
+    case AlterationKind::InformationShared:
+      return "/Info names an object that is more than an information dictionary, and the output has one in "
+             "its place";
+  }
+  return "";
+}
+
+}  // namespace
+
+std::string Sentence(const Alteration& alteration, const std::string& documentName) {
+  if (alteration.Kind == AlterationKind::Encrypted) {
+    return "\"" + documentName + "\" " + Words(alteration.Kind);
+  }
+  std::string words = Words(alteration.Kind);
+  if (!alteration.Detail.empty()) words += " (" + alteration.Detail + ")";
+  if (alteration.Count > 1)
+    words += std::string(", ") + "the first of " + std::to_string(alteration.Count) + " such places";
+  return PassFailure{1, alteration.ObjectNumber, alteration.FileOffset, words}.Sentence(documentName);
+}
+
+std::string ShownPiece(std::string_view text) {
+  constexpr std::size_t kLongest = 40;
+  std::string shown(text.substr(0, kLongest));
+  for (char& c : shown) {
+    if (c < ' ' || c > '~') c = '?';
+  }
+  return text.size() > kLongest ? shown + "..." : shown;
+}
+
+}  // namespace folioweld

@@ -1,0 +1,81 @@
+// Alterations in a folder's merge: each is told once and names the person's document, whatever round it
+// shows in.
+
+#include <gtest/gtest.h>
+#include <string>
+
+#include "tests/dirmerge/directory_merge_fixture.h"
+#include "tests/support/document_builder.h"
+
+namespace folioweld {
+namespace {
+
+using testing::DocumentBuilder;
+using testing::Names;
+
+class AlteredDocuments : public testing::DirectoryMergeFixture {
+ protected:
+  /// A document whose /Info names its only page.
+  void AddAltered(const std::string& name) const {
+    DocumentBuilder builder;
+    builder.Object(1, "<</Type/Catalog/Pages 2 0 R>>")
+        .Object(2, "<</Type/Pages/Kids[3 0 R]/Count 1>>")
+        .Object(3, "<</Type/Page/Parent 2 0 R/MediaBox[0 0 9 9]>>")
+        .TrailerExtra("/Info 3 0 R");
+    folder_.Write("docs/" + name, builder.Build());
+  }
+
+  /// The names of the documents that notices are about, one for each notice.
+  [[nodiscard]] Names ToldDocuments() const {
+    Names told;
+    for (const std::string& line : shell_.Notices) {
+      const std::size_t start = line.find(Docs());
+      EXPECT_NE(start, std::string::npos) << line;
+      if (start == std::string::npos) continue;
+      const std::size_t name = start + Docs().size();
+      told.push_back(line.substr(name, line.find('"', name) - name));
+    }
+    return told;
+  }
+};
+
+TEST_F(AlteredDocuments, AreToldOnceEachAndNamedInTheReport) {
+  for (int count = 1; count <= 7; ++count) {
+    for (int altered = 0; altered < count; ++altered) {
+      Names wanted;
+      for (int i = 0; i < count; ++i) {
+        const std::string name(1, static_cast<char>('a' + i));
+        if (i == altered) {
+          AddAltered(name);
+          wanted.push_back(name);
+        } else {
+          AddDocument(name);
+        }
+      }
+      shell_.Notices.clear();
+      const DirectoryMergeReport& report = Merge();
+      EXPECT_TRUE(report.OutputWritten);
+      EXPECT_FALSE(report.Complete());
+      EXPECT_EQ(report.AlteredDocuments, wanted) << count;
+      EXPECT_EQ(ToldDocuments(), wanted) << count;
+      EXPECT_TRUE(report.MissingDocuments.empty());
+    }
+  }
+}
+
+TEST_F(AlteredDocuments, AreCountedForTheWholeFolder) {
+  for (const char* name : {"a", "b", "e"}) AddAltered(name);
+  for (const char* name : {"c", "d"}) AddDocument(name);
+  EXPECT_EQ(Merge().AlteredDocuments, (Names{"a", "b", "e"}));
+  EXPECT_EQ(ToldDocuments(), (Names{"a", "b", "e"}));
+  EXPECT_NE(shell_.StatusText(2).find("   -> OK\r\n3 warnings, see the log\r\n"), std::string::npos);
+}
+
+TEST_F(AlteredDocuments, LeaveNothingBehindForTheNextMerge) {
+  AddAltered("a");
+  Merge();
+  for (const std::int32_t slot : {1, 2, 3}) EXPECT_TRUE(program_.Merge.DocSources(slot).empty()) << slot;
+}
+
+}  // namespace
+}  // namespace folioweld
