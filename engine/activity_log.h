@@ -28,8 +28,9 @@ class ActivityLog {
   /// Empties the ring; the next line is stored at index 1.
   void ClearLogScreen();
 
-  /// Writes "[header]=>" and a hexadecimal dump of `count` bytes from index `start` on; nothing when the
-  /// count is not positive or the start lies outside the bytes. The dump ends with the bytes.
+  /// Belongs to the log's interface; nothing in the program calls it. Writes "[header]=>" and a hexadecimal
+  /// dump of `count` bytes from index `start` on; nothing when the count is not positive or the start lies
+  /// outside the bytes. The dump ends with the bytes.
   void displayLogByteArray(const std::string& header, std::string_view bytes, std::int32_t start,
                            std::int32_t count);
 

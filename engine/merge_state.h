@@ -82,7 +82,9 @@ struct MergeState {
   std::int32_t ObjectsInDoc2 = 0;
   std::int32_t ObjectsTotal = 0;
 
-  // Cross-reference sections, (slot, section).
+  // Cross-reference sections, (slot, section). They are the record of every trailer that was read and belong
+  // to the state's interface: the passes read `TrailerEntry` and `TrailerSize` only, the other cells are for
+  // whoever asks.
   SectionTable<std::int32_t> TrailerEntry;
   SectionTable<std::int32_t> TrailerFirstLine;
   SectionTable<std::int32_t> TrailerLastLine;
@@ -99,16 +101,17 @@ struct MergeState {
   Table<ObjectEntry> Objects{&Memory};
   Table<std::string_view> ObjLines{&Memory};
   std::int32_t ObjLineCount = 0;
-  std::int32_t ObjLineLast = -1;
+  std::int32_t ObjLineLast = -1;  ///< a record like the trailers' cells
   Table<MissingLength> MissingLengths{&Memory};
   std::int32_t MissingLengthCount = 0;
   Table<NameEntry> NameEntries{&Memory};
   std::int32_t NameEntryCount = 0;
-  TextPool Texts{&Memory};      ///< what the texts of `Objects`, `ObjLines` and `NameEntries` point into
-  Table<std::string> PageKids;  ///< the trailers' text lines
-  Table<std::string> PageKidsExtra;
+  TextPool Texts{&Memory};           ///< what the texts of `Objects`, `ObjLines` and `NameEntries` point into
+  Table<std::string> PageKids;       ///< the trailers' text lines
+  Table<std::string> PageKidsExtra;  ///< always empty
   std::int32_t PageKidsCount = 0;
-  std::int32_t PageKidsLast = -1;
+  std::int32_t PageKidsLast =
+      -1;  ///< where the second document's lines begin; a record like the trailers' cells
   std::string OutputTrailerText;
 
   // The job.

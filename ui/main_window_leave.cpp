@@ -18,7 +18,7 @@ void Folioweld::cmdCancel_Click() {
     Unload();
     return;
   }
-  program_.Merge.AbortRequested = true;
+  job_.AbortOperation();
   shell_.Yield();
 }
 
@@ -33,7 +33,7 @@ bool Folioweld::AskLeave() {
 bool Folioweld::Form_QueryUnload(bool fromCloseBox) {
   if (!fromCloseBox) return true;
   if (Busy() && !viewerWatched_) {
-    program_.Merge.AbortRequested = true;
+    job_.AbortOperation();
     return false;
   }
   return AskLeave();
@@ -62,7 +62,7 @@ void Folioweld::Unload() {
     return;
   }
   // A job cleans up first. A viewer is left to the user.
-  if (!viewerWatched_) program_.Merge.AbortRequested = true;
+  if (!viewerWatched_) job_.AbortOperation();
 }
 
 void Folioweld::FinishIfEnding() {

@@ -36,7 +36,7 @@ TEST_F(ExhaustedMerge, FolderOfMoreFilesThanSixteenBitsCountIsLoggedAndLeft) {
 
 TEST_F(ExhaustedMerge, ListOfTemporariesThatCannotGrowGoesToCleanUp) {
   for (const char* name : {"a", "b", "c"}) AddDocument(name);
-  // The list's first entry is asked for right behind the second look at Cancel before the first pair.
+  // The list's first entry is asked for right after the second look at Cancel before the first pair.
   std::optional<testing::FailingMemory> failing;
   int looks = 0;
   shell_.OnYield = [&] {
