@@ -15,6 +15,7 @@ endfunction()
 
 folioweld_add_check(format check-format.sh)
 folioweld_add_check(messages_are_explained check-messages.py)
+folioweld_add_check(rules_are_where_the_page_says check-architecture.py)
 folioweld_add_check(headers_stand_alone check-headers.sh ${CMAKE_CXX_COMPILER})
 folioweld_add_check(clang_tidy check-clang-tidy.sh ${PROJECT_BINARY_DIR}/clang-tidy)
 set_tests_properties(headers_stand_alone clang_tidy PROPERTIES PROCESSORS 2 TIMEOUT 2400)
