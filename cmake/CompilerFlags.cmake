@@ -1,7 +1,7 @@
 # One interface target carries what every target of this project compiles with.
 add_library(folioweld_flags INTERFACE)
 target_compile_options(folioweld_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion
-                                                 -Wshadow -Werror)
+                                                 -Wshadow $<$<BOOL:${FOLIOWELD_WERROR}>:-Werror>)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   # GCC 12 reports overlapping copies inside its own std::string where there are none (its bug 105651).
   target_compile_options(folioweld_flags INTERFACE -Wno-restrict)

@@ -5,6 +5,9 @@
 
 namespace folioweld {
 
+/// The title of the program's message boxes.
+inline constexpr char kBoxTitle[] = "Folioweld";
+
 enum class BoxIcon { Plain, Information, Question, Exclamation, Critical };
 
 /// A message box. Lines are joined with CR LF or CR. With `YesNo` it is a question whose default is No.

@@ -9,8 +9,6 @@ namespace folioweld {
 
 namespace {
 
-constexpr char kTitle[] = "Folioweld";
-
 std::string Quoted(const std::string& name) {
   return "\"" + name + "\"";
 }
@@ -70,7 +68,7 @@ std::string Folioweld::ChooseOutputFile(FileRequest request) {
 bool Folioweld::MayReplace(const std::string& name) {
   if (!system_.GetLinkAttributes(name).Ok()) return true;
   return dialogs_.ShowBox(
-      {BoxIcon::Exclamation, kTitle,
+      {BoxIcon::Exclamation, kBoxTitle,
        "The output file\r\n" + Quoted(name) + "\r\n exists already.\r\nDo you want to replace it?", true});
 }
 
@@ -104,7 +102,7 @@ void Folioweld::TakeOutput(const std::string& name) {
 }
 
 void Folioweld::Refuse(const std::string& text) {
-  ShowBox(BoxIcon::Exclamation, kTitle, text);
+  ShowBox(BoxIcon::Exclamation, kBoxTitle, text);
   program_.Merge.MergeStatus = -1;
 }
 

@@ -27,7 +27,7 @@ void Folioweld::MenuFilExit_Click() {
 }
 
 bool Folioweld::AskLeave() {
-  return dialogs_.ShowBox({BoxIcon::Question, "Folioweld", "Do you want to leave Folioweld?", true});
+  return dialogs_.ShowBox({BoxIcon::Question, kBoxTitle, "Do you want to leave Folioweld?", true});
 }
 
 bool Folioweld::Form_QueryUnload(bool fromCloseBox) {

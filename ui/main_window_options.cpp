@@ -7,7 +7,6 @@ namespace folioweld {
 
 namespace {
 
-constexpr char kTitle[] = "Folioweld";
 constexpr char kNotice[] = "Copyright (c) 2026 The Folioweld developers. MIT License.";
 constexpr char kAddress[] = "ambrose.varnel@folioweld.example";
 
@@ -112,14 +111,15 @@ void Folioweld::MenuVarnel_Click() {
 
 void Folioweld::MenuPdfReader_Click() {
   if (ReaderPath.empty()) {
-    ShowBox(BoxIcon::Exclamation, kTitle, "\rOn this computer, there is no reader for portable documents!");
+    ShowBox(BoxIcon::Exclamation, kBoxTitle,
+            "\rOn this computer, there is no reader for portable documents!");
     return;
   }
   ShowInformation("\rOn this computer, the reader for portable documents is:\r\r" + ReaderPath + "\r\r");
 }
 
 void Folioweld::ShowInformation(const std::string& text) {
-  dialogs_.ShowBox({BoxIcon::Information, kTitle, text});
+  dialogs_.ShowBox({BoxIcon::Information, kBoxTitle, text});
 }
 
 void Folioweld::ShowBox(BoxIcon icon, const std::string& title, const std::string& text) {

@@ -14,13 +14,13 @@ namespace {
 
 using testing::FaultingSystem;
 
-constexpr char kSetting[] = "MergeTmpDir";
+constexpr char kTmpSetting[] = "MergeTmpDir";
 constexpr char kTitle[] = "Folioweld: Choose FOLDER FOR TEMPORARY FILES";
 
 class TmpDirectoryTest : public testing::DirectoryMergeFixture {
  protected:
-  void Store(const std::string& folder) { ASSERT_EQ(settings_.WriteSetting(kSetting, folder), 0); }
-  std::string Stored() { return settings_.ReadSetting(kSetting); }
+  void Store(const std::string& folder) { ASSERT_EQ(settings_.WriteSetting(kTmpSetting, folder), 0); }
+  std::string Stored() { return settings_.ReadSetting(kTmpSetting); }
   [[nodiscard]] std::string Made(const std::string& name) const { return folder_.MakeFolder(name); }
 
   TmpDirectory tmp_{system_, settings_, shell_};

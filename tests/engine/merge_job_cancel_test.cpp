@@ -4,14 +4,14 @@
 
 #include "tests/support/document_builder.h"
 #include "tests/support/merge_run.h"
+#include "tests/support/status_texts.h"
 
 namespace folioweld::testing {
 namespace {
 
 using Events = std::vector<std::string>;
 
-const std::string kFailed = "   -> FAILED or cancelled";
-const std::string kLabel = "\r\nPass #1 (getting general document structure):    \r\n";
+const std::string kFirstPass = "\r\nPass #1 (getting general document structure):    \r\n";
 const std::string kSecondPass = "\r\nPass #2 (getting description of the objects):\r\n+";
 const std::string kBuild1 = "Pass #1 of building output file: get missing lengths and relocate objects";
 const std::string kBuild2 =
@@ -64,7 +64,7 @@ class MergeJobCancelTest : public ::testing::Test {
 TEST_F(MergeJobCancelTest, InTheFirstPassOfTheFirstInput) {
   CancelAt(0, "+");
   RunAndFail();
-  EXPECT_EQ(run_.Status(0), "Parsing file #1: " + run_.FirstPath + kLabel + "+" + kFailed);
+  EXPECT_EQ(run_.Status(0), "Parsing file #1: " + run_.FirstPath + kFirstPass + "+" + kFailed);
   EXPECT_EQ(run_.Status(1), "");
   EXPECT_EQ(run_.Status(2), "");
   ExpectOutputUntouched();
@@ -73,7 +73,7 @@ TEST_F(MergeJobCancelTest, InTheFirstPassOfTheFirstInput) {
 TEST_F(MergeJobCancelTest, InTheSecondPassOfTheFirstInput) {
   CancelAt(0, " 0% (0)");
   RunAndFail();
-  EXPECT_EQ(run_.Status(0), "Parsing file #1: " + run_.FirstPath + kLabel + "+0-6   -> OK" + kSecondPass +
+  EXPECT_EQ(run_.Status(0), "Parsing file #1: " + run_.FirstPath + kFirstPass + "+0-6   -> OK" + kSecondPass +
                                 " 0% (0)" + kFailed);
   EXPECT_EQ(run_.Status(1), "");
   EXPECT_EQ(run_.Status(2), "");
@@ -91,7 +91,7 @@ TEST_F(MergeJobCancelTest, InTheFirstPassOfTheSecondInput) {
   CancelAt(1, "+");
   RunAndFail();
   EXPECT_TRUE(EndsWith(run_.Status(0), "   -> OK"));
-  EXPECT_EQ(run_.Status(1), "Parsing file #2: " + run_.SecondPath + kLabel + "+" + kFailed);
+  EXPECT_EQ(run_.Status(1), "Parsing file #2: " + run_.SecondPath + kFirstPass + "+" + kFailed);
   EXPECT_EQ(run_.Status(2), "");
   ExpectOutputUntouched();
 }

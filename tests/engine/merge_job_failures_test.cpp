@@ -7,19 +7,17 @@
 
 #include "tests/support/document_builder.h"
 #include "tests/support/merge_run.h"
+#include "tests/support/status_texts.h"
 
 namespace folioweld::testing {
 namespace {
 
 using Events = std::vector<std::string>;
 
-const std::string kFailed = "   -> FAILED or cancelled";
 const std::string kPass1 = "Pass #1 of building output file: get missing lengths and relocate objects";
 const std::string kPass2 =
     "   -> OK : the missing length of 0  object has been found\r\n"
     "Pass #2 for output file: compute new object numbers";
-const std::string kPass3 = "Pass #3 of building output file: paste catalogs of pages together";
-const std::string kPass4 = "Pass #4 of building output file: Write the output file";
 const std::string kBuilt = kPass1 + kPass2 + "   -> OK\r\n" + kPass3 + "   -> OK\r\n";
 const std::string kPassLabel = "\r\nPass #1 (getting general document structure):    \r\n";
 

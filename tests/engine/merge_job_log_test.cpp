@@ -4,13 +4,12 @@
 
 #include "tests/support/document_builder.h"
 #include "tests/support/merge_run.h"
+#include "tests/support/status_texts.h"
 
 namespace folioweld::testing {
 namespace {
 
 using Events = std::vector<std::string>;
-
-const std::string kNoDocument = "this is no document at all, and it is longer than forty bytes";
 
 DocumentBuilder Pages() {
   DocumentBuilder builder;

@@ -5,6 +5,7 @@
 
 #include "tests/support/document_builder.h"
 #include "tests/support/merge_run.h"
+#include "tests/support/status_texts.h"
 
 namespace folioweld::testing {
 namespace {
@@ -22,8 +23,6 @@ const std::string kPasses12 =
     "Pass #1 of building output file: get missing lengths and relocate objects"
     "   -> OK : the missing length of 0  object has been found\r\n"
     "Pass #2 for output file: compute new object numbers   -> OK\r\n";
-const std::string kPass3 = "Pass #3 of building output file: paste catalogs of pages together";
-const std::string kPass4 = "Pass #4 of building output file: Write the output file";
 
 /// The events without those of the status lines.
 Events CallsOf(const MergeRun& run) {

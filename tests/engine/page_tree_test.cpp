@@ -5,11 +5,11 @@
 #include "engine/pdf_builder.h"
 #include "tests/support/hand_made_state.h"
 #include "tests/support/merge_run.h"
+#include "tests/support/status_texts.h"
 
 namespace folioweld::testing {
 namespace {
 
-const std::string kLabel = "Pass #3 of building output file: paste catalogs of pages together";
 const std::string kInformation =
     "<<\r/CreationDate (D:20080101010101)\r/ModDate (D:20080101010101)\r/Producer (Folioweld)\r>>\r";
 
@@ -65,7 +65,7 @@ class PageTreeTest : public ::testing::Test {
 
   void ExpectFailure(std::int16_t slot, std::int32_t object, const std::string& rule) {
     EXPECT_FALSE(Paste());
-    EXPECT_EQ(run_.Status(2), kLabel) << "a failure leaves the line without an outcome";
+    EXPECT_EQ(run_.Status(2), kPass3) << "a failure leaves the line without an outcome";
     EXPECT_EQ(State().Failure.DocumentSlot, slot);
     EXPECT_EQ(State().Failure.ObjectNumber, object);
     EXPECT_EQ(State().Failure.Rule, rule);
@@ -190,14 +190,14 @@ TEST_F(PageTreeTest, AnInformationSlotWithoutTextIsLeftAlone) {
 
 TEST_F(PageTreeTest, TheStatusLineShowsTheCaptionAndTheOutcome) {
   ASSERT_TRUE(Paste());
-  EXPECT_EQ(run_.Status(2), kLabel + "   -> OK\r\n");
+  EXPECT_EQ(run_.Status(2), kPass3 + "   -> OK\r\n");
   EXPECT_EQ(run_.Shell.Events[0], "2|Pass #3 of building output file:");
 }
 
 TEST_F(PageTreeTest, OfOneInputOnlyTheInformationDictionaryAndTheTrailerAreMade) {
   WithoutSecondInput();
   ASSERT_TRUE(Paste());
-  EXPECT_EQ(run_.Status(2), kLabel + " -> OK \r\n");
+  EXPECT_EQ(run_.Status(2), kPass3 + " -> OK \r\n");
   EXPECT_EQ(State().OutputTrailerText,
             "trailer\r\n<< /Size 5\r/Root 1 0 R\r/Info 4 0 R\r>>\r\nstartxref\r\n");
   EXPECT_EQ(LastLineOf(State(), 1), "<</Type/Catalog/Pages 2 0 R/Lang(en)>>\r");
@@ -295,7 +295,7 @@ TEST_F(PageTreeTest, ACountThatIsNoNumberFails) {
 TEST_F(PageTreeTest, CountsWhoseSumIsTooLargeFail) {
   Replace(2, "<</Count 2147483646>>");
   EXPECT_FALSE(Paste());
-  EXPECT_EQ(run_.Status(2), kLabel);
+  EXPECT_EQ(run_.Status(2), kPass3);
   EXPECT_FALSE(State().Failure.Empty());
 }
 
@@ -318,7 +318,7 @@ TEST_F(PageTreeTest, ACancelAtAnyYieldFailsAndIsCalledACancel) {
     }
     EXPECT_FALSE(pasted) << yield;
     EXPECT_EQ(inputs.State.Failure.Rule, kCancelled) << yield;
-    EXPECT_EQ(inputs.Run.Status(2), kLabel) << yield;
+    EXPECT_EQ(inputs.Run.Status(2), kPass3) << yield;
   }
 }
 

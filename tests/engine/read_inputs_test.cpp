@@ -13,7 +13,7 @@ std::string Parsing(int slot, const std::string& path) {
          "\r\nPass #1 (getting general document structure):    \r\n";
 }
 
-const std::string kPass2 = "\r\nPass #2 (getting description of the objects):\r\n+";
+const std::string kSecondPassLabel = "\r\nPass #2 (getting description of the objects):\r\n+";
 
 /// Three objects: 0 to 2.
 std::string Small() {
@@ -55,9 +55,9 @@ TEST(ReadInputsTest, TheStatusLinesTellBothPassesOfBothInputs) {
   MergeRun run(Small(), Small());
   EXPECT_TRUE(run.Read());
   EXPECT_EQ(run.Status(0),
-            Parsing(1, run.FirstPath) + "+0-2   -> OK" + kPass2 + "++++++++++ 100% (2)   -> OK");
+            Parsing(1, run.FirstPath) + "+0-2   -> OK" + kSecondPassLabel + "++++++++++ 100% (2)   -> OK");
   EXPECT_EQ(run.Status(1),
-            Parsing(2, run.SecondPath) + "+0-2   -> OK" + kPass2 + "++++++++++ 100% (5)   -> OK");
+            Parsing(2, run.SecondPath) + "+0-2   -> OK" + kSecondPassLabel + "++++++++++ 100% (5)   -> OK");
   EXPECT_EQ(run.Status(2), "");
 }
 
@@ -68,9 +68,9 @@ TEST(ReadInputsTest, ThePassesBeginWithTheirCaptions) {
   EXPECT_EQ(run.Shell.Events.at(0), "0|" + pass1);
   EXPECT_EQ(run.Shell.Events.at(1), "0|" + pass1 + "+");
   EXPECT_EQ(std::count(run.Shell.Events.begin(), run.Shell.Events.end(), "0|" + pass1 + "+0-2   -> OK"), 1);
-  EXPECT_EQ(
-      std::count(run.Shell.Events.begin(), run.Shell.Events.end(), "0|" + pass1 + "+0-2   -> OK" + kPass2),
-      1);
+  EXPECT_EQ(std::count(run.Shell.Events.begin(), run.Shell.Events.end(),
+                       "0|" + pass1 + "+0-2   -> OK" + kSecondPassLabel),
+            1);
 }
 
 TEST(ReadInputsTest, AFailedFirstPassIsToldAndNothingElseIsRead) {
@@ -83,8 +83,8 @@ TEST(ReadInputsTest, AFailedFirstPassIsToldAndNothingElseIsRead) {
 TEST(ReadInputsTest, AFailedSecondPassIsToldAndNothingElseIsRead) {
   MergeRun run(WithABrokenObject(), Small());
   EXPECT_FALSE(run.Read());
-  EXPECT_EQ(run.Status(0),
-            Parsing(1, run.FirstPath) + "+0-2   -> OK" + kPass2 + " 0% (0)   -> FAILED or cancelled");
+  EXPECT_EQ(run.Status(0), Parsing(1, run.FirstPath) + "+0-2   -> OK" + kSecondPassLabel +
+                               " 0% (0)   -> FAILED or cancelled");
   EXPECT_EQ(run.Status(1), "");
 }
 

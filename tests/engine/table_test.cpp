@@ -7,8 +7,8 @@
 namespace folioweld {
 namespace {
 
-constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
-constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t kSmallest = std::numeric_limits<std::int32_t>::min();
 
 TEST(TableTest, IsNotAllocatedUntilItIsResetOrGrown) {
   Table<int> table;
@@ -74,7 +74,7 @@ TEST(TableTest, EveryAccessIsChecked) {
   EXPECT_THROW(static_cast<void>(table[-1]), IndexError);
   EXPECT_THROW(static_cast<void>(table[3]), IndexError);
   EXPECT_THROW(static_cast<void>(constant[3]), IndexError);
-  EXPECT_THROW(static_cast<void>(constant[kLeast]), IndexError);
+  EXPECT_THROW(static_cast<void>(constant[kSmallest]), IndexError);
 }
 
 TEST(TableTest, AnIndexErrorSaysWhichIndex) {
@@ -125,11 +125,11 @@ TEST(SectionTableTest, GrowsForEverySlotAndKeepsItsContents) {
 }
 
 TEST(CheckedAddTest, AddsUpToTheLimitsAndRaisesBeyond) {
-  EXPECT_EQ(CheckedAdd(kMost - 1, 1), kMost);
-  EXPECT_EQ(CheckedAdd(kLeast + 1, -1), kLeast);
-  EXPECT_EQ(CheckedAdd(kMost, kLeast), -1);
-  EXPECT_THROW(static_cast<void>(CheckedAdd(kMost, 1)), OverflowError);
-  EXPECT_THROW(static_cast<void>(CheckedAdd(kLeast, -1)), OverflowError);
+  EXPECT_EQ(CheckedAdd(kLargest - 1, 1), kLargest);
+  EXPECT_EQ(CheckedAdd(kSmallest + 1, -1), kSmallest);
+  EXPECT_EQ(CheckedAdd(kLargest, kSmallest), -1);
+  EXPECT_THROW(static_cast<void>(CheckedAdd(kLargest, 1)), OverflowError);
+  EXPECT_THROW(static_cast<void>(CheckedAdd(kSmallest, -1)), OverflowError);
 }
 
 TEST(CheckedInt16Test, TakesSixteenBitsAndRaisesBeyond) {
@@ -138,7 +138,7 @@ TEST(CheckedInt16Test, TakesSixteenBitsAndRaisesBeyond) {
   EXPECT_THROW(static_cast<void>(CheckedInt16(32768)), OverflowError);
   EXPECT_THROW(static_cast<void>(CheckedInt16(-32769)), OverflowError);
   try {
-    static_cast<void>(CheckedInt16(kMost));
+    static_cast<void>(CheckedInt16(kLargest));
   } catch (const std::exception& error) {
     EXPECT_STREQ(error.what(), "a count or position is too large");
   }

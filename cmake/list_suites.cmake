@@ -1,0 +1,17 @@
+# Read by CTest: the suites of `program` as tests with the label `label`.
+if(NOT EXISTS ${program})
+  add_test(${program}_NOT_BUILT ${program})
+  return()
+endif()
+execute_process(COMMAND ${program} --gtest_list_tests OUTPUT_VARIABLE listed RESULT_VARIABLE status)
+string(REGEX MATCHALL "\n[A-Za-z_][^ \n]*\\." suites "\n${listed}")
+if(status OR NOT suites)
+  message(FATAL_ERROR "${program} does not tell its tests: ${status}")
+endif()
+# Skipped, and none that failed after it: a failure has the last word.
+set(skipped "SKIPPED \\] [0-9]+ tests?, listed below:\n([^\n]*SKIPPED \\] [^\n]*\n)+$")
+foreach(suite ${suites})
+  string(REGEX REPLACE "\n(.*)\\." "\\1" suite "${suite}")
+  add_test("${suite}" ${program} "--gtest_filter=${suite}.*")
+  set_tests_properties("${suite}" PROPERTIES LABELS ${label} TIMEOUT 300 SKIP_REGULAR_EXPRESSION "${skipped}")
+endforeach()
