@@ -21,6 +21,10 @@ ExitStatus RunBatch(WindowsAPI& system, const std::string& commandLine) {
   files.SetLog(&log);
   SettingsStore settings(system);
   ReadStartSettings(program, settings);
+  settings.TellTo([&](const std::string& line) {
+    if (program.Merge.LogEnabled) log.AddLogLine(line);
+    shell.Notice(line);
+  });
   DirectoryMerge merge(program, files, settings, shell, log);
   LogCommandLine(program, log);
   const CommandLineOutcome outcome = ProcessCommandLine(program, files, settings, merge);

@@ -1,9 +1,11 @@
 #include "engine/settings_store.h"
 
 #include <cerrno>
+#include <utility>
 
 #include "engine/conversions.h"
 #include "engine/input_buffer.h"
+#include "engine/settings_lock.h"
 #include "engine/settings_text.h"
 #include "platform/retry.h"
 
@@ -17,23 +19,14 @@ constexpr int kFailure = 3;
 constexpr int kMostNameTries = 100;
 /// A settings file is a few hundred bytes; anything far beyond that is not one.
 constexpr std::int64_t kLongestFile = 1024 * 1024;
+constexpr std::int64_t kMillisecondsForLock = 2000;
+
+constexpr char kLockHeld[] =
+    "[Folioweld-WriteSetting]=>The settings are not stored: another program holds the lock \"";
 
 std::string FolderOf(const std::string& path) {
   return path.substr(0, path.rfind('/'));
 }
-
-/// Closes a handle at the end of a scope.
-class ScopedHandle {
- public:
-  ScopedHandle(WindowsAPI& system, WindowsAPI::Handle handle) : system_(system), handle_(handle) {}
-  ScopedHandle(const ScopedHandle&) = delete;
-  ScopedHandle& operator=(const ScopedHandle&) = delete;
-  ~ScopedHandle() { static_cast<void>(system_.CloseHandle(handle_)); }
-
- private:
-  WindowsAPI& system_;
-  WindowsAPI::Handle handle_;
-};
 
 }  // namespace
 
@@ -146,13 +139,9 @@ SettingsStore::Outcome SettingsStore::ReadFileText(std::string& text) {
 
 SettingsStore::Outcome SettingsStore::ReplaceUnderLock(const std::string& name, const std::string& text,
                                                        Stored stored) {
-  const std::string lockPath = FilePath() + ".lock";
-  const auto lock =
-      RetryInterrupted([&] { return system_.CreateFile(lockPath, OpenMode::ReadWriteCreatePrivate); });
-  if (!lock.Ok()) return lock.Error();
-  const ScopedHandle closeLock(system_, lock.Value());
-  const SystemError error = RetryInterrupted([&] { return system_.LockFile(lock.Value()); });
-  if (error) return error;
+  const SettingsLock lock(system_, FilePath() + ".lock", waitedInVain_ ? 0 : kMillisecondsForLock);
+  NoteLock(lock.Error());
+  if (lock.Error()) return lock.Error();
   // Read again: another process may have changed other settings before the lock was given.
   if (!OpenSettingsKey()) return kSettingsKeyFailure;
   std::string present;
@@ -164,6 +153,23 @@ SettingsStore::Outcome SettingsStore::ReplaceUnderLock(const std::string& name, 
   // Nothing would ever read or replace such a file again.
   if (static_cast<std::int64_t>(changed.size()) > kLongestFile) return SystemError{EFBIG};
   return ReplaceFile(changed);
+}
+
+/// One wait is enough: a program that keeps the lock would hold up every option and every start else.
+void SettingsStore::NoteLock(SystemError error) {
+  const bool held = error.Code == EWOULDBLOCK && system_.StopSignal() == 0;
+  if (held && !waitedInVain_) untold_ = kLockHeld + FilePath() + ".lock\"";
+  waitedInVain_ = held;
+  TellUntold();
+}
+
+void SettingsStore::TellTo(std::function<void(const std::string&)> tell) {
+  tell_ = std::move(tell);
+  TellUntold();
+}
+
+void SettingsStore::TellUntold() {
+  if (tell_ && !untold_.empty()) tell_(std::exchange(untold_, {}));
 }
 
 SystemError SettingsStore::ReplaceFile(std::string_view text) {

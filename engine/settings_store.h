@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -47,6 +48,10 @@ class SettingsStore {
   /// process writes it first. 0 on success.
   int ReadSettingOrDefault(const std::string& name, std::string& text, const std::string& defaultText);
 
+  /// Where it is told, in one line for the log, that settings are not stored as another program holds their
+  /// lock. It is waited for once, for at most two seconds; what could not be told before is told now.
+  void TellTo(std::function<void(const std::string&)> tell);
+
   /// Of the last read.
   [[nodiscard]] SettingsError LastError() const { return lastError_; }
 
@@ -77,10 +82,15 @@ class SettingsStore {
   enum class Stored { Replace, Keep };
   Outcome Store(const std::string& name, const std::string& text, Stored stored);
   Outcome ReplaceUnderLock(const std::string& name, const std::string& text, Stored stored);
+  void NoteLock(SystemError error);
+  void TellUntold();
   [[nodiscard]] SystemError WriteWhole(WindowsAPI::Handle file, std::string_view text);
 
   WindowsAPI& system_;
   SettingsError lastError_ = kSettingsOk;
+  bool waitedInVain_ = false;
+  std::string untold_;
+  std::function<void(const std::string&)> tell_;
 };
 
 }  // namespace folioweld

@@ -9,6 +9,7 @@
 #include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/mman.h>
@@ -155,10 +156,6 @@ SystemError PosixApi::SetEndOfFile(Handle file, std::int64_t size) {
 
 SystemError PosixApi::FlushFileBuffers(Handle file) {
   return Outcome(::fsync(file));
-}
-
-SystemError PosixApi::LockFile(Handle file) {
-  return Outcome(::flock(file, LOCK_EX));
 }
 
 SystemError PosixApi::TryLockFile(Handle file) {
@@ -335,6 +332,14 @@ const volatile std::sig_atomic_t& PosixApi::StopSignal() {
 
 PosixApi::Handle PosixApi::StopSignalHandle() {
   return g_stopPipe[0];
+}
+
+void PosixApi::WaitForStopSignal(int milliseconds) {
+  struct pollfd signal {
+    g_stopPipe[0], POLLIN, 0
+  };
+  // Waiting too short, after another signal, does no harm.
+  static_cast<void>(::poll(&signal, 1, milliseconds));
 }
 
 }  // namespace folioweld

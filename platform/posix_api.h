@@ -19,7 +19,6 @@ class PosixApi : public WindowsAPI {
   SystemResult<FileInformation> GetFileInformationByHandle(Handle file) override;
   SystemError SetEndOfFile(Handle file, std::int64_t size) override;
   SystemError FlushFileBuffers(Handle file) override;
-  SystemError LockFile(Handle file) override;
   SystemError TryLockFile(Handle file) override;
   SystemError CloseHandle(Handle file) override;
 
@@ -52,6 +51,7 @@ class PosixApi : public WindowsAPI {
   SystemError CatchStopSignals() override;
   const volatile std::sig_atomic_t& StopSignal() override;
   Handle StopSignalHandle() override;
+  void WaitForStopSignal(int milliseconds) override;
 };
 
 }  // namespace folioweld

@@ -81,9 +81,8 @@ class WindowsAPI {
   virtual SystemResult<FileInformation> GetFileInformationByHandle(Handle file) = 0;
   virtual SystemError SetEndOfFile(Handle file, std::int64_t size) = 0;
   virtual SystemError FlushFileBuffers(Handle file) = 0;
-  /// Waits until no other process holds the lock; closing the handle gives it back.
-  virtual SystemError LockFile(Handle file) = 0;
-  /// The same without waiting: EWOULDBLOCK when another process holds the lock.
+  /// Takes the file's lock without waiting: EWOULDBLOCK when another process holds it. Closing the handle
+  /// gives it back.
   virtual SystemError TryLockFile(Handle file) = 0;
   /// The handle is gone afterwards, whatever the result.
   virtual SystemError CloseHandle(Handle file) = 0;
@@ -143,6 +142,8 @@ class WindowsAPI {
   /// Becomes readable when a stop signal comes, for a program that waits instead of asking. It belongs to the
   /// system and stays open; -1 before `CatchStopSignals`, or when none could be had.
   virtual Handle StopSignalHandle() = 0;
+  /// Waits so long, or until a stop signal comes.
+  virtual void WaitForStopSignal(int milliseconds) = 0;
 };
 
 /// The real system; it lives as long as the program.

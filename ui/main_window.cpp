@@ -217,6 +217,9 @@ void Folioweld::Form_Activate() {
   logWindow_.ClearLogScreen();
   program_.Merge.MergeStatus = 2;
   LogCommandLine(program_, log_);
+  settings_.TellTo([this](const std::string& line) {
+    if (program_.Merge.LogEnabled) log_.AddLogLine(line);
+  });
   RunCommandLine();
   if (ending_) return;
   RefreshControls();

@@ -77,6 +77,23 @@ TEST_F(BatchRun, WithoutAStoreForSettingsTheDefaultsHold) {
   EXPECT_EQ(Run(), kEverythingJoined);
 }
 
+TEST_F(BatchRun, SettingsLockedElsewhereAreToldOnceAndChangeNothingElse) {
+  for (const char* name : {"docs/a", "docs/b", "docs/c"}) folder_.Write(name, SimpleDocument(1));
+  Store("MenuSort", "-1");
+  std::string opened;
+  system_.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
+    if (call.Name == "CreateFile") opened = call.Path;
+    const bool settingsLock = call.Name == "TryLockFile" && opened.ends_with(".lock");
+    return FaultingSystem::Fault{settingsLock ? EWOULDBLOCK : 0, 0};
+  };
+  EXPECT_EQ(Run(), kEverythingJoined);
+  EXPECT_EQ(system_.Written,
+            "[Folioweld-WriteSetting]=>The settings are not stored: another program holds the lock \"" +
+                folder_.File("config/folioweld/settings.ini.lock") + "\"\n");
+  EXPECT_EQ(system_.Now, 2000);
+  EXPECT_EQ(Setting("MergeCurDir"), "");
+}
+
 TEST_F(BatchRun, VanishedFolderForTemporaryFilesIsReplacedByTheSystemsOne) {
   for (const char* name : {"docs/a", "docs/b", "docs/c"}) folder_.Write(name, SimpleDocument(1));
   Store("MergeTmpDir", folder_.File("vanished"));

@@ -26,6 +26,7 @@ class ScreenSystem : public FaultingSystem {
     return taken;
   }
   std::int64_t MillisecondsNow() override { return Now; }
+  void WaitForStopSignal(int milliseconds) override { Now += milliseconds; }
   SystemError CatchStopSignals() override {
     CatchesSignals = true;
     return {};

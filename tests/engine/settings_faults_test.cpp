@@ -99,7 +99,7 @@ TEST_F(SettingsFaultsTest, AFailingReadNeverPutsTheDefaultInThePlaceOfAStoredTex
 
 TEST_F(SettingsFaultsTest, InterruptionsDoNotShow) {
   for (const char* name :
-       {"CreateFile", "ReadFile", "WriteFile", "FlushFileBuffers", "LockFile", "RandomNumber"}) {
+       {"CreateFile", "ReadFile", "WriteFile", "FlushFileBuffers", "TryLockFile", "RandomNumber"}) {
     WriteSettingsFile(kOld);
     long calls = 0;
     System.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
@@ -125,12 +125,12 @@ TEST_F(SettingsFaultsTest, TheNewTextIsOnTheDiskBeforeItTakesTheOldOnesPlace) {
   EXPECT_EQ(Store.WriteSetting("MenuSort", "2"), 0);
   std::vector<std::string> order;
   for (const auto& call : System.Calls) {
-    if (call.Name == "LockFile" || call.Name == "WriteFile" || call.Name == "FlushFileBuffers" ||
+    if (call.Name == "TryLockFile" || call.Name == "WriteFile" || call.Name == "FlushFileBuffers" ||
         call.Name == "MoveFile") {
       order.push_back(call.Name);
     }
   }
-  EXPECT_EQ(order, (std::vector<std::string>{"LockFile", "WriteFile", "FlushFileBuffers", "MoveFile"}));
+  EXPECT_EQ(order, (std::vector<std::string>{"TryLockFile", "WriteFile", "FlushFileBuffers", "MoveFile"}));
 }
 
 TEST_F(SettingsFaultsTest, AProcessThatDiesAtAnyCallLeavesTheOldOrTheNewSettingsAndNoLock) {
@@ -171,7 +171,7 @@ TEST_F(SettingsFaultsTest, ADefaultNeverReplacesAChoiceThatAnotherProcessStoredM
   bool done = false;
   System.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
     // After this store has looked, and before it has the lock.
-    if (call.Name == "LockFile" && !done) {
+    if (call.Name == "TryLockFile" && !done) {
       done = true;
       EXPECT_EQ(other.WriteSetting("MenuSort", "3"), 0);
     }
@@ -191,7 +191,7 @@ TEST_F(SettingsFaultsTest, AChangeThatAnotherProcessMadeMeanwhileIsKept) {
   WriteSettingsFile(kOld);
   bool done = false;
   System.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    if (call.Name == "LockFile" && !done) {
+    if (call.Name == "TryLockFile" && !done) {
       done = true;
       EXPECT_EQ(other.WriteSetting("MergeTmpDir", "/other/"), 0);
     }

@@ -31,7 +31,7 @@ class SettingsStoreTest : public testing::SettingsFixture {
 
   [[nodiscard]] bool WasWritten() const {
     return std::any_of(System.Calls.begin(), System.Calls.end(), [](const FaultingSystem::Call& call) {
-      return call.Name == "WriteFile" || call.Name == "MoveFile" || call.Name == "LockFile";
+      return call.Name == "WriteFile" || call.Name == "MoveFile" || call.Name == "TryLockFile";
     });
   }
 };
@@ -239,7 +239,7 @@ TEST_F(SettingsStoreTest, ATemporaryNameThatIsTakenIsPassedOver) {
 TEST_F(SettingsStoreTest, AFileThatVanishesUnderTheLockIsAFailure) {
   EXPECT_EQ(Store.WriteSetting("MenuSort", "2"), 0);
   System.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    if (call.Name == "LockFile") fs::remove(SettingsFile());
+    if (call.Name == "TryLockFile") fs::remove(SettingsFile());
     return FaultingSystem::Fault{};
   };
   EXPECT_EQ(Store.WriteSetting("MenuSort", "3"), 1011);

@@ -27,7 +27,6 @@ const std::vector<Fault>& FaultsOf(const std::string& call) {
       {"GetFileInformationByHandle", {{EIO, 0}}},
       {"SetEndOfFile", {{EIO, 0}, {EFBIG, 0}, {EINTR, 0}}},
       {"FlushFileBuffers", {{EIO, 0}, {ENOSPC, 0}, {EINTR, 0}}},
-      {"LockFile", {{ENOLCK, 0}, {EINTR, 0}}},
       {"TryLockFile", {{ENOLCK, 0}, {EWOULDBLOCK, 0}, {EINTR, 0}}},
       {"CloseHandle", {{EIO, 0}, {ENOSPC, 0}}},
       {"GetFileAttributes", {{EIO, 0}, {EACCES, 0}}},

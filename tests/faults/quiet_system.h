@@ -1,13 +1,14 @@
 #pragma once
 
 #include <cerrno>
+#include <cstdint>
 #include <string>
 
 #include "tests/support/faulting_system.h"
 
 namespace folioweld::testing {
 
-/// Keeps what the program says instead of showing it, and does not wait for the disk.
+/// Keeps what the program says instead of showing it, and waits neither for the disk nor for others.
 class QuietSystem : public FaultingSystem {
  public:
   SystemError FlushFileBuffers(Handle file) override {
@@ -17,6 +18,9 @@ class QuietSystem : public FaultingSystem {
     static_cast<void>(file);
     return error.Code == EBADF ? SystemError{} : error;
   }
+  /// Waiting takes no time.
+  std::int64_t MillisecondsNow() override { return FaultingSystem::MillisecondsNow() + waited_; }
+  void WaitForStopSignal(int milliseconds) override { waited_ += milliseconds; }
   bool ErrorOutputIsTerminal() override { return false; }
   SystemResult<std::size_t> WriteErrorOutput(const char* bytes, std::size_t count) override {
     Said.append(bytes, count);
@@ -24,6 +28,9 @@ class QuietSystem : public FaultingSystem {
   }
 
   std::string Said;
+
+ private:
+  std::int64_t waited_ = 0;
 };
 
 }  // namespace folioweld::testing

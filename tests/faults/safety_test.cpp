@@ -241,6 +241,12 @@ TEST_F(Safety, TwoProcessesThatWriteOneOutputLeaveNoMixture) {
   }
 }
 
+/// Waits in earnest, for a lock that another process gives back in a moment.
+class WaitingSystem : public testing::QuietSystem {
+ public:
+  void WaitForStopSignal(int milliseconds) override { PosixApi::WaitForStopSignal(milliseconds); }
+};
+
 TEST_F(Safety, TwoProcessesThatChangeSettingsLoseNone) {
   testing::QuietSystem system;
   Prepare(system);
@@ -250,7 +256,7 @@ TEST_F(Safety, TwoProcessesThatChangeSettingsLoseNone) {
     const pid_t child = ::fork();
     if (child == 0) {
       ::alarm(60);
-      testing::QuietSystem own;
+      WaitingSystem own;
       Prepare(own);
       SettingsStore settings(own);
       int failed = 0;

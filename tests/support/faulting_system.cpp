@@ -59,11 +59,6 @@ SystemError FaultingSystem::FlushFileBuffers(Handle file) {
   return fault.Error != 0 ? SystemError{fault.Error} : PosixApi::FlushFileBuffers(file);
 }
 
-SystemError FaultingSystem::LockFile(Handle file) {
-  const Fault fault = Count("LockFile");
-  return fault.Error != 0 ? SystemError{fault.Error} : PosixApi::LockFile(file);
-}
-
 SystemError FaultingSystem::TryLockFile(Handle file) {
   const Fault fault = Count("TryLockFile");
   return fault.Error != 0 ? SystemError{fault.Error} : PosixApi::TryLockFile(file);

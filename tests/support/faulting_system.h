@@ -38,7 +38,6 @@ class FaultingSystem : public PosixApi {
   SystemResult<FileInformation> GetFileInformationByHandle(Handle file) override;
   SystemError SetEndOfFile(Handle file, std::int64_t size) override;
   SystemError FlushFileBuffers(Handle file) override;
-  SystemError LockFile(Handle file) override;
   SystemError TryLockFile(Handle file) override;
   SystemError CloseHandle(Handle file) override;
   SystemResult<FileInformation> GetFileAttributes(const std::string& path) override;

@@ -75,10 +75,6 @@ SystemError MemorySystem::FlushFileBuffers(Handle /*file*/) {
   return {};
 }
 
-SystemError MemorySystem::LockFile(Handle /*file*/) {
-  return {};
-}
-
 SystemError MemorySystem::TryLockFile(Handle /*file*/) {
   return {};
 }

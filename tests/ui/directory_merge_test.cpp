@@ -191,5 +191,17 @@ TEST_F(DirectoryMergeWindowTest, ALoneFileNameOnTheCommandLineDoesNothing) {
                                                              folder_.File("documents/a.pdf")));
 }
 
+TEST_F(DirectoryMergeWindowTest, SettingsLockedElsewhereAreToldInTheLog) {
+  std::string opened;
+  system_.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
+    if (call.Name == "CreateFile") opened = call.Path;
+    const bool settingsLock = call.Name == "TryLockFile" && opened.ends_with(".lock");
+    return FaultingSystem::Fault{settingsLock ? EWOULDBLOCK : 0, 0};
+  };
+  Open();
+  EXPECT_THAT(Window().Log().LogText(),
+              ::testing::HasSubstr("The settings are not stored: another program holds"));
+}
+
 }  // namespace
 }  // namespace folioweld::testing
