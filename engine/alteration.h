@@ -11,8 +11,12 @@ struct MergeState;
 
 /// What a reader of the output sees otherwise than a reader of an input, although the merge succeeds.
 enum class AlterationKind : std::uint8_t {
-  Encrypted,         ///< the output's trailer has no /Encrypt
-  InformationShared  ///< /Info, whose object is replaced, names an object that is something else
+  Encrypted,           ///< the output's trailer has no /Encrypt
+  InformationShared,   ///< /Info, whose object is replaced, names an object that is something else
+  PageCountWrong,      ///< the root's /Count is not the number of pages that its /Kids lead to
+  PageTreeRepeated,    ///< a node of the page tree is reached more than once
+  PageTreeIncomplete,  ///< a node of the page tree is not there or is no dictionary
+  PageTreeHasParent    ///< the root of the page tree, which gets a /Parent, has one
 };
 
 /// All places of one kind in one document.

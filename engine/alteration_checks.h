@@ -1,21 +1,20 @@
 #pragma once
 
-#include <cstdint>
-#include <string_view>
-
 #include "engine/merge_shell.h"
-#include "engine/merge_state.h"
+#include "engine/read_object.h"
 
 namespace folioweld {
 
-// What the output will show otherwise than the inputs. Each check takes the inputs as they were read, with
-// the numbers of their own, and leaves what it finds with `NoteAlteration`. A cancel is raised as a broken
-// rule.
+// What the output will show otherwise than the inputs. Each check takes an input as it was read, with the
+// numbers of its own, and leaves what it finds with `NoteAlteration`. A cancel is raised as a broken rule.
 
 /// Runs all of them; to be called between the reading and the renumbering.
-void FindAlterations(MergeState& state, MergeShell& shell);
+void FindAlterations(MergeState& state, PdfReader& reader, MergeShell& shell);
 
 /// What the information dictionary, whose place is taken by a fixed one, is besides.
-void CheckInformation(MergeState& state, std::int16_t slot);
+void CheckInformation(const ReadInput& input);
+
+/// Whether the pages that the root of the page tree counts are those that its kids lead to.
+void CheckPageTree(const ReadInput& input, MergeShell& shell);
 
 }  // namespace folioweld

@@ -14,6 +14,18 @@ const char* Words(AlterationKind kind) {
     case AlterationKind::InformationShared:
       return "/Info names an object that is more than an information dictionary, and the output has one in "
              "its place";
+    case AlterationKind::PageCountWrong:
+      return "/Count is not the number of pages that /Kids lead to, and pages of other documents can be "
+             "missing "
+             "for it";
+    case AlterationKind::PageTreeRepeated:
+      return "/Kids lead to an object that the page tree has led to before, and pages of other documents can "
+             "be "
+             "missing for it";
+    case AlterationKind::PageTreeIncomplete:
+      return "/Kids lead to an object that is no page, and pages of other documents can be missing for it";
+    case AlterationKind::PageTreeHasParent:
+      return "the root of the page tree has a /Parent already, and gets a second one";
   }
   return "";
 }

@@ -2,19 +2,19 @@
 
 #include "engine/alteration.h"
 #include "engine/alteration_checks.h"
-#include "engine/read_object.h"
 
 namespace folioweld {
 
 namespace {
 
 /// What the object is besides an information dictionary, in words; empty when it is nothing else.
-std::string OtherUse(const MergeState& state, std::int16_t slot, std::int32_t number) {
-  const std::int32_t catalogNumber = state.DocRootNumber(slot);
-  if (number == catalogNumber) return "the catalog";
-  const ReadObject catalog(state, slot, catalogNumber);
-  if (ReferencedNumber(catalog.Value("/Pages")) == number) return "the root of the page tree";
-  const ReadObject object(state, slot, number);
+std::string OtherUse(const ReadInput& input, std::int32_t number) {
+  const std::int32_t catalog = input.State.DocRootNumber(input.Slot);
+  if (number == catalog) return "the catalog";
+  if (ReferencedNumber(ReadObject(input, catalog).Value("/Pages")) == number) {
+    return "the root of the page tree";
+  }
+  const ReadObject object(input, number);
   if (object.HasStream()) return "a stream";
   if (!object.IsDictionary()) return "no dictionary";
   const std::string_view type = object.Value("/Type");
@@ -23,11 +23,12 @@ std::string OtherUse(const MergeState& state, std::int16_t slot, std::int32_t nu
 
 }  // namespace
 
-void CheckInformation(MergeState& state, std::int16_t slot) {
-  const std::int32_t number = state.DocInfoNumber(slot);
-  if (number <= 0 || !ReadObject(state, slot, number).Exists()) return;
-  std::string use = OtherUse(state, slot, number);
-  if (!use.empty()) NoteAlteration(state, slot, AlterationKind::InformationShared, number, std::move(use));
+void CheckInformation(const ReadInput& input) {
+  const std::int32_t number = input.State.DocInfoNumber(input.Slot);
+  if (number <= 0 || !ReadObject(input, number).Exists()) return;
+  std::string use = OtherUse(input, number);
+  if (use.empty()) return;
+  NoteAlteration(input.State, input.Slot, AlterationKind::InformationShared, number, std::move(use));
 }
 
 }  // namespace folioweld

@@ -1,28 +1,80 @@
 #include "engine/read_object.h"
 
+#include <algorithm>
+#include <string>
+
+#include "engine/character_set.h"
 #include "engine/pdf_scanner.h"
 
 namespace folioweld {
 
-ReadObject::ReadObject(const MergeState& state, std::int16_t slot, std::int32_t number) : state_(state) {
-  if (number < 0 || number >= state.DocObjectCount(slot)) return;
+namespace {
+
+/// White space to others, and part of a token here.
+constexpr CharacterSet kFurtherWhiteSpace{std::string_view("\t\f\0", 3)};
+
+int HexValue(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  const char small = static_cast<char>(c | 0x20);
+  return small >= 'a' && small <= 'f' ? small - 'a' + 10 : -1;
+}
+
+const ObjectEntry* FindEntry(const MergeState& state, std::int16_t slot, std::int32_t number) {
+  if (number < 0 || number >= state.DocObjectCount(slot)) return nullptr;
   const std::int32_t index = TableIndexOf(state, number, slot);
-  if (index > state.Objects.UpperBound()) return;
+  if (index > state.Objects.UpperBound()) return nullptr;
   const ObjectEntry& entry = state.Objects[index];
-  const bool located = entry.ObjState != kNoObject && entry.ObjState != kListed;
-  if (located && entry.LastLine >= 0) entry_ = &entry;
+  const bool located = entry.ObjState != kNoObject && entry.ObjState != kListed && entry.LastLine >= 0;
+  return located ? &entry : nullptr;
 }
 
-std::string_view ReadObject::Text() const {
-  return Exists() ? std::string_view(state_.ObjLines[entry_->LastLine]) : std::string_view();
+}  // namespace
+
+bool IsName(std::string_view written, std::string_view key) {
+  std::size_t at = 0;
+  for (const char wanted : key) {
+    if (at == written.size()) return false;
+    char c = written[at++];
+    if (c == '#' && at + 1 < written.size()) {
+      const int high = HexValue(written[at]);
+      const int low = HexValue(written[at + 1]);
+      if (high >= 0 && low >= 0) {
+        c = static_cast<char>(high * 16 + low);
+        at += 2;
+      }
+    }
+    if (c != wanted) return false;
+  }
+  return at == written.size();
 }
 
-std::string_view ReadObject::Value(std::string_view key) const {
-  if (!Exists()) return {};
-  for (std::int32_t row = entry_->ObjAux; row >= 0; row = state_.NameEntries[row].NameId) {
-    if (state_.NameEntries[row].NameText == key) return state_.NameEntries[row].NameValue;
+std::int32_t ParseAsOthersDo(const ReadInput& input, std::string_view text) {
+  if (kFurtherWhiteSpace.Find(text, 0) != text.size()) {
+    std::string spaced(text);
+    std::replace_if(
+        spaced.begin(), spaced.end(), [](char c) { return kFurtherWhiteSpace.Has(c); }, ' ');
+    text = input.State.Texts.Keep(spaced);
+  }
+  std::int32_t firstRow = -1;
+  input.Reader.ParseDictionary(text, 1, firstRow);
+  return firstRow;
+}
+
+std::string_view ValueOf(const MergeState& state, std::int32_t firstRow, std::string_view key) {
+  for (std::int32_t row = firstRow; row >= 0; row = state.NameEntries[row].NameId) {
+    const NameEntry& entry = state.NameEntries[row];
+    if (IsName(entry.NameText, key)) return entry.NameValue == "null" ? std::string_view() : entry.NameValue;
   }
   return {};
+}
+
+ReadObject::ReadObject(const ReadInput& input, std::int32_t number)
+    : state_(input.State), entry_(FindEntry(state_, input.Slot, number)) {
+  if (!Exists()) return;
+  text_ = state_.ObjLines[entry_->LastLine];
+  if (!IsDictionary()) return;
+  const bool asOthersDo = kFurtherWhiteSpace.Find(text_, 0) == text_.size();
+  firstRow_ = asOthersDo ? entry_->ObjAux : ParseAsOthersDo(input, Conversions::TrimBlanks(text_));
 }
 
 std::int32_t ReferencedNumber(std::string_view text) {

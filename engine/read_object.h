@@ -4,29 +4,51 @@
 #include <string_view>
 
 #include "engine/merge_state.h"
+#include "engine/pdf_reader.h"
 
 namespace folioweld {
 
-/// One object of an input as it was read, by its number in that input. Dictionaries are those that the object
-/// scanner parsed, so their references have the input's own numbers, before and after the renumbering.
+/// One input between its reading and its renumbering.
+struct ReadInput {
+  MergeState& State;
+  PdfReader& Reader;
+  std::int16_t Slot;
+};
+
+// How other readers see a dictionary: a tab, a form feed and a NUL part tokens as well, and "#41" in a name
+// is an "A". Rows are those of `NameEntries`.
+
+/// Whether the name, as it is written, is the key.
+[[nodiscard]] bool IsName(std::string_view written, std::string_view key);
+
+/// The first row of the text's dictionary; -1 when there is none. The text is one that is kept.
+[[nodiscard]] std::int32_t ParseAsOthersDo(const ReadInput& input, std::string_view text);
+
+/// The value of a key in the dictionary, the first if there are several; empty when there is none or it is
+/// null.
+[[nodiscard]] std::string_view ValueOf(const MergeState& state, std::int32_t firstRow, std::string_view key);
+
+/// One object of an input, by its number in that input, with its dictionary as others see it.
 class ReadObject {
  public:
-  ReadObject(const MergeState& state, std::int16_t slot, std::int32_t number);
+  ReadObject(const ReadInput& input, std::int32_t number);
 
   /// The input has an object of that number that is not free.
   [[nodiscard]] bool Exists() const { return entry_ != nullptr; }
-  [[nodiscard]] bool IsDictionary() const { return Text().substr(0, 2) == "<<"; }
+  [[nodiscard]] bool IsDictionary() const { return text_.substr(0, 2) == "<<"; }
   [[nodiscard]] bool HasStream() const { return Exists() && entry_->ObjState == kWithStream; }
 
   /// What stands between the object's header and "endobj" or "stream", as read.
-  [[nodiscard]] std::string_view Text() const;
+  [[nodiscard]] std::string_view Text() const { return text_; }
 
-  /// The value of a key of the dictionary, the first if there are several; empty when there is none.
-  [[nodiscard]] std::string_view Value(std::string_view key) const;
+  [[nodiscard]] std::string_view Value(std::string_view key) const { return ValueOf(state_, firstRow_, key); }
+  [[nodiscard]] std::int32_t FirstRow() const { return firstRow_; }
 
  private:
   const MergeState& state_;
   const ObjectEntry* entry_ = nullptr;
+  std::string_view text_;
+  std::int32_t firstRow_ = -1;
 };
 
 /// The number of the reference with which the text begins; -1 when it begins with none.

@@ -103,7 +103,8 @@ bool PdfBuilder::BuildOutputPasses1And2() {
     for (std::int32_t row = 0; row < count; ++row) ResolveLength(state_, state_.MissingLengths[row]);
     CheckStreams(state_, files_, 1, 0, state_.ObjectsInDoc1);
     CheckStreams(state_, files_, 2, state_.ObjectsInDoc1, state_.ObjectsTotal);
-    FindAlterations(state_, shell_);
+    PdfReader reader(state_, files_, shell_);
+    FindAlterations(state_, reader, shell_);
     return true;
   });
   if (!resolved) return false;

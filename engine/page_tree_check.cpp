@@ -1,0 +1,159 @@
+// Whether the number of pages that an input's root of the page tree gives, and that the output's root adds
+// up, is the number of pages that readers reach.
+
+#include <string>
+#include <vector>
+
+#include "engine/alteration.h"
+#include "engine/alteration_checks.h"
+#include "engine/conversions.h"
+#include "engine/pdf_builder.h"
+#include "engine/pdf_scanner.h"
+
+namespace folioweld {
+
+using namespace Conversions;
+
+namespace {
+
+/// Follows /Kids from the root down, each node once. A page that several kids name is that many pages, as
+/// readers take it.
+class PageTreeWalk {
+ public:
+  PageTreeWalk(const ReadInput& input, MergeShell& shell)
+      : input_(input),
+        shell_(shell),
+        known_(static_cast<std::size_t>(input.State.DocObjectCount(input.Slot)), Known::Nothing) {}
+
+  /// The pages that are reached.
+  [[nodiscard]] std::int32_t Run(std::int32_t root) {
+    Reach(root, root);
+    while (!open_.empty()) {
+      const std::int32_t node = open_.back();
+      open_.pop_back();
+      std::string_view kids = ReadObject(input_, node).Value("/Kids");
+      const std::int32_t array = ReferencedNumber(kids);
+      if (array >= 0) kids = ReadObject(input_, array).Text();
+      ReachAll(kids, node);
+    }
+    return pages_;
+  }
+
+  /// Every node was there, and once.
+  [[nodiscard]] bool Whole() const { return whole_; }
+
+ private:
+  enum class Known : std::uint8_t { Nothing, NoNode, Node, Page };
+
+  /// A node that stands in the array itself is taken for a page.
+  void ReachAll(std::string_view kids, std::int32_t parent) {
+    std::size_t direct = kids.find("<<");
+    std::int32_t position = 1;
+    while (position >= 1) {
+      NumberPairKeyword found;
+      const std::int32_t next = FindNextReference(kids, position, kReferenceKeyword, found);
+      const bool isReference = found.KeywordIndex >= 0;
+      const std::size_t start =
+          isReference ? static_cast<std::size_t>(found.FirstTokenStart) - 1 : kids.size();
+      if (direct < start) {
+        ++pages_;
+        const std::size_t end = SkipDirect(kids, direct);
+        if (end == kids.size()) return;
+        position = static_cast<std::int32_t>(end) + 1;
+        direct = kids.find("<<", end);
+      } else if (isReference) {
+        Reach(found.FirstNumber, parent);
+        position = next;
+      } else {
+        return;
+      }
+    }
+  }
+
+  /// Index after the dictionary that begins at `index`.
+  static std::size_t SkipDirect(std::string_view text, std::size_t index) {
+    std::size_t depth = 0;
+    do {
+      index = text.find_first_of("<>", index);
+      if (index == std::string_view::npos) return text.size();
+      const bool isPair = index + 1 < text.size() && text[index + 1] == text[index];
+      if (isPair && text[index] == '<') ++depth;
+      if (isPair && text[index] == '>') --depth;
+      index += isPair ? 2 : 1;
+    } while (depth > 0);
+    return index;
+  }
+
+  void Reach(std::int32_t number, std::int32_t parent) {
+    if (YieldAndCheckAbort(shell_, input_.State)) throw RuleBroken({input_.Slot, number, -1, kCancelled});
+    if (static_cast<std::size_t>(number) >= known_.size()) {
+      Tell(AlterationKind::PageTreeIncomplete, number, parent);
+      return;
+    }
+    Known& known = known_[static_cast<std::size_t>(number)];
+    if (known == Known::Node) Tell(AlterationKind::PageTreeRepeated, number, parent);
+    if (known == Known::Nothing) {
+      known = Look(number);
+      if (known == Known::Node) open_.push_back(number);
+    }
+    if (known == Known::NoNode) Tell(AlterationKind::PageTreeIncomplete, number, parent);
+    if (known == Known::Page) ++pages_;
+  }
+
+  [[nodiscard]] Known Look(std::int32_t number) const {
+    const ReadObject object(input_, number);
+    if (!object.IsDictionary()) return Known::NoNode;
+    return object.Value("/Kids").empty() ? Known::Page : Known::Node;
+  }
+
+  void Tell(AlterationKind kind, std::int32_t number, std::int32_t parent) {
+    whole_ = false;
+    NoteAlteration(input_.State, input_.Slot, kind, parent, "object " + std::to_string(number));
+  }
+
+  const ReadInput& input_;
+  MergeShell& shell_;
+  std::vector<Known> known_;  ///< by object number
+  std::vector<std::int32_t> open_;
+  std::int32_t pages_ = 0;
+  bool whole_ = true;
+};
+
+/// The root's /Count as the joining of the page trees will take it; -1 when that will fail.
+std::int32_t JoinedCount(const ReadInput& input, std::int32_t root) {
+  const MergeState& state = input.State;
+  std::int32_t row = state.Objects[TableIndexOf(state, root, input.Slot)].ObjAux;
+  while (row >= 0 && state.NameEntries[row].NameText != "/Count") row = state.NameEntries[row].NameId;
+  if (row < 0) return -1;
+  const std::string_view value = TrimBlanks(state.NameEntries[row].NameValue);
+  const std::int32_t number = NumberOfValueText(value);
+  if (number >= 0) return number;
+  NumberPairKeyword found;
+  static_cast<void>(FindNextReference(value, 1, kReferenceKeyword, found));
+  if (found.KeywordIndex < 0) return -1;
+  const std::int32_t index = TableIndexOf(state, found.FirstNumber, input.Slot);
+  return index <= state.Objects.UpperBound() ? NumberOfValueText(state.Objects[index].ValueText) : -1;
+}
+
+}  // namespace
+
+void CheckPageTree(const ReadInput& input, MergeShell& shell) {
+  // A file that holds several documents has a root of this run's making, which adds up what was checked.
+  if (SourcesOf(input.State, input.Slot).size() > 1) return;
+  const ReadObject catalog(input, input.State.DocRootNumber(input.Slot));
+  const std::int32_t number = ReferencedNumber(catalog.Value("/Pages"));
+  const ReadObject root(input, number);
+  if (!root.IsDictionary()) return;
+  if (!root.Value("/Parent").empty()) {
+    NoteAlteration(input.State, input.Slot, AlterationKind::PageTreeHasParent, number);
+  }
+  const std::int32_t count = JoinedCount(input, number);
+  if (count < 0) return;
+  PageTreeWalk walk(input, shell);
+  const std::int32_t pages = walk.Run(number);
+  if (!walk.Whole() || pages == count) return;
+  NoteAlteration(input.State, input.Slot, AlterationKind::PageCountWrong, number,
+                 std::to_string(count) + " instead of " + std::to_string(pages));
+}
+
+}  // namespace folioweld

@@ -1,0 +1,148 @@
+#!/usr/bin/env python3
+"""Whether warnings are true: small documents that show one kind each are joined, the program has to warn of them, and
+another program has to see something otherwise in the output than in the documents.
+
+    alterations_test.py --program BUILD/app/folioweld
+"""
+
+import argparse
+import json
+import os
+import shutil
+import sys
+import unittest
+
+from program import World
+from readers import run
+
+TOOLS = ("qpdf", "mutool", "pdftotext", "pdftoppm")
+PROGRAM = ""
+
+
+def stream(data, entries=""):
+    return f"<<{entries}/Length {len(data)}>>\nstream\n{data}\nendstream"
+
+
+def text(words):
+    return stream(f"BT /F1 12 Tf 10 10 Td ({words}) Tj ET")
+
+
+def page(content, entries=""):
+    font = "/Resources<</Font<</F1<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>>>>>"
+    return f"<</Type/Page/Parent 2 0 R/MediaBox[0 0 200 50]{font}/Contents {content} 0 R{entries}>>"
+
+
+def plain(words, count=1):
+    """Objects of a document with one page, or with one page shown several times as pages of their own."""
+    kids = " ".join(f"{3 + 2 * i} 0 R" for i in range(count))
+    objects = {1: "<</Type/Catalog/Pages 2 0 R>>", 2: f"<</Type/Pages/Kids[{kids}]/Count {count}>>"}
+    for i in range(count):
+        objects[3 + 2 * i] = page(4 + 2 * i)
+        objects[4 + 2 * i] = text(words if count == 1 else f"{words}{i + 1}")
+    return objects
+
+
+def document(objects, trailer="/Root 1 0 R", table=None, tail="", head="%PDF-1.4\n%\xe2\xe3\xcf\xd3\n"):
+    """The bytes of a document; `table` replaces entries of its cross-reference table."""
+    data = head
+    size = max(objects) + 1
+    entries = {n: "0000000000 65535 f" for n in range(size)}
+    for number, body in objects.items():
+        entries[number] = f"{len(data):010} 00000 n"
+        data += f"{number} 0 obj\n{body}\nendobj\n"
+    entries.update(table or {})
+    start = len(data)
+    data += f"xref\n0 {size}\n" + "".join(f"{entries[n]} \n" for n in range(size))
+    data += f"trailer\n<</Size {size}\n{trailer}\n>>\nstartxref\n{start}\n%%EOF\n{tail}"
+    return data.encode("latin-1")
+
+
+class Alterations(unittest.TestCase):
+    def setUp(self):
+        self.world = World()
+        self.addCleanup(shutil.rmtree, self.world.root, ignore_errors=True)
+
+    def file(self, name, data):
+        path = self.world.path(name)
+        with open(path, "wb") as out:
+            out.write(data)
+        return path
+
+    def joined(self, warning, *documents):
+        """Joins the documents, which has to succeed with this warning and no other; the paths of the inputs and of the
+        output."""
+        paths = [self.file(f"{i}.pdf", data) for i, data in enumerate(documents, 1)]
+        outcome = self.world.join(PROGRAM, [(os.path.basename(path), path) for path in paths])
+        self.assertEqual([], outcome.problems)
+        self.assertEqual(3, outcome.status, outcome.stderr)
+        self.assertEqual(1, len(outcome.stderr.splitlines()), outcome.stderr)
+        self.assertIn(warning, outcome.stderr)
+        return [*paths, outcome.output]
+
+    def texts(self, path):
+        return run(["pdftotext", path, "-"]).stdout.decode().replace("\f", "").split()
+
+    def qpdf(self, path):
+        """Objects by number, as qpdf sees them, and the trailer."""
+        listing = json.loads(run(["qpdf", "--json", "--json-key=qpdf", path]).stdout)["qpdf"][1]
+        return {name: value for name, value in listing.items()}
+
+    def pixels(self, path, number):
+        return run(["pdftoppm", "-r", "36", "-f", str(number), "-l", str(number), path]).stdout
+
+    def test_information_that_is_a_page(self):
+        first, second, output = self.joined(
+            "more than an information dictionary", document(plain("one")), document(plain("two"), "/Root 1 0 R/Info 3 0 R")
+        )
+        self.assertEqual(["two"], self.texts(second))
+        self.assertEqual(["one"], self.texts(output), "the page has become an information dictionary")
+
+    def test_information_that_is_a_stream(self):
+        marked = plain("one") | {5: "<</Type/XObject/Subtype/Form/BBox[0 0 9 9]/Length 4>>\nstream\n1 w \nendstream"}
+        first, output = self.joined("more than an information dictionary", document(marked, "/Root 1 0 R/Info 5 0 R"))
+        self.assertIn("stream", self.qpdf(first)["obj:5 0 R"])
+        self.assertIn("/Producer", str(self.qpdf(output)["obj:5 0 R"]), "its dictionary is another one")
+
+    def test_page_count_too_small(self):
+        wrong = plain("a", 2) | {2: "<</Type/Pages/Kids[3 0 R 5 0 R]/Count 1>>"}
+        first, second, output = self.joined("/Count is not the number of pages", document(wrong), document(plain("last")))
+        self.assertEqual(["last"], self.texts(second))
+        self.assertNotIn("last", self.texts(output))
+
+    def test_page_tree_with_a_missing_node(self):
+        wrong = plain("a") | {2: "<</Type/Pages/Kids[3 0 R 8 0 R]/Count 2>>"}
+        first, second, output = self.joined("an object that is no page", document(wrong), document(plain("b", 3)))
+        self.assertEqual(["b1", "b2", "b3"], self.texts(second))
+        self.assertEqual(["a", "b1", "b1", "b2", "b3"], self.texts(output), "object 8 is a page of the second one now")
+
+    def test_page_tree_that_leads_to_itself(self):
+        wrong = plain("a") | {2: "<</Type/Pages/Kids[3 0 R 2 0 R]/Count 2>>"}
+        first, second, output = self.joined("led to before", document(wrong), document(plain("last")))
+        self.assertEqual(["last"], self.texts(second))
+        self.assertEqual(3, self.page_count(output))
+        self.assertNotIn(b"last", run(["pdftotext", "-f", "3", output, "-"]).stdout, "it is not where its count has it")
+
+    def test_page_tree_root_that_has_a_parent(self):
+        wrong = plain("a") | {2: "<</Type/Pages/Kids[3 0 R]/Count 1/Parent 1 0 R>>"}
+        first, second, output = self.joined("has a /Parent already", document(wrong), document(plain("b")))
+        self.assertNotIn(b"duplicated key", run(["qpdf", "--check", first]).stderr)
+        self.assertIn(b"duplicated key /Parent", run(["qpdf", "--check", output]).stderr)
+
+    def page_count(self, path):
+        return int(run(["pdfinfo", path]).stdout.split(b"Pages:")[1].split()[0])
+
+
+def main():
+    global PROGRAM
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--program", required=True)
+    options, rest = parser.parse_known_args()
+    PROGRAM = os.path.abspath(options.program)
+    missing = [tool for tool in TOOLS if not shutil.which(tool)]
+    if missing:
+        sys.exit(f"FAILED: not installed: {', '.join(missing)} (Debian: qpdf, mupdf-tools, poppler-utils)")
+    unittest.main(argv=[sys.argv[0], *rest])
+
+
+if __name__ == "__main__":
+    main()
