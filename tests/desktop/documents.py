@@ -34,6 +34,14 @@ def write_large(path, streams, size=MIB):
     return path
 
 
+def write_in_two_subsections(path, source):
+    """The document with its first free entry in a subsection of its own, as programs write it that change one."""
+    head, _, tail = source.read_bytes().partition(b"xref\n0 ")
+    count, _, entries = tail.partition(b"\n")
+    first, rest = entries[:20], entries[20:]
+    path.write_bytes(head + b"xref\n0 1\n" + first + b"1 %d\n" % (int(count) - 1) + rest)
+
+
 def fill_folder(folder, sources=(LETTER, REPORT, STATIONS)):
     """A folder with copies of the documents, named in their order."""
     folder.mkdir()

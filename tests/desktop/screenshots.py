@@ -10,7 +10,7 @@ from pathlib import Path
 
 from accessible import AccessibilityBus
 from desktop import Desktop, wait_for
-from documents import LETTER, REPORT, fill_folder, write_large
+from documents import LETTER, REPORT, fill_folder, write_in_two_subsections, write_large
 from drag import DragSource
 from palette import make_dark
 from screen import Screen
@@ -112,11 +112,12 @@ class Photographer:
             window.close()
 
     def refusal(self):
-        window = self.open()
-        self.press_on(window, select(FIRST))
-        window.answer_file(CHOOSE[FIRST], DOCUMENTS / "scanned.pdf")
-        window.dialog("Folioweld")
-        self.save("refusal", self.screen.active())
+        window = self.open(log=True)
+        self.fill(window, DOCUMENTS / "form.pdf", DOCUMENTS / "report.pdf", DOCUMENTS / "joined.pdf")
+        self.press_on(window, GO)
+        wait_for(lambda: "The merge failed" in (window.log_text() or ""), "the log says why the merge failed")
+        wait_for(lambda: window.is_enabled(select(FIRST)), "the merge has ended")
+        self.save("refusal", window.main_window(), window.log_window())
         window.close()
 
     def viewing(self):
@@ -171,7 +172,7 @@ def main():
         shutil.copy(REPORT, DOCUMENTS / "report.pdf")
         for number in (1, 2):
             write_large(DOCUMENTS / f"large-{number}.pdf", 900)
-        (DOCUMENTS / "scanned.pdf").write_bytes(b"%PDF-1.7\n%\xe2\xe3\xcf\xd3\nits table is a stream\n")
+        write_in_two_subsections(DOCUMENTS / "form.pdf", LETTER)
         fill_folder(DOCUMENTS / "to join")
         desktop = Desktop("3200x2400x24")
         try:
