@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <optional>
 #include <utility>
 
 #include "dirmerge/document_list.h"
@@ -22,6 +23,16 @@ constexpr char kFolderSetting[] = "MergeCurDir";
 /// Anything shorter cannot be a document.
 constexpr std::int64_t kShortestOutput = 11;
 
+Logging LoggingOf(const ProgramState& program, MergeShell& shell, ActivityLog& log) {
+  const auto write = [&](const std::string& text) {
+    if (program.Merge.LogEnabled) log.AddLogLine(kLogPrefix + text);
+  };
+  return {write, [write, &shell](const std::string& text) {
+            write(text);
+            shell.Notice(kLogPrefix + text);
+          }};
+}
+
 /// One run of the job.
 class DirectoryJob {
  public:
@@ -32,6 +43,7 @@ class DirectoryJob {
         settings_(settings),
         shell_(shell),
         log_(log),
+        logging_(LoggingOf(program, shell, log)),
         report_(report),
         keeper_(files.System()) {
     program_.ExternalBusy = true;
@@ -61,6 +73,7 @@ class DirectoryJob {
     if (!Enumerate(directory, documents)) return;
     const std::string output = ChooseOutput();
     if (output.empty()) return;
+    ForgetRefusedOutput(directory, output);
     OutputProbe probe(files_, output);
     if (!probe.Open(documents.Identities)) {
       shell_.ShowMessage(
@@ -72,13 +85,17 @@ class DirectoryJob {
   }
 
  private:
-  void Log(const std::string& text) {
-    if (program_.Merge.LogEnabled) log_.AddLogLine(kLogPrefix + text);
+  [[nodiscard]] std::optional<FileIdentity> IdentityOf(const std::string& path) const {
+    const auto attributes = files_.System().GetFileAttributes(path);
+    return attributes.Ok() ? std::optional(attributes.Value().Identity) : std::nullopt;
   }
 
-  void LogAndNotice(const std::string& text) {
-    Log(text);
-    shell_.Notice(kLogPrefix + text);
+  /// An output that is asked for is known only after the listing.
+  void ForgetRefusedOutput(const std::string& directory, const std::string& output) {
+    const auto identity = IdentityOf(output);
+    if (!identity) return;
+    std::erase_if(report_.RefusedDocuments,
+                  [&](const std::string& name) { return IdentityOf(directory + name) == identity; });
   }
 
   void ShowFolderFailure() {
@@ -88,11 +105,10 @@ class DirectoryJob {
 
   /// Fills the list; false when the job ends here.
   bool Enumerate(const std::string& directory, DocumentList& documents) {
-    const ListOutcome outcome = ListDocuments(
-        directory, files_, shell_, program_.Merge, [this](const std::string& line) { Log(line); },
-        [this](const std::string& line) { shell_.Notice(kLogPrefix + line); }, documents);
+    const ListOutcome outcome = ListDocuments(directory, files_, shell_, program_.Merge, logging_,
+                                              IdentityOf(program_.CommandLineOutput), documents);
     report_.RefusedDocuments = documents.RefusedDocuments;
-    if (outcome == ListOutcome::TooMany) LogAndNotice("Out of memory - Could not extend filesToMerge()");
+    if (outcome == ListOutcome::TooMany) logging_.Notice("Out of memory - Could not extend filesToMerge()");
     // A listing that broke off would give an output that silently lacks documents.
     if (outcome == ListOutcome::FolderFailed) ShowFolderFailure();
     if (outcome != ListOutcome::Complete) return false;
@@ -108,15 +124,14 @@ class DirectoryJob {
   }
 
   void Join(const std::string& directory, std::vector<std::string> names, const std::string& output) {
-    Log("Request to merge towards: \"" + output + "\"  the following files:");
-    FileOrdering ordering(files_.System(), shell_, program_.Merge,
-                          [this](const std::string& line) { Log(line); });
+    logging_.Log("Request to merge towards: \"" + output + "\"  the following files:");
+    FileOrdering ordering(files_.System(), shell_, program_.Merge, logging_.Log);
     const std::int16_t sortOrder = program_.SortOrder;
     if (!ordering.Order(names, sortOrder)) return;
     TmpDirectory tmp(files_.System(), settings_, shell_);
     const std::string tmpFolder = names.size() > 2 ? tmp.RequireTmpDirectory() : tmp.GetTmpDirectory();
     if (names.size() > 2 && tmpFolder.empty()) {
-      LogAndNotice("Unable to get a temporary directory");
+      logging_.Notice("Unable to get a temporary directory");
       return;
     }
     JoinInRounds(directory, names, output, tmpFolder);
@@ -125,9 +140,7 @@ class DirectoryJob {
 
   void JoinInRounds(const std::string& directory, const std::vector<std::string>& names,
                     const std::string& output, const std::string& tmpFolder) {
-    MergeRounds rounds(program_, files_, shell_, log_,
-                       {[this](const std::string& line) { Log(line); },
-                        [this](const std::string& line) { LogAndNotice(line); }});
+    MergeRounds rounds(program_, files_, shell_, log_, logging_);
     rounds.Run(directory, names, output, tmpFolder, report_);
   }
 
@@ -149,6 +162,7 @@ class DirectoryJob {
   SettingsStore& settings_;
   MergeShell& shell_;
   ActivityLog& log_;
+  const Logging logging_;
   DirectoryMergeReport& report_;
   CurrentDirectoryKeeper keeper_;
 };
@@ -185,6 +199,14 @@ void DirectoryMerge::MenuPdfMergeDir_Click() {
   MergeDirectory(directory);
 }
 
+void DirectoryMerge::TellExhaustion() {
+  try {
+    LoggingOf(program_, shell_, log_).Notice("out of memory");
+  } catch (const std::exception&) {
+    // Nor is there memory for the news; the report tells all the same.
+  }
+}
+
 void DirectoryMerge::MergeDirectory(const std::string& directory) {
   report_ = {};
   try {
@@ -192,7 +214,7 @@ void DirectoryMerge::MergeDirectory(const std::string& directory) {
   } catch (const std::exception&) {
     // Memory is all that can run out here; the job has cleaned up on its way.
     report_.OutputWritten = false;
-    shell_.Notice(std::string(kLogPrefix) + "out of memory");
+    TellExhaustion();
   }
 }
 

@@ -31,6 +31,8 @@ class DirectoryMerge {
   [[nodiscard]] const DirectoryMergeReport& Report() const { return report_; }
 
  private:
+  void TellExhaustion();
+
   ProgramState& program_;
   FileModule& files_;
   SettingsStore& settings_;

@@ -13,7 +13,7 @@ namespace folioweld {
 
 namespace {
 
-using Log = std::function<void(const std::string&)>;
+constexpr std::int16_t kSearchedBytes = 1024;
 
 std::string UpperCased(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(),
@@ -25,15 +25,15 @@ bool EndsInPdf(const std::string& name) {
   return name.size() >= 4 && UpperCased(name.substr(name.size() - 4)) == ".PDF";
 }
 
-/// Whether a refused file is a document after all: it begins as one, or cannot be read and is named like one.
+/// Whether a refused regular file counts as a document all the same.
 bool LooksLikeDocument(FileModule& files, const std::string& path) {
+  if (EndsInPdf(path)) return true;
   const std::int16_t fileNumber = files.OpenForBinaryRead(path);
-  if (fileNumber < 1) return EndsInPdf(path);
   std::string start;
-  const bool read = files.ReadBlock(fileNumber, 1, 5, start) > 0;
-  const bool failed = !read && files.FileLength(fileNumber) != 0;
+  const bool read = files.ReadBlock(fileNumber, 1, kSearchedBytes, start) > 0;
+  // It was only read.
   static_cast<void>(files.Close(fileNumber));
-  return start == "%PDF-" || (failed && EndsInPdf(path));
+  return read && start.find("%PDF-") != std::string::npos;
 }
 
 /// Ends a search whatever ends its use; memory can run out in the middle.
@@ -52,13 +52,13 @@ class OpenSearch {
 class Listing {
  public:
   Listing(const std::string& folder, FileModule& files, MergeShell& shell, const MergeState& state,
-          const Log& log, const Log& notice, DocumentList& list)
+          const Logging& logging, const std::optional<FileIdentity>& output, DocumentList& list)
       : folder_(folder),
         files_(files),
         shell_(shell),
         state_(state),
-        log_(log),
-        notice_(notice),
+        logging_(logging),
+        output_(output),
         list_(list) {}
 
   ListOutcome Run() {
@@ -91,7 +91,7 @@ class Listing {
     if (attributes.Value().Kind != FileKind::Regular) return true;
     PassFailure why;
     if (!IsThisDocumentApdf(files_, path, &why)) {
-      Refuse(name, path, why);
+      Refuse(name, attributes.Value().Identity, why);
       return true;
     }
     if (list_.Names.size() >= static_cast<std::size_t>(std::numeric_limits<std::int16_t>::max()))
@@ -105,18 +105,18 @@ class Listing {
   void NoteUnknown(const std::string& name, SystemError error) {
     // Gone since it was listed, or a link that leads nowhere.
     if (error.Code == ENOENT || error.Code == ELOOP || !EndsInPdf(name)) return;
-    notice_("File: \"" + name + "\"  cannot be looked at: " + error.Words());
+    logging_.Notice("File: \"" + name + "\"  cannot be looked at: " + error.Words());
     list_.RefusedDocuments.push_back(name);
   }
 
-  void Refuse(const std::string& name, const std::string& path, const PassFailure& why) {
+  void Refuse(const std::string& name, const FileIdentity& identity, const PassFailure& why) {
     const std::string line = "File: \"" + name + "\"  is not acceptable for merging";
-    log_(line);
-    if (!LooksLikeDocument(files_, path)) return;
-    const std::string reason = "  because of " + why.Sentence({}) + " (\"" + name + "\")";
-    log_(reason);
-    notice_(line);
-    notice_(reason);
+    if (identity == output_ || !LooksLikeDocument(files_, folder_ + name)) {
+      logging_.Log(line);
+      return;
+    }
+    logging_.Notice(line);
+    logging_.Notice("  because of " + why.Sentence({}) + " (\"" + name + "\")");
     list_.RefusedDocuments.push_back(name);
   }
 
@@ -124,17 +124,17 @@ class Listing {
   FileModule& files_;
   MergeShell& shell_;
   const MergeState& state_;
-  const Log& log_;
-  const Log& notice_;
+  const Logging& logging_;
+  const std::optional<FileIdentity>& output_;
   DocumentList& list_;
 };
 
 }  // namespace
 
 ListOutcome ListDocuments(const std::string& folder, FileModule& files, MergeShell& shell,
-                          const MergeState& state, const std::function<void(const std::string&)>& log,
-                          const std::function<void(const std::string&)>& notice, DocumentList& list) {
-  return Listing(folder, files, shell, state, log, notice, list).Run();
+                          const MergeState& state, const Logging& logging,
+                          const std::optional<FileIdentity>& output, DocumentList& list) {
+  return Listing(folder, files, shell, state, logging, output, list).Run();
 }
 
 }  // namespace folioweld

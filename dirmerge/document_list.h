@@ -1,9 +1,10 @@
 #pragma once
 
-#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "dirmerge/logging.h"
 #include "engine/file_module.h"
 #include "engine/merge_shell.h"
 #include "engine/merge_state.h"
@@ -22,12 +23,11 @@ enum class ListOutcome { Complete, Cancelled, TooMany, FolderFailed };
 
 /// Finds the acceptable documents of a folder, in the order in which the system lists them. Only regular
 /// files are candidates (links are followed), hidden ones and names without a dot too. Every refused file is
-/// logged by `log` (a line without prefix); of a file that begins as a PDF does, the reason is logged as well
-/// and both lines go to `notice`. A folder of more files than 16 bits count gives `TooMany`.
+/// logged. One that is named ".pdf" or has "%PDF-" in its first 1,024 bytes is taken for a document: it is
+/// noticed, with the reason, and listed as refused, unless it is the output. A folder of more files than 16
+/// bits count gives `TooMany`.
 [[nodiscard]] ListOutcome ListDocuments(const std::string& folder, FileModule& files, MergeShell& shell,
-                                        const MergeState& state,
-                                        const std::function<void(const std::string&)>& log,
-                                        const std::function<void(const std::string&)>& notice,
-                                        DocumentList& list);
+                                        const MergeState& state, const Logging& logging,
+                                        const std::optional<FileIdentity>& output, DocumentList& list);
 
 }  // namespace folioweld

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <functional>
 #include <string>
 #include <vector>
 
 #include "dirmerge/directory_merge_report.h"
+#include "dirmerge/logging.h"
 #include "dirmerge/program_state.h"
 #include "dirmerge/temporary_files.h"
 #include "engine/activity_log.h"
@@ -19,11 +19,6 @@ namespace folioweld {
 /// the output. Temporary files live until all rounds are done.
 class MergeRounds {
  public:
-  struct Logging {
-    std::function<void(const std::string&)> Log;     ///< a line for the log
-    std::function<void(const std::string&)> Notice;  ///< a line for the log and for whoever watches
-  };
-
   MergeRounds(ProgramState& program, FileModule& files, MergeShell& shell, ActivityLog& log, Logging logging);
 
   /// Runs all rounds and cleans up. Names without a separator are taken from the directory.

@@ -44,8 +44,23 @@ TEST_F(ProgramStatus, TwoArgumentsMeanTheSame) {
 TEST_F(ProgramStatus, IsZeroWhenFilesThatAreNoDocumentsStandBeside) {
   AddDocument("a.pdf");
   folder_.Write("docs/notes.txt", "text");
-  folder_.Write("docs/empty.pdf", "");
+  folder_.Write("docs/empty", "");
   ExpectRun({"out.pdf", "docs"}, 0, "");
+}
+
+TEST_F(ProgramStatus, IsThreeWhenAFileNamedLikeADocumentIsNone) {
+  AddDocument("a.pdf");
+  folder_.Write("docs/page.pdf", "<!DOCTYPE html>\n");
+  ExpectRun({"out.pdf", "docs"}, 3,
+            "[Folioweld-MergeDirectory]=>File: \"page.pdf\"  is not acceptable for merging\n"
+            "[Folioweld-MergeDirectory]=>  because of file offset 0: the file does not begin with \"%PDF-\" "
+            "(\"page.pdf\")\n");
+}
+
+TEST_F(ProgramStatus, IsZeroWhenTheOldOutputIsEmpty) {
+  AddDocument("a.pdf");
+  folder_.Write("docs/joined.pdf", "");
+  ExpectRun({"docs/joined.pdf", "docs"}, 0, "");
 }
 
 TEST_F(ProgramStatus, IsThreeWhenADocumentIsRefused) {

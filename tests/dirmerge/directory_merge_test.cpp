@@ -181,6 +181,30 @@ TEST_F(DirectoryMergeTest, OutputMayBeAFileOfTheFolderThatIsNoDocument) {
   EXPECT_EQ(PageTexts(Doc("old")), Names{"a"});
 }
 
+TEST_F(DirectoryMergeTest, AnOldOutputInTheFolderIsNoLossWheneverItIsNamed) {
+  AddDocument("a");
+  for (const bool asked : {false, true}) {
+    folder_.Write("docs/joined.pdf", "");
+    program_.CommandLineOutput = asked ? "" : Doc("joined.pdf");
+    shell_.OutputAnswer = Doc("joined.pdf");
+    EXPECT_TRUE(Merge().Complete()) << asked;
+    EXPECT_EQ(PageTexts(Doc("joined.pdf")), Names{"a"});
+    std::filesystem::remove(Doc("joined.pdf"));
+  }
+}
+
+TEST_F(DirectoryMergeTest, WhatCannotBeLookedAtIsLogged) {
+  AddDocument("a");
+  AddDocument("b.pdf");
+  system_.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
+    return FaultingSystem::Fault{call.Name == "GetFileAttributes" && call.Path == Doc("b.pdf") ? EIO : 0, 0};
+  };
+  EXPECT_FALSE(Merge().Complete());
+  const std::string line = "File: \"b.pdf\"  cannot be looked at: Input/output error";
+  EXPECT_EQ(MergeLines().front(), line);
+  EXPECT_EQ(shell_.Notices, Names{"[Folioweld-MergeDirectory]=>" + line});
+}
+
 TEST_F(DirectoryMergeTest, LogsTheRequestBeforeTheNames) {
   AddDocument("a");
   EXPECT_TRUE(Merge().Complete());

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <optional>
 #include <string>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -28,9 +29,8 @@ class DocumentListTest : public testing::DirectoryMergeFixture {
     list_ = {};
     logged_.clear();
     noticed_.clear();
-    const ListOutcome outcome = ListDocuments(
-        Docs(), files_, shell_, program_.Merge, [this](const std::string& line) { logged_.push_back(line); },
-        [this](const std::string& line) { noticed_.push_back(line); }, list_);
+    const ListOutcome outcome =
+        ListDocuments(Docs(), files_, shell_, program_.Merge, logging_, output_, list_);
     std::sort(list_.Names.begin(), list_.Names.end());
     return outcome;
   }
@@ -44,6 +44,12 @@ class DocumentListTest : public testing::DirectoryMergeFixture {
   DocumentList list_;
   Names logged_;
   Names noticed_;
+  std::optional<FileIdentity> output_;
+  const Logging logging_{[this](const std::string& line) { logged_.push_back(line); },
+                         [this](const std::string& line) {
+                           logged_.push_back(line);
+                           noticed_.push_back(line);
+                         }};
 };
 
 TEST_F(DocumentListTest, TakesEveryAcceptableFile) {
@@ -160,12 +166,34 @@ TEST_F(DocumentListTest, TellsTheReasonOfARefusedFileThatBeginsAsADocument) {
   EXPECT_EQ(list_.RefusedDocuments, Names{"half"});
 }
 
-TEST_F(DocumentListTest, FiveBytesMakeARefusedFileADocument) {
+TEST_F(DocumentListTest, FiveBytesAmongTheFirst1024MakeARefusedFileADocument) {
   folder_.Write("docs/five", "%PDF-");
   folder_.Write("docs/four", "%PDF");
-  folder_.Write("docs/later", " %PDF-1.4");
+  folder_.Write("docs/line end", "\r\n" + SimpleDocument(1));
+  folder_.Write("docs/mark", "\xEF\xBB\xBF" + SimpleDocument(1));
+  folder_.Write("docs/just", std::string(1019, ' ') + "%PDF-1.4");
+  folder_.Write("docs/too late", std::string(1020, ' ') + "%PDF-1.4");
   EXPECT_EQ(List(), ListOutcome::Complete);
-  EXPECT_EQ(list_.RefusedDocuments, Names{"five"});
+  std::sort(list_.RefusedDocuments.begin(), list_.RefusedDocuments.end());
+  EXPECT_EQ(list_.RefusedDocuments, (Names{"five", "just", "line end", "mark"}));
+}
+
+TEST_F(DocumentListTest, ItsNameMakesARefusedFileADocument) {
+  for (const char* name : {"empty.pdf", "page.PDF", "notes.pdf.txt", "pdf"}) {
+    folder_.Write(std::string("docs/") + name, name[0] == 'e' ? "" : "<!DOCTYPE html>");
+  }
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  std::sort(list_.RefusedDocuments.begin(), list_.RefusedDocuments.end());
+  EXPECT_EQ(list_.RefusedDocuments, (Names{"empty.pdf", "page.PDF"}));
+}
+
+TEST_F(DocumentListTest, AnOutputThatIsNoDocumentIsNeitherToldNorCounted) {
+  folder_.Write("docs/joined.pdf", "");
+  output_ = system_.GetFileAttributes(Doc("joined.pdf")).Value().Identity;
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_EQ(logged_, Names{"File: \"joined.pdf\"  is not acceptable for merging"});
+  EXPECT_TRUE(noticed_.empty());
+  EXPECT_TRUE(list_.RefusedDocuments.empty());
 }
 
 TEST_F(DocumentListTest, UnreadableFileCountsAsADocumentWhenItIsNamedLikeOne) {
@@ -190,13 +218,6 @@ TEST_F(DocumentListTest, FileThatCannotBeReadCountsAsADocumentWhenItIsNamedLikeO
   system_.Decide = FaultingSystem::Failing("ReadFile", EIO);
   EXPECT_EQ(List(), ListOutcome::Complete);
   EXPECT_EQ(list_.RefusedDocuments, Names{"a.pdf"});
-}
-
-TEST_F(DocumentListTest, EmptyFileNamedLikeADocumentIsLoggedOnly) {
-  folder_.Write("docs/empty.pdf", "");
-  EXPECT_EQ(List(), ListOutcome::Complete);
-  EXPECT_EQ(logged_, Names{"File: \"empty.pdf\"  is not acceptable for merging"});
-  EXPECT_TRUE(noticed_.empty());
 }
 
 TEST_F(DocumentListTest, GivesTheIdentityOfEveryAcceptedFile) {
@@ -268,9 +289,8 @@ class CrowdedListing : public DocumentListTest {
   ListOutcome ListCrowd(int count) {
     testing::CrowdedSystem crowd(folder_.Write("one", SimpleDocument(1)), count);
     FileModule files(crowd);
-    const auto ignore = [](const std::string&) {};
     const ListOutcome outcome =
-        ListDocuments("/anywhere/", files, shell_, program_.Merge, ignore, ignore, list_);
+        ListDocuments("/anywhere/", files, shell_, program_.Merge, logging_, output_, list_);
     EXPECT_TRUE(crowd.Closed);
     return outcome;
   }
