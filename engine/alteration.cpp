@@ -46,7 +46,7 @@ bool IsRewritten(MergeState& state, std::int16_t slot) {
 }
 
 void NoteAlteration(MergeState& state, std::int16_t slot, AlterationKind kind, std::int32_t objectNumber,
-                    std::string detail) {
+                    std::string detail, std::int64_t fileOffset) {
   SourceDocument& source = SourceOf(SourcesOf(state, slot), objectNumber);
   const auto known = std::find_if(source.Alterations.begin(), source.Alterations.end(),
                                   [kind](const Alteration& alteration) { return alteration.Kind == kind; });
@@ -54,7 +54,7 @@ void NoteAlteration(MergeState& state, std::int16_t slot, AlterationKind kind, s
     if (!known->Told) ++known->Count;
     return;
   }
-  Alteration added{kind, -1, -1, 1, std::move(detail), false};
+  Alteration added{kind, -1, fileOffset, 1, std::move(detail), false};
   if (objectNumber >= 0) {
     added.ObjectNumber = objectNumber - source.FirstObject;
     if (!source.Rewritten) added.FileOffset = InputOffset(state, slot, objectNumber);

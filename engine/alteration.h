@@ -11,12 +11,15 @@ struct MergeState;
 
 /// What a reader of the output sees otherwise than a reader of an input, although the merge succeeds.
 enum class AlterationKind : std::uint8_t {
-  Encrypted,           ///< the output's trailer has no /Encrypt
-  InformationShared,   ///< /Info, whose object is replaced, names an object that is something else
-  PageCountWrong,      ///< the root's /Count is not the number of pages that its /Kids lead to
-  PageTreeRepeated,    ///< a node of the page tree is reached more than once
-  PageTreeIncomplete,  ///< a node of the page tree is not there or is no dictionary
-  PageTreeHasParent    ///< the root of the page tree, which gets a /Parent, has one
+  Encrypted,             ///< the output's trailer has no /Encrypt
+  InformationShared,     ///< /Info, whose object is replaced, names an object that is something else
+  PageCountWrong,        ///< the root's /Count is not the number of pages that its /Kids lead to
+  PageTreeRepeated,      ///< a node of the page tree is reached more than once
+  PageTreeIncomplete,    ///< a node of the page tree is not there or is no dictionary
+  PageTreeHasParent,     ///< the root of the page tree, which gets a /Parent, has one
+  StartXrefDisputed,     ///< others take another one of two "startxref"
+  TrailerReadOtherwise,  ///< others read another value in the trailer
+  KeyRepeated            ///< of the trailer, the catalog or the root of the page tree
 };
 
 /// All places of one kind in one document.
@@ -44,9 +47,10 @@ struct SourceDocument {
 [[nodiscard]] bool IsRewritten(MergeState& state, std::int16_t slot);
 
 /// Adds a place to what is known of an input's documents; `objectNumber` is the input's, -1 = none. To be
-/// called while `Objects` holds input offsets. A kind that was told is not counted again.
+/// called while `Objects` holds input offsets. Without an object the offset can be given. A kind that was
+/// told is not counted again.
 void NoteAlteration(MergeState& state, std::int16_t slot, AlterationKind kind, std::int32_t objectNumber,
-                    std::string detail = {});
+                    std::string detail = {}, std::int64_t fileOffset = -1);
 
 /// After a merge that succeeded: makes the documents of both inputs those of the output (slot 3), every one
 /// of their alterations told. Returns the sentences of those that were not told before.

@@ -6,15 +6,19 @@ namespace folioweld {
 
 namespace {
 
-/// By the newest trailer's /Encrypt, a reference or a dictionary of its own.
-void CheckEncryption(const ReadInput& input) {
-  MergeState& state = input.State;
-  if (state.DocXrefCount(input.Slot) == 0) return;
-  for (std::int32_t row = state.TrailerEntry(input.Slot, 0); row >= 0; row = state.NameEntries[row].NameId) {
-    if (state.NameEntries[row].NameText != "/Encrypt") continue;
-    NoteAlteration(state, input.Slot, AlterationKind::Encrypted, -1);
-    return;
-  }
+/// The last "startxref" of the file is the one that others take.
+void CheckStartXref(const ReadInput& input) {
+  const std::int32_t offset = input.State.DocOtherStartXref(input.Slot);
+  if (offset >= 0) NoteAlteration(input.State, input.Slot, AlterationKind::StartXrefDisputed, -1, {}, offset);
+}
+
+/// Of the catalog and of the root of the page tree.
+void CheckKeys(const ReadInput& input, MergeShell& shell) {
+  const std::int32_t number = input.State.DocRootNumber(input.Slot);
+  const ReadObject catalog(input, number);
+  CheckRepeatedKeys(input, shell, catalog.FirstRow(), number);
+  const std::int32_t root = ReferencedNumber(catalog.Value("/Pages"));
+  CheckRepeatedKeys(input, shell, ReadObject(input, root).FirstRow(), root);
 }
 
 }  // namespace
@@ -23,7 +27,9 @@ void FindAlterations(MergeState& state, PdfReader& reader, MergeShell& shell) {
   for (const std::int16_t slot : {std::int16_t{1}, std::int16_t{2}}) {
     if (!state.DocUsed(slot)) continue;
     const ReadInput input{state, reader, slot};
-    CheckEncryption(input);
+    CheckStartXref(input);
+    CheckTrailers(input, shell);
+    CheckKeys(input, shell);
     CheckInformation(input);
     if (state.DocUsed(2)) CheckPageTree(input, shell);
   }

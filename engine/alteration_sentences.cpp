@@ -26,6 +26,12 @@ const char* Words(AlterationKind kind) {
       return "/Kids lead to an object that is no page, and pages of other documents can be missing for it";
     case AlterationKind::PageTreeHasParent:
       return "the root of the page tree has a /Parent already, and gets a second one";
+    case AlterationKind::StartXrefDisputed:
+      return "two \"startxref\" stand at the end of the file, and other programs take the last one";
+    case AlterationKind::TrailerReadOtherwise:
+      return "other programs read another value in the trailer";
+    case AlterationKind::KeyRepeated:
+      return "a key is given twice, and programs differ in which one they take";
   }
   return "";
 }

@@ -26,6 +26,7 @@ struct Outline {
   std::string Header;
   std::string SecondLine;
   std::int32_t XrefStart = -1;
+  std::int32_t OtherStartXref = -1;  ///< as `MergeState::DocOtherStartXref`
 };
 
 /// Checks one file; a broken rule is raised.
@@ -97,6 +98,18 @@ class OutlineCheck {
       Refuse(tailOffset + static_cast<std::int64_t>(startXref),
              "no number stands between \"startxref\" and \"%%EOF\"");
     }
+    NoteOtherStartXref(tail, tailOffset, startXref);
+  }
+
+  /// Others take the last one.
+  void NoteOtherStartXref(const std::string& tail, std::int32_t tailOffset, std::size_t first) {
+    const std::size_t last = tail.rfind(kStartXref);
+    if (last == first) return;
+    const std::size_t numberStart = last + kStartXref.size();
+    std::int16_t digits = 0;
+    const std::size_t end = tail.find(kEndOfFile, numberStart);
+    if (ParseLeadingNumber(tail.substr(numberStart, end - numberStart), digits) == xrefOffset_) return;
+    outline_.OtherStartXref = tailOffset + static_cast<std::int32_t>(last);
   }
 
   void CheckXref() {
@@ -143,6 +156,7 @@ void CheckDocumentStructure(MergeState& state, FileModule& files, std::int16_t f
     const bool accepted = result > 0;
     why.DocumentSlot = accepted ? std::int16_t{0} : slot;
     state.DocXrefStart(slot) = result;
+    state.DocOtherStartXref(slot) = outline.OtherStartXref;
     state.DocHeader(slot) = accepted ? outline.Header + "\r" : std::string();
     state.DocSecondLine(slot) = accepted ? outline.SecondLine + "\r\n" : std::string();
   }

@@ -75,6 +75,7 @@ MergeState::MergeState() {
   for (std::int32_t slot = 1; slot <= 3; ++slot) {
     DocFileNumber(slot) = -1;
     DocXrefStart(slot) = -1;
+    DocOtherStartXref(slot) = -1;
     DocRootNumber(slot) = -1;
     DocInfoNumber(slot) = -1;
   }

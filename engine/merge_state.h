@@ -70,10 +70,12 @@ struct MergeState {
   /// The documents that a file holds. Those of the inputs are given for files that this run wrote, and gone
   /// after the job; those of the output are what a job that succeeded leaves.
   SlotArray<std::vector<SourceDocument>> DocSources;
-  SlotArray<std::int16_t> DocFileNumber;   ///< open file of `FileModule`; below 1 = not open
-  SlotArray<std::string> DocHeader;        ///< "%PDF-n.m" and one CR
-  SlotArray<std::string> DocSecondLine;    ///< the binary marker comment and CR LF
-  SlotArray<std::int32_t> DocXrefStart;    ///< 0-based offset of the next section to read; -1 = none
+  SlotArray<std::int16_t> DocFileNumber;  ///< open file of `FileModule`; below 1 = not open
+  SlotArray<std::string> DocHeader;       ///< "%PDF-n.m" and one CR
+  SlotArray<std::string> DocSecondLine;   ///< the binary marker comment and CR LF
+  SlotArray<std::int32_t> DocXrefStart;   ///< 0-based offset of the next section to read; -1 = none
+  /// 0-based offset of a last "startxref" that gives another number than the one that counts; -1 = none
+  SlotArray<std::int32_t> DocOtherStartXref;
   SlotArray<std::int32_t> DocObjectCount;  ///< slots of the document, object 0 included
   SlotArray<std::int32_t> DocXrefCount;    ///< sections read so far
   SlotArray<std::int32_t> DocRootNumber;   ///< catalog; -1 = not known

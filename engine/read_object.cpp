@@ -31,21 +31,18 @@ const ObjectEntry* FindEntry(const MergeState& state, std::int16_t slot, std::in
 }  // namespace
 
 bool IsName(std::string_view written, std::string_view key) {
-  std::size_t at = 0;
-  for (const char wanted : key) {
-    if (at == written.size()) return false;
-    char c = written[at++];
-    if (c == '#' && at + 1 < written.size()) {
-      const int high = HexValue(written[at]);
-      const int low = HexValue(written[at + 1]);
-      if (high >= 0 && low >= 0) {
-        c = static_cast<char>(high * 16 + low);
-        at += 2;
-      }
-    }
-    if (c != wanted) return false;
+  return written == key || (written.find('#') != std::string_view::npos && PlainName(written) == key);
+}
+
+std::string PlainName(std::string_view written) {
+  std::string plain;
+  for (std::size_t at = 0; at < written.size(); ++at) {
+    const int high = written[at] == '#' && at + 2 < written.size() ? HexValue(written[at + 1]) : -1;
+    const int low = high >= 0 ? HexValue(written[at + 2]) : -1;
+    plain += low >= 0 ? static_cast<char>(high * 16 + low) : written[at];
+    if (low >= 0) at += 2;
   }
-  return at == written.size();
+  return plain;
 }
 
 std::int32_t ParseAsOthersDo(const ReadInput& input, std::string_view text) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "engine/merge_state.h"
@@ -20,6 +21,9 @@ struct ReadInput {
 
 /// Whether the name, as it is written, is the key.
 [[nodiscard]] bool IsName(std::string_view written, std::string_view key);
+
+/// The name without escapes.
+[[nodiscard]] std::string PlainName(std::string_view written);
 
 /// The first row of the text's dictionary; -1 when there is none. The text is one that is kept.
 [[nodiscard]] std::int32_t ParseAsOthersDo(const ReadInput& input, std::string_view text);

@@ -128,6 +128,40 @@ class Alterations(unittest.TestCase):
         self.assertNotIn(b"duplicated key", run(["qpdf", "--check", first]).stderr)
         self.assertIn(b"duplicated key /Parent", run(["qpdf", "--check", output]).stderr)
 
+    def test_trailer_key_that_only_begins_like_another(self):
+        two = plain("a") | {5: "<</Type/Catalog/Pages 6 0 R>>", 6: "<</Type/Pages/Kids[7 0 R]/Count 1>>"}
+        two |= {7: page(8).replace("/Parent 2", "/Parent 6"), 8: text("b")}
+        first, output = self.joined("another value in the trailer (/Root)", document(two, "/Root 1 0 R/Rooted 5 0 R"))
+        self.assertEqual((["a"], ["b"]), (self.texts(first), self.texts(output)))
+
+    def test_comment_in_the_trailer(self):
+        data = document(plain("a") | {5: "<</Title(b)>>"}, "/Root 1 0 R/A 1 % /Info 5 0 R")
+        first, output = self.joined("another value in the trailer (/Info)", data)
+        self.assertIn("/Title", str(self.qpdf(first)["obj:5 0 R"]))
+        self.assertNotIn("/Title", str(self.qpdf(output)["obj:5 0 R"]))
+
+    def test_key_of_the_catalog_given_twice(self):
+        two = plain("a") | {1: "<</Type/Catalog/Pages 2 0 R/P#61ges 6 0 R>>", 6: "<</Type/Pages/Kids[7 0 R]/Count 1>>"}
+        two |= {7: page(8).replace("/Parent 2", "/Parent 6"), 8: text("b")}
+        first, second, output = self.joined("a key is given twice", document(plain("c")), document(two))
+        self.assertEqual((["b"], ["c", "a"]), (self.qpdf_texts(second), self.texts(output)))
+
+    def test_two_startxref(self):
+        first, output = self.joined('two "startxref"', document(plain("a"), tail="startxref\n9\n%%EOF"))
+        self.assertIn(b"xref not found", run(["qpdf", "--check", first]).stderr)
+        self.assertEqual(b"", run(["qpdf", "--check", output]).stderr)
+
+    def test_encryption_in_every_spelling(self):
+        for spelling in ("/Encrypt\n5 0 R", "/Encrypt\t5 0 R", "/Enc#72ypt 5 0 R"):
+            data = document(plain("a") | {5: "<</Filter/Standard/V 1>>"}, "/Root 1 0 R" + spelling)
+            first, output = self.joined("is encrypted", data)
+            self.assertNotEqual(0, run(["qpdf", "--check", first]).returncode, spelling)
+            self.assertEqual(0, run(["qpdf", "--check", output]).returncode, spelling)
+
+    def qpdf_texts(self, path):
+        """The texts of the pages that qpdf sees."""
+        return self.texts(self.file("seen.pdf", run(["qpdf", path, "-"]).stdout))
+
     def page_count(self, path):
         return int(run(["pdfinfo", path]).stdout.split(b"Pages:")[1].split()[0])
 
