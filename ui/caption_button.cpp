@@ -1,5 +1,6 @@
 #include "ui/caption_button.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QStyleOptionButton>
 #include <QStylePainter>
@@ -11,6 +12,8 @@ namespace {
 /// What the frame takes on each side.
 constexpr int kMargin = 3;
 constexpr int kTextFlags = Qt::AlignCenter | Qt::TextWordWrap;
+/// From the edge to the line that shows the focus.
+constexpr qreal kFocusMargin = 3.5;
 
 }  // namespace
 
@@ -18,9 +21,25 @@ CaptionButton::CaptionButton(const QString& controlName, const QString& caption,
     : QPushButton(caption, parent) {
   setObjectName(controlName);
   setAutoDefault(false);
-  connect(this, &QPushButton::pressed, this, [this] {
-    if (!secondClick_) pressedCaption_ = text();
-  });
+  connect(this, &QPushButton::pressed, this, &CaptionButton::TakePress);
+}
+
+void CaptionButton::ShowCaption(const QString& caption) {
+  setText(caption);
+  captionSeen_ = true;
+  guard_.invalidate();
+}
+
+void CaptionButton::ShowGuardedCaption(const QString& caption) {
+  setText(caption);
+  captionSeen_ = false;
+  guard_.start();
+}
+
+void CaptionButton::TakePress() {
+  pressedCaption_ = text();
+  pressBelongs_ = !guard_.isValid() || guard_.hasExpired(QApplication::doubleClickInterval());
+  if (!pressBelongs_) guard_.restart();
 }
 
 bool CaptionButton::Fits(const QString& caption, QSize size) const {
@@ -35,24 +54,28 @@ void CaptionButton::paintEvent(QPaintEvent* /*event*/) {
   initStyleOption(&option);
   const QString caption = option.text;
   option.text.clear();
+  // Styles show the focus and the default button alike.
+  option.state &= ~QStyle::State_HasFocus;
   painter.drawControl(QStyle::CE_PushButton, option);
   painter.drawItemText(rect().adjusted(kMargin, 0, -kMargin, 0), kTextFlags, option.palette, isEnabled(),
                        caption, QPalette::ButtonText);
+  if (hasFocus()) {
+    painter.setPen(QPen(option.palette.color(QPalette::ButtonText), 1, Qt::DotLine));
+    painter.drawRect(QRectF(rect()).adjusted(kFocusMargin, kFocusMargin, -kFocusMargin, -kFocusMargin));
+  }
+  if (captionSeen_) return;
+  captionSeen_ = true;
+  guard_.restart();
 }
 
 void CaptionButton::keyPressEvent(QKeyEvent* event) {
-  // Enter belongs to the default button, which the window knows; a key held down presses nothing twice.
-  if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
-    event->ignore();
+  const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  if (!enter) {
+    QPushButton::keyPressEvent(event);
     return;
   }
-  QPushButton::keyPressEvent(event);
-}
-
-void CaptionButton::mouseDoubleClickEvent(QMouseEvent* event) {
-  secondClick_ = true;
-  QPushButton::mouseDoubleClickEvent(event);
-  secondClick_ = false;
+  // Held down, it presses once.
+  if (!event->isAutoRepeat()) click();
 }
 
 }  // namespace folioweld

@@ -1,11 +1,12 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QPushButton>
 
 namespace folioweld {
 
-/// A push button whose caption is broken into lines where it is too long, and that knows on which of its
-/// captions it was pressed.
+/// A push button that breaks its caption into lines where it is too long, shows that it has the focus in
+/// another way than that it is the default button, and is pressed by Enter when it has the focus.
 class CaptionButton : public QPushButton {
   Q_OBJECT
 
@@ -15,18 +16,25 @@ class CaptionButton : public QPushButton {
   /// Whether a caption can be read in full on a button of this size.
   [[nodiscard]] bool Fits(const QString& caption, QSize size) const;
 
-  /// Whether the press that led to the present click began on the caption that the button has now. The
-  /// second click of a double click counts as begun where the first one was.
-  [[nodiscard]] bool PressBelongsToCaption() const { return pressedCaption_ == text(); }
+  void ShowCaption(const QString& caption);
+  /// A caption under which the button does what nobody must do by accident: a press within the system's
+  /// double-click time after it appeared, or after another such press, belongs to the caption before.
+  void ShowGuardedCaption(const QString& caption);
+
+  /// Whether the press that led to the present click belongs to the caption that the button has now.
+  [[nodiscard]] bool PressBelongsToCaption() const { return pressBelongs_ && pressedCaption_ == text(); }
 
  protected:
   void paintEvent(QPaintEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
-  void mouseDoubleClickEvent(QMouseEvent* event) override;
 
  private:
+  void TakePress();
+
   QString pressedCaption_;
-  bool secondClick_ = false;
+  bool pressBelongs_ = false;
+  bool captionSeen_ = true;  ///< the guarded caption was painted
+  QElapsedTimer guard_;      ///< runs from the last moment when a press was too early; invalid = no guard
 };
 
 }  // namespace folioweld

@@ -96,7 +96,7 @@ void Folioweld::ConnectControls() {
       {pictToggle_, &Folioweld::PictToggle_Click},       {cmdOK_, &Folioweld::cmdOK_Click}};
   for (const auto& [button, handler] : clicks) connect(button, &QAbstractButton::clicked, this, handler);
   connect(cmdCancel_, &QAbstractButton::clicked, this, [this] {
-    // A press that began on "CANCEL (abort)" must not end the program when the job ended in between.
+    // A press meant for "CANCEL (abort)" must not end the program when the job ended in between.
     if (cmdCancel_->PressBelongsToCaption()) cmdCancel_Click();
   });
   connect(pictToggle_, &QAbstractButton::pressed, this, &Folioweld::PictToggle_MouseDown);
@@ -198,6 +198,7 @@ void Folioweld::Form_Load() {
   menus_.MenuOptViewNo->setChecked(!merge.ShowOutputAfterMerge);
   merge.SilentMode = false;
   places_[0]->Select->setEnabled(true);
+  places_[0]->Select->setFocus();
   RefreshControls();
   ResetSlots();
   ReaderPath = viewer_.FindPdfReader();
@@ -255,6 +256,7 @@ void Folioweld::changeEvent(QEvent* event) {
   if (rebuilt && cmdCancel_ != nullptr) Arrange();
 }
 
+/// Enter, when no button has the focus.
 void Folioweld::keyPressEvent(QKeyEvent* event) {
   const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
   if (!enter) {

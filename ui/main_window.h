@@ -153,6 +153,9 @@ class Folioweld : public QMainWindow, private JobWindow {
   void RefreshOutput();
   void RefreshMark(int index, const QString& mark);
   void DisableFileControls();
+  void SetEnabled(QWidget* control, bool enabled);
+  void FocusNothing();
+  void FocusGo();
   void SetDefaultButton(CaptionButton* button);
   void ShowRunningLook(bool running);
   class RunningLookLifted;

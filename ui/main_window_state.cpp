@@ -30,25 +30,25 @@ void Folioweld::RefreshControls() {
 void Folioweld::RefreshInputs() {
   const bool first = !FileName(1).empty();
   RefreshMark(0, first ? QStringLiteral("1<") : QString());
-  places_[0]->Clear->setEnabled(first);
-  places_[1]->Select->setEnabled(first);
-  places_[2]->Select->setEnabled(first);
+  SetEnabled(places_[0]->Clear, first);
+  SetEnabled(places_[1]->Select, first);
+  SetEnabled(places_[2]->Select, first);
   if (!first && !FileName(2).empty()) {
     FileName(2).clear();
     ShowSlotFileName(1);
   }
   const bool second = !FileName(2).empty();
   RefreshMark(1, second ? QStringLiteral("2<") : QString());
-  places_[1]->Clear->setEnabled(second);
+  SetEnabled(places_[1]->Clear, second);
   pictToggle_->setVisible(true);
-  pictToggle_->setEnabled(first && second);
+  SetEnabled(pictToggle_, first && second);
 }
 
 void Folioweld::RefreshOutput() {
   const bool output = !FileName(3).empty();
   RefreshMark(2, output ? QStringLiteral(">") : QString());
-  places_[2]->Clear->setEnabled(output);
-  cmdOK_->setEnabled(output);
+  SetEnabled(places_[2]->Clear, output);
+  SetEnabled(cmdOK_, output);
   SetDefaultButton(output ? cmdOK_ : cmdCancel_);
 }
 
@@ -86,12 +86,39 @@ void Folioweld::ShowStatusText(int line, const std::string& text) {
 
 void Folioweld::DisableFileControls() {
   for (FilePlace* place : places_) {
-    place->Select->setEnabled(false);
-    place->Clear->setEnabled(false);
+    SetEnabled(place->Clear, false);
+    SetEnabled(place->Select, false);
   }
-  pictToggle_->setEnabled(false);
-  cmdOK_->setEnabled(false);
+  SetEnabled(pictToggle_, false);
+  SetEnabled(cmdOK_, false);
   menus_.MenuPdfMergeDir->setEnabled(false);
+}
+
+/// Qt gives the focus of a control that is disabled to the next one, which may clear a place or end the
+/// program at the next press. Here "Select..." of the same place gets it, or nothing does.
+void Folioweld::SetEnabled(QWidget* control, bool enabled) {
+  if (!enabled && control == focusWidget()) {
+    FocusNothing();
+    for (const FilePlace* place : places_) {
+      const bool other = place->isAncestorOf(control) && place->Select != control;
+      if (other && place->Select->isEnabled()) place->Select->setFocus();
+    }
+  }
+  control->setEnabled(enabled);
+}
+
+/// The client area has no use for a key. A window without any focus would be given one by Qt when it is
+/// activated.
+void Folioweld::FocusNothing() {
+  centralWidget()->setFocus();
+}
+
+void Folioweld::FocusGo() {
+  if (cmdOK_->isEnabled()) {
+    cmdOK_->setFocus();
+  } else {
+    FocusNothing();
+  }
 }
 
 void Folioweld::SetDefaultButton(CaptionButton* button) {
@@ -123,19 +150,20 @@ void Folioweld::LeaveRunningState() {
   places_[1]->Select->setEnabled(true);
   cmdOK_->setEnabled(true);
   SetDefaultButton(cmdOK_);
-  cmdOK_->setFocus();
+  FocusGo();
 }
 
 void Folioweld::ShowRunningLook(bool running) {
   runningLook_ = running;
-  cmdCancel_->setText(running ? tr("CANCEL (abort)") : tr("Exit"));
   if (!running) {
+    cmdCancel_->ShowGuardedCaption(tr("Exit"));
     unsetCursor();
     return;
   }
+  cmdCancel_->ShowCaption(tr("CANCEL (abort)"));
   setCursor(Qt::WaitCursor);
   SetDefaultButton(cmdCancel_);
-  cmdCancel_->setFocus();
+  FocusNothing();
   DisableFileControls();
 }
 
@@ -193,13 +221,14 @@ void Folioweld::ShowOutput(const std::string& path) {
   merge.AbortRequested = false;
   merge.SilentMode = false;
   unsetCursor();
-  cmdCancel_->setText(tr("Exit"));
+  cmdCancel_->ShowGuardedCaption(tr("Exit"));
   RefreshControls();
+  FocusGo();
 }
 
 void Folioweld::EnterViewerMode() {
   DisableFileControls();
-  cmdCancel_->setText(tr("Close display window"));
+  cmdCancel_->ShowCaption(tr("Close display window"));
   setCursor(Qt::WaitCursor);
   SetDefaultButton(cmdCancel_);
   cmdCancel_->setFocus();

@@ -86,12 +86,12 @@ void TogglePicture::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void TogglePicture::keyPressEvent(QKeyEvent* event) {
-  // Enter belongs to the default button, which the window knows.
-  if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
-    event->ignore();
+  const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  if (!enter) {
+    QAbstractButton::keyPressEvent(event);
     return;
   }
-  QAbstractButton::keyPressEvent(event);
+  if (!event->isAutoRepeat()) click();
 }
 
 QColor TogglePicture::SymbolColour() const {

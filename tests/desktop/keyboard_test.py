@@ -30,9 +30,11 @@ class Keyboard(DesktopTest):
         joined = self.folder / "joined.pdf"
         self.fill_by_keyboard(window, LETTER, REPORT, joined)
         self.assertEqual(window.default_button(), GO)
+        self.tab_to(window, GO)
         self.screen.press("Enter")
         window.wait_finished()
         self.assertEqual(pages(joined), pages(LETTER) + pages(REPORT))
+        self.assertEqual(window.focused(), GO)
         self.tab_to(window, EXIT)
         self.screen.press("Space")
         window.wait_end()
@@ -65,20 +67,38 @@ class Keyboard(DesktopTest):
         window.wait_path(FIRST, LETTER)
         window.wait_path(SECOND, "")
 
-    def test_enter_presses_the_default_button_wherever_the_keyboard_is(self):
+    def test_enter_presses_the_button_that_has_the_keyboard(self):
         window = self.open()
-        joined = self.folder / "joined.pdf"
-        self.fill_by_keyboard(window, LETTER, REPORT, joined)
-        self.tab_to(window, clear(FIRST))
+        self.fill_by_keyboard(window, LETTER, REPORT, self.folder / "joined.pdf")
+        self.tab_to(window, SWAP)
         self.screen.press("Enter")
-        window.wait_finished()
-        self.assertEqual(window.path(FIRST), str(LETTER))
-
-    def test_enter_on_the_empty_window_is_exit(self):
-        window = self.open()
-        self.assertEqual(window.default_button(), EXIT)
+        window.wait_path(FIRST, REPORT)
+        self.tab_to(window, clear(SECOND))
+        self.screen.press("Enter")
+        window.wait_path(SECOND, "")
+        self.wait(lambda: window.focused() == select(SECOND), lambda: f"{window.focused()} has the keyboard")
+        self.tab_to(window, EXIT)
         self.screen.press("Enter")
         window.wait_end()
+        self.assertFalse((self.folder / "joined.pdf").exists())
+
+    def test_enter_on_a_fresh_start_chooses_the_first_input(self):
+        window = self.open()
+        self.wait(lambda: window.focused() == select(FIRST), lambda: f"{window.focused()} has the keyboard")
+        self.assertEqual(window.default_button(), EXIT)
+        self.screen.press("Enter")
+        window.answer_file(CHOOSE[FIRST], LETTER)
+        window.wait_path(FIRST, LETTER)
+
+    def test_clear_pressed_over_and_over_clears_one_place_and_ends_nothing(self):
+        window = self.open()
+        self.fill_by_keyboard(window, LETTER, REPORT, self.folder / "joined.pdf")
+        self.tab_to(window, clear(FIRST))
+        for left in (REPORT, ""):
+            self.screen.press("Space")
+            window.wait_path(FIRST, left)
+        self.wait(lambda: window.focused() == select(FIRST), lambda: f"{window.focused()} has the keyboard")
+        self.assertEqual(window.path(OUTPUT), str(self.folder / "joined.pdf"))
 
     def test_escape_never_closes_the_window(self):
         window = self.open()

@@ -1,6 +1,5 @@
 // A merge that was started with "Go".
 
-#include <QLineEdit>
 #include <csignal>
 #include <gmock/gmock.h>
 
@@ -65,7 +64,6 @@ TEST_F(JobTest, LooksBusyWhileItRuns) {
     EXPECT_FALSE(Item("MenuPdfMergeDir")->isEnabled());
     EXPECT_TRUE(Item("MenuFilExit")->isEnabled());
     EXPECT_TRUE(Item("MnuLogHide")->isEnabled());
-    EXPECT_TRUE(Button("cmdCancel")->hasFocus());
     Window().RefreshControls();
     EXPECT_EQ(EnabledButtons(), "");
     Window().cmdOK_Click();
@@ -119,82 +117,6 @@ TEST_F(JobTest, EnterCancelsItAndEscapeDoesNothing) {
   EXPECT_EQ(Merge().MergeStatus, -1);
   EXPECT_FALSE(ended_);
   EXPECT_TRUE(Window().isVisible());
-}
-
-TEST_F(JobTest, APressBegunOnCancelDoesNotCountOnExit) {
-  WhenRunning([this] {
-    QTest::mousePress(Button("cmdCancel"), Qt::LeftButton);
-    Window().cmdCancel_Click();
-  });
-  Click("cmdOK");
-  ASSERT_EQ(Caption("cmdCancel"), "Exit");
-  QTest::mouseRelease(Button("cmdCancel"), Qt::LeftButton);
-  EXPECT_FALSE(ended_);
-  Click("cmdCancel");
-  EXPECT_TRUE(ended_) << "a press of its own counts";
-}
-
-TEST_F(JobTest, ASpaceBarHeldDownOnCancelDoesNotCountOnExit) {
-  WhenRunning([this] {
-    QTest::keyPress(Button("cmdCancel"), Qt::Key_Space);
-    Window().cmdCancel_Click();
-  });
-  Click("cmdOK");
-  QTest::keyRelease(Button("cmdCancel"), Qt::Key_Space);
-  EXPECT_FALSE(ended_);
-}
-
-TEST_F(JobTest, TheSecondClickOfADoubleClickOnCancelDoesNotCountOnExit) {
-  WhenRunning([this] { Click("cmdCancel"); });
-  Click("cmdOK");
-  ASSERT_EQ(Caption("cmdCancel"), "Exit");
-  // What the toolkit makes of the second click.
-  const QPointF middle = Button("cmdCancel")->rect().center();
-  QMouseEvent second(QEvent::MouseButtonDblClick, middle, Button("cmdCancel")->mapToGlobal(middle),
-                     Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-  QApplication::sendEvent(Button("cmdCancel"), &second);
-  QTest::mouseRelease(Button("cmdCancel"), Qt::LeftButton);
-  EXPECT_FALSE(ended_);
-}
-
-TEST_F(JobTest, AnEnterKeyHeldDownPressesNothingElse) {
-  WhenRunning([this] { Window().cmdCancel_Click(); });
-  Click("cmdOK");
-  FileName(3).clear();
-  Window().RefreshControls();
-  ASSERT_EQ(DefaultButton(), "cmdCancel");
-  QKeyEvent again(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QString(), true);
-  QApplication::sendEvent(Button("cmdCancel"), &again);
-  EXPECT_FALSE(ended_);
-}
-
-TEST_F(JobTest, ARepetitionOfAHeldEnterKeyThatLooksLikeANewPressPressesNothing) {
-  WhenRunning([this] { Window().cmdCancel_Click(); });
-  Click("cmdOK");
-  FileName(3).clear();
-  Window().RefreshControls();
-  ASSERT_EQ(DefaultButton(), "cmdCancel");
-  QKeyEvent release(QEvent::KeyRelease, Qt::Key_Return, Qt::NoModifier);
-  release.setTimestamp(4711);
-  QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
-  press.setTimestamp(4711);
-  QApplication::sendEvent(Button("cmdCancel"), &release);
-  QApplication::sendEvent(Button("cmdCancel"), &press);
-  EXPECT_FALSE(ended_);
-  press.setTimestamp(4712);
-  QApplication::sendEvent(Button("cmdCancel"), &press);
-  EXPECT_TRUE(ended_) << "a press of its own counts";
-}
-
-TEST_F(JobTest, ALetterTypedTwiceAtOneTimeIsTypedTwice) {
-  QLineEdit field;
-  for (const QEvent::Type type :
-       {QEvent::KeyPress, QEvent::KeyRelease, QEvent::KeyPress, QEvent::KeyRelease}) {
-    QKeyEvent key(type, Qt::Key_1, Qt::NoModifier, QStringLiteral("1"));
-    key.setTimestamp(4711);
-    QApplication::sendEvent(&field, &key);
-  }
-  EXPECT_EQ(field.text(), QStringLiteral("11"));
 }
 
 TEST_F(JobTest, TheCloseBoxStopsItAndTheWindowStays) {

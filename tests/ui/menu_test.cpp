@@ -252,43 +252,6 @@ TEST_F(MenuTest, AnyOtherUnloadIsAllowedWithoutAsking) {
   EXPECT_EQ(ended_, 0);
 }
 
-TEST_F(MenuTest, EveryControlCanBeReachedByKeyboardInTheOrderOfThePlaces) {
-  Open();
-  ChooseAll();
-  Button("cmdInput1")->setFocus();
-  std::string order;
-  for (int i = 0; i < 9; ++i) {
-    order += Window().focusWidget()->objectName().toStdString() + " ";
-    QTest::keyClick(Window().focusWidget(), Qt::Key_Tab);
-  }
-  EXPECT_EQ(order, "cmdInput1 CmdClr1 PictToggle cmdInput2 CmdClr2 cmdOutput CmdClrOut cmdOK cmdCancel ");
-}
-
-TEST_F(MenuTest, SpaceSwapsAndEnterPressesTheDefaultButtonWhereverTheFocusIs) {
-  Open();
-  ChooseAll();
-  Button("PictToggle")->setFocus();
-  QTest::keyClick(Button("PictToggle"), Qt::Key_Space);
-  EXPECT_EQ(FileName(1), folder_.File("second.pdf"));
-  for (const char* name : {"PictToggle", "cmdInput1", "CmdClr2", "cmdOK"}) {
-    FileName(3) = folder_.File(std::string(name) + ".pdf");
-    Window().RefreshControls();
-    Button(name)->setFocus();
-    desktop_.EndsAtOnce = true;
-    QTest::keyClick(Button(name), Qt::Key_Return);
-    EXPECT_TRUE(Exists(folder_.File(std::string(name) + ".pdf"))) << name;
-  }
-  EXPECT_TRUE(dialogs_.OpenQuestions.empty());
-}
-
-TEST_F(MenuTest, EscapeNeverClosesTheWindow) {
-  Open();
-  QTest::keyClick(&Window(), Qt::Key_Escape);
-  QTest::keyClick(Button("cmdInput1"), Qt::Key_Escape);
-  EXPECT_TRUE(Window().isVisible());
-  EXPECT_FALSE(ended_);
-}
-
 TEST_F(MenuTest, EveryControlSaysWhatItIsFor) {
   Open();
   std::vector<std::string> names;

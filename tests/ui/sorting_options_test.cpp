@@ -116,6 +116,16 @@ TEST_F(SortingOptionsTest, ArrowKeysGoThroughTheOptionsAndEnterChooses) {
   EXPECT_EQ(dialog_.SortOption(), -2);
 }
 
+TEST_F(SortingOptionsTest, EnterOnCancelCancels) {
+  dialog_.SetSortOption(-1);
+  dialog_.show();
+  QTest::mouseClick(Option(2), Qt::LeftButton);
+  Button("cmdCancel")->setFocus();
+  QTest::keyClick(Button("cmdCancel"), Qt::Key_Return);
+  EXPECT_EQ(dialog_.SortOption(), -1);
+  EXPECT_FALSE(dialog_.isVisible());
+}
+
 TEST_F(SortingOptionsTest, EveryCaptionFits) {
   for (int index = 0; index < 4; ++index)
     EXPECT_GE(Option(index)->width(), Option(index)->sizeHint().width());
