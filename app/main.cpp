@@ -6,6 +6,7 @@
 #include "app/window_program.h"
 #include "batch/batch_run.h"
 #include "batch/error_output.h"
+#include "batch/stopped_run.h"
 #include "dirmerge/command_line.h"
 #include "platform/windows_api.h"
 
@@ -14,7 +15,11 @@ int main(int argc, char** argv) {
   WindowsAPI& system = RealSystem();
   const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
   const std::string commandLine = CommandLineText(arguments);
-  if (IsBatchCommandLine(commandLine)) return RunBatch(system, commandLine);
+  if (IsBatchCommandLine(commandLine)) {
+    const ExitStatus status = RunBatch(system, commandLine);
+    EndIfStopped(system, status);
+    return status;
+  }
   if (!HasScreen(system)) {
     WriteError(system, std::string("folioweld: there is no screen to open a window on; to join a folder: ") +
                            kCommandLineForm + "\n");

@@ -14,7 +14,7 @@ ExitStatus RunBatch(WindowsAPI& system, const std::string& commandLine) {
   ProgramState program;
   program.CommandLine = commandLine;
   // A signal that cannot be caught still ends the program, only without the clean-up.
-  static_cast<void>(system.CatchStopSignals());
+  static_cast<void>(system.CatchStopSignals(StopRule::EndByIt));
   BatchShell shell(system, program.Merge);
   ActivityLog log(shell);
   FileModule files(system);

@@ -18,7 +18,8 @@ void BatchShell::HandleEvents() {
 }
 
 void BatchShell::ShowMessage(MessageIcon /*icon*/, const std::string& /*title*/, const std::string& text) {
-  PrintLine("folioweld: " + OnOneLine(text));
+  // What a stopped run has to say comes in one line at its end.
+  if (system_.StopSignal() == 0) PrintLine("folioweld: " + OnOneLine(text));
 }
 
 void BatchShell::Notice(const std::string& line) {

@@ -9,8 +9,8 @@
 
 namespace folioweld {
 
-/// The face of a job on a terminal: status lines, messages and notices on standard error. SIGINT and SIGTERM
-/// do what Cancel does. Questions stay unanswered.
+/// The face of a job on a terminal: status lines, messages and notices on standard error. A stop
+/// signal does what Cancel does, and no message is shown after it. Questions stay unanswered.
 class BatchShell : public MergeShell {
  public:
   /// The state's `AbortRequested` is set when the user stops the program; it has to outlive the shell.

@@ -77,7 +77,13 @@ void MergeJob::ShowOutcome(bool ok) {
 void MergeJob::LogFailure(const PassFailure& failure) {
   const std::string name =
       failure.DocumentSlot == 0 ? std::string() : state_.DocFileName(failure.DocumentSlot);
-  Report("The merge failed: " + failure.Sentence(name));
+  const std::string sentence = "The merge failed: " + failure.Sentence(name);
+  // Whoever cancelled a run knows it.
+  if (failure.Rule == kCancelled) {
+    if (state_.LogEnabled) log_.AddLogLine(kLogPrefix + sentence);
+  } else {
+    Report(sentence);
+  }
 }
 
 void MergeJob::Report(const std::string& text) {

@@ -1,5 +1,7 @@
 #include "platform/posix_api.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <climits>
 #include <csignal>
@@ -17,6 +19,8 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include "platform/stop_signals.h"
 
 namespace folioweld {
 
@@ -78,37 +82,12 @@ SystemResult<std::size_t> Transferred(ssize_t result) {
   return static_cast<std::size_t>(result);
 }
 
-volatile std::sig_atomic_t g_stopSignal = 0;
-/// Reading and writing end of the pipe that wakes whoever waits for a stop signal.
-int g_stopPipe[2] = {-1, -1};
-
-extern "C" void RememberStopSignal(int signal) {
-  const int interrupted = errno;
-  g_stopSignal = signal;
-  // A full pipe is readable already.
-  if (g_stopPipe[1] >= 0) static_cast<void>(::write(g_stopPipe[1], "!", 1) < 0);
-  errno = interrupted;
-}
-
 /// Puts the null device where a standard stream was closed: the next file opened would take its number, and
 /// what is written to standard error would land in a document.
 void FillStandardStreams() {
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (::fcntl(stream, F_GETFD) < 0 && errno == EBADF) static_cast<void>(::open("/dev/null", O_RDWR) < 0);
   }
-}
-
-extern "C" void PassOver(int /*signal*/) {}
-
-/// Handled and not ignored: a program started from here gets the system's own way back.
-void PassOverSignal(int signal) {
-  struct sigaction present {};
-  if (::sigaction(signal, nullptr, &present) < 0 || present.sa_handler != SIG_DFL) return;
-  struct sigaction action {};
-  action.sa_handler = PassOver;
-  ::sigemptyset(&action.sa_mask);
-  action.sa_flags = SA_RESTART;
-  static_cast<void>(::sigaction(signal, &action, nullptr));
 }
 
 }  // namespace
@@ -304,39 +283,37 @@ int PosixApi::TerminalColumns() {
 }
 
 SystemResult<std::size_t> PosixApi::WriteErrorOutput(const char* bytes, std::size_t count) {
-  return Transferred(::write(STDERR_FILENO, bytes, count));
+  // Waiting here and not in the write: a signal that came just before would not end that.
+  std::array<struct pollfd, 2> either{{{STDERR_FILENO, POLLOUT, 0}, {CaughtSignalHandle(), POLLIN, 0}}};
+  if (::poll(either.data(), either.size(), -1) < 0) return LastError();
+  if (either[0].revents == 0) return SystemError{EAGAIN};
+  // There is room for so many at least.
+  return Transferred(::write(STDERR_FILENO, bytes, std::min<std::size_t>(count, PIPE_BUF)));
 }
 
-SystemError PosixApi::CatchStopSignals() {
-  // Without the pipe the signals are still remembered.
-  if (g_stopPipe[0] < 0) static_cast<void>(::pipe2(g_stopPipe, O_CLOEXEC | O_NONBLOCK) < 0);
-  g_stopSignal = 0;
-  char earlier = 0;
-  while (g_stopPipe[0] >= 0 && ::read(g_stopPipe[0], &earlier, 1) > 0) continue;
-  struct sigaction action {};
-  action.sa_handler = RememberStopSignal;
-  ::sigemptyset(&action.sa_mask);
-  action.sa_flags = SA_RESTART;
-  for (const int signal : {SIGINT, SIGTERM}) {
-    if (const SystemError error = Outcome(::sigaction(signal, &action, nullptr))) return error;
-  }
-  // A run that is to outlive its terminal, as under nohup, is not stopped by the terminal's end.
-  struct sigaction present {};
-  if (const SystemError error = Outcome(::sigaction(SIGHUP, nullptr, &present))) return error;
-  return present.sa_handler == SIG_IGN ? SystemError{} : Outcome(::sigaction(SIGHUP, &action, nullptr));
+SystemError PosixApi::CatchStopSignals(StopRule rule) {
+  return CatchSignals(rule);
+}
+
+int PosixApi::ReleaseStopSignals() {
+  return ReleaseSignals();
+}
+
+void PosixApi::EndBySignal(int signal) {
+  EndProcessBy(signal);
 }
 
 const volatile std::sig_atomic_t& PosixApi::StopSignal() {
-  return g_stopSignal;
+  return CaughtSignal();
 }
 
 PosixApi::Handle PosixApi::StopSignalHandle() {
-  return g_stopPipe[0];
+  return CaughtSignalHandle();
 }
 
 void PosixApi::WaitForStopSignal(int milliseconds) {
   struct pollfd signal {
-    g_stopPipe[0], POLLIN, 0
+    CaughtSignalHandle(), POLLIN, 0
   };
   // Waiting too short, after another signal, does no harm.
   static_cast<void>(::poll(&signal, 1, milliseconds));

@@ -48,7 +48,9 @@ class PosixApi : public WindowsAPI {
   bool ErrorOutputIsTerminal() override;
   int TerminalColumns() override;
   SystemResult<std::size_t> WriteErrorOutput(const char* bytes, std::size_t count) override;
-  SystemError CatchStopSignals() override;
+  SystemError CatchStopSignals(StopRule rule) override;
+  int ReleaseStopSignals() override;
+  void EndBySignal(int signal) override;
   const volatile std::sig_atomic_t& StopSignal() override;
   Handle StopSignalHandle() override;
   void WaitForStopSignal(int milliseconds) override;

@@ -43,6 +43,14 @@ struct FileInformation {
   bool OwnerCanWrite = true;
 };
 
+/// What the signals that ask a program to end do while they are caught.
+enum class StopRule {
+  Remember,  ///< SIGINT, SIGTERM and SIGHUP are remembered, the last of them; no call notices
+  /// SIGQUIT as well. The first one is remembered and interrupts a call that waits. A second one ends the
+  /// process at once, though not in the first 200 ms, as some programs send theirs twice.
+  EndByIt
+};
+
 /// A moment in the local time zone.
 struct LocalTime {
   int Year = 0;   ///< full, as in 2026
@@ -133,11 +141,17 @@ class WindowsAPI {
   virtual bool ErrorOutputIsTerminal() = 0;
   /// Columns of the terminal, or 80 when they cannot be had.
   virtual int TerminalColumns() = 0;
+  /// Waits until there is room; EAGAIN when there is none and a stop signal came. May write less than asked
+  /// for.
   virtual SystemResult<std::size_t> WriteErrorOutput(const char* bytes, std::size_t count) = 0;
-  /// From now on SIGINT, SIGTERM and, unless it is ignored, SIGHUP are only remembered, see `StopSignal`.
-  virtual SystemError CatchStopSignals() = 0;
-  /// The stop signal that came last, 0 when none came. The reference stays good, and what it leads to changes
-  /// when a signal comes.
+  /// From now on the stop signals are remembered, see `StopSignal`; one that is ignored stays ignored.
+  virtual SystemError CatchStopSignals(StopRule rule) = 0;
+  /// From now on they end the process again, as if they had never been caught. The one remembered, or 0.
+  virtual int ReleaseStopSignals() = 0;
+  /// Ends the process by the signal.
+  virtual void EndBySignal(int signal) = 0;
+  /// The stop signal that is remembered, 0 when none came. The reference stays good, and what it leads to
+  /// changes when a signal comes.
   virtual const volatile std::sig_atomic_t& StopSignal() = 0;
   /// Becomes readable when a stop signal comes, for a program that waits instead of asking. It belongs to the
   /// system and stays open; -1 before `CatchStopSignals`, or when none could be had.

@@ -164,7 +164,7 @@ void Folioweld::CentreOnScreen() {
 void Folioweld::CatchSystemEnd() {
   connect(qGuiApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager&) { EndBySystem(); });
   // A signal that cannot be caught still ends the program, only without the clean-up.
-  static_cast<void>(system_.CatchStopSignals());
+  static_cast<void>(system_.CatchStopSignals(StopRule::Remember));
   const WindowsAPI::Handle handle = system_.StopSignalHandle();
   if (handle < 0) return;
   auto* notifier = new QSocketNotifier(handle, QSocketNotifier::Read, this);

@@ -1,13 +1,18 @@
 // The program is told to stop in the middle of a long merge.
 
-#include <algorithm>
+#include <chrono>
 #include <csignal>
+#include <fcntl.h>
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
-#include <sstream>
 #include <string>
+#include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 #include "tests/batch/program_fixture.h"
@@ -20,6 +25,8 @@ using testing::Exists;
 using testing::ReadFile;
 using testing::WaitUntil;
 
+constexpr std::chrono::seconds kAtOnce{1};  ///< on a machine that does other things as well
+
 class StopSignals : public testing::ProgramFixture {
  protected:
   StopSignals() { setup_.Arguments = {"out.pdf", "docs"}; }
@@ -28,15 +35,43 @@ class StopSignals : public testing::ProgramFixture {
     return WaitUntil([&] { return Temporaries().size() >= count; });
   }
 
-  void ExpectStoppedBy(int signal) {
+  void ExpectStoppedBy(int signal, const std::string& name) {
     AddLongMerge();
     ChildProgram program(setup_);
     ASSERT_TRUE(WaitForTemporaries(2));
     program.Signal(signal);
-    EXPECT_EQ(program.Wait(), 1);
+    EXPECT_EQ(program.Wait(), 128 + signal);
     ExpectNothingLeft();
     EXPECT_EQ(program.Output(), "");
-    ExpectCancelled(program.Errors());
+    EXPECT_EQ(program.Errors(), "folioweld: ended by " + name + "; no output was written\n");
+  }
+
+  static bool HasOpen(const ChildProgram& program, const std::string& path) {
+    std::error_code gone;
+    for (const auto& file : std::filesystem::directory_iterator(ProcFolder(program) + "fd", gone)) {
+      if (std::filesystem::read_symlink(file, gone) == path) return IsStarted(program);
+    }
+    return false;
+  }
+
+  /// It is no longer the test's own process that is going to become the program.
+  static bool IsStarted(const ChildProgram& program) {
+    std::error_code gone;
+    return std::filesystem::read_symlink(ProcFolder(program) + "exe", gone) == FOLIOWELD_PROGRAM;
+  }
+
+  /// It is the program by now and waits, for ever as far as one can see.
+  static bool HasSettled(const ChildProgram& program) {
+    for (int look = 0; look < 20; ++look) {
+      std::string stat;
+      std::getline(std::ifstream(ProcFolder(program) + "stat"), stat);
+      if (stat.find("(folioweld) S") == std::string::npos) return false;
+    }
+    return true;
+  }
+
+  static std::string ProcFolder(const ChildProgram& program) {
+    return "/proc/" + std::to_string(program.Id()) + "/";
   }
 
   void ExpectNothingLeft() const {
@@ -44,52 +79,119 @@ class StopSignals : public testing::ProgramFixture {
     EXPECT_FALSE(Exists(folder_.File("out.pdf")));
     EXPECT_EQ(Pages(Doc("199")), 1500);
   }
-
-  /// The merge that was running, if one was, and the message about the output; nothing else.
-  void ExpectCancelled(const std::string& errors) const {
-    std::vector<std::string> lines;
-    std::istringstream stream(errors);
-    for (std::string line; std::getline(stream, line);) lines.push_back(line);
-    ASSERT_FALSE(lines.empty());
-    EXPECT_EQ(lines.back(), "folioweld: Unable to Merge and Create " + folder_.File("out.pdf"));
-    lines.pop_back();
-    ASSERT_LE(lines.size(), 1U) << errors;
-    if (lines.empty()) return;
-    EXPECT_EQ(lines[0].rfind("[Folioweld-cmdOK]=>The merge failed: ", 0), 0U) << lines[0];
-    EXPECT_EQ(lines[0].substr(lines[0].size() - 11), ": cancelled") << lines[0];
-  }
 };
 
-TEST_F(StopSignals, InterruptCancels) {
-  ExpectStoppedBy(SIGINT);
+TEST_F(StopSignals, InterruptEndsTheRunByItself) {
+  ExpectStoppedBy(SIGINT, "SIGINT");
 }
 
-TEST_F(StopSignals, TerminationRequestCancels) {
-  ExpectStoppedBy(SIGTERM);
+TEST_F(StopSignals, TerminationRequestEndsTheRunByItself) {
+  ExpectStoppedBy(SIGTERM, "SIGTERM");
 }
 
-TEST_F(StopSignals, EndOfTheTerminalCancels) {
-  ExpectStoppedBy(SIGHUP);
+TEST_F(StopSignals, EndOfTheTerminalEndsTheRunByItself) {
+  ExpectStoppedBy(SIGHUP, "SIGHUP");
 }
 
-TEST_F(StopSignals, ManySignalsDoNoMoreThanOne) {
+TEST_F(StopSignals, QuitCleansUpAndEndsTheRunByItself) {
+  setup_.BeforeStart = [] {
+    constexpr struct rlimit kNone {};
+    ::setrlimit(RLIMIT_CORE, &kNone);
+  };
+  ExpectStoppedBy(SIGQUIT, "SIGQUIT");
+}
+
+TEST_F(StopSignals, ASignalThatIsIgnoredAtTheStartStaysIgnored) {
   AddLongMerge();
+  setup_.IgnoredSignals = {SIGINT, SIGHUP, SIGQUIT};
   ChildProgram program(setup_);
   ASSERT_TRUE(WaitForTemporaries(2));
-  for (int i = 0; i < 20; ++i) program.Signal(i % 2 == 0 ? SIGINT : SIGTERM);
-  EXPECT_EQ(program.Wait(), 1);
+  for (const int signal : setup_.IgnoredSignals) program.Signal(signal);
+  EXPECT_TRUE(WaitForTemporaries(4)) << "it goes on";
+  program.Signal(SIGTERM);
+  EXPECT_EQ(program.Wait(), 128 + SIGTERM);
+}
+
+TEST_F(StopSignals, WaitingForTheSettingsLockEndsAtOnce) {
+  AddDocument("a");
+  folder_.MakeFolder("config/folioweld");
+  const std::string lock = folder_.Write("config/folioweld/settings.ini.lock", "");
+  const int held = ::open(lock.c_str(), O_RDWR | O_CLOEXEC);
+  ASSERT_EQ(::flock(held, LOCK_EX), 0);
+  ChildProgram program(setup_);
+  ASSERT_TRUE(WaitUntil([&] { return HasOpen(program, lock); }));
+  const auto start = std::chrono::steady_clock::now();
+  program.Signal(SIGTERM);
+  EXPECT_EQ(program.Wait(), 128 + SIGTERM);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, kAtOnce);
+  EXPECT_EQ(program.Errors(), "folioweld: ended by SIGTERM; no output was written\n");
+  ::close(held);
+}
+
+TEST_F(StopSignals, SettingsLockThatIsNotGivenBackDelaysTheRunAndNothingElse) {
+  AddDocument("a");
+  folder_.MakeFolder("config/folioweld");
+  const std::string lock = folder_.Write("config/folioweld/settings.ini.lock", "");
+  const int held = ::open(lock.c_str(), O_RDWR | O_CLOEXEC);
+  ASSERT_EQ(::flock(held, LOCK_EX), 0);
+  ExpectRun({"out.pdf", "docs"}, 0,
+            "[Folioweld-WriteSetting]=>The settings are not stored: another program holds the lock \"" +
+                lock + "\"\n");
+  ::close(held);
+}
+
+TEST_F(StopSignals, WaitingForAReaderOfStandardErrorEndsAtOnce) {
+  AddDocument("a");
+  folder_.Write("docs/half.pdf", "%PDF-1.4\nno comment");
+  setup_.BeforeStart = [] {
+    int ends[2];
+    if (::pipe(ends) != 0) ::_exit(125);
+    ::fcntl(ends[1], F_SETFL, O_NONBLOCK);
+    while (::write(ends[1], "x", 1) == 1) continue;
+    ::fcntl(ends[1], F_SETFL, 0);
+    ::dup2(ends[1], STDERR_FILENO);
+  };
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    ChildProgram program(setup_);
+    ASSERT_TRUE(WaitUntil([&] { return HasSettled(program); }));
+    const auto start = std::chrono::steady_clock::now();
+    program.Signal(signal);
+    EXPECT_EQ(program.Wait(), 128 + signal);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, kAtOnce);
+    EXPECT_FALSE(Exists(folder_.File("out.pdf")));
+  }
+}
+
+TEST_F(StopSignals, ALoopOfTheShellEndsWithTheRun) {
+  AddLongMerge();
+  setup_.Arguments = {"-c", R"(for i in 1 2 3; do "$0" out.pdf docs; done)", setup_.Program};
+  setup_.Program = "/bin/bash";
+  setup_.BeforeStart = [] { ::setpgid(0, 0); };
+  ChildProgram shell(setup_);
+  ASSERT_TRUE(WaitForTemporaries(2));
+  // As the terminal does it: to the shell and to what it runs.
+  ASSERT_EQ(::kill(-shell.Id(), SIGINT), 0);
+  EXPECT_EQ(shell.Wait(), 128 + SIGINT);
+  EXPECT_EQ(shell.Errors(), "folioweld: ended by SIGINT; no output was written\n");
   ExpectNothingLeft();
 }
 
-TEST_F(StopSignals, EndOfTheTerminalIsIgnoredWhereItWasIgnoredAtTheStart) {
+TEST_F(StopSignals, TheShellSeesTheSignalInTheStatus) {
   AddLongMerge();
-  setup_.IgnoredSignals = {SIGHUP};
-  ChildProgram program(setup_);
-  ASSERT_TRUE(WaitForTemporaries(2));
-  program.Signal(SIGHUP);
-  EXPECT_TRUE(WaitForTemporaries(4)) << "it goes on";
-  program.Signal(SIGTERM);
-  EXPECT_EQ(program.Wait(), 1);
+  setup_.Arguments = {"-c", R"("$0" out.pdf docs; echo $?)", setup_.Program};
+  setup_.Program = "/bin/bash";
+  for (const auto& [signal, status] :
+       std::vector<std::pair<int, std::string>>{{SIGHUP, "129\n"}, {SIGINT, "130\n"}, {SIGTERM, "143\n"}}) {
+    ChildProgram shell(setup_);
+    ASSERT_TRUE(WaitForTemporaries(2));
+    int run = 0;
+    std::ifstream(ProcFolder(shell) + "task/" + std::to_string(shell.Id()) + "/children") >> run;
+    ASSERT_GT(run, 0);
+    ASSERT_EQ(::kill(run, signal), 0);
+    EXPECT_EQ(shell.Wait(), 0);
+    EXPECT_EQ(shell.Output(), status);
+    ExpectNothingLeft();
+  }
 }
 
 TEST_F(StopSignals, ExistingOutputStaysWhenItWasNotYetWritten) {
@@ -98,7 +200,7 @@ TEST_F(StopSignals, ExistingOutputStaysWhenItWasNotYetWritten) {
   ChildProgram program(setup_);
   ASSERT_TRUE(WaitForTemporaries(2));
   program.Signal(SIGTERM);
-  EXPECT_EQ(program.Wait(), 1);
+  EXPECT_EQ(program.Wait(), 128 + SIGTERM);
   EXPECT_EQ(ReadFile(folder_.File("out.pdf")), "an older output of some length");
 }
 
@@ -114,7 +216,7 @@ TEST_F(StopSignals, TemporaryFilesBelongToTheirOwnerAlone) {
   }
   program.Signal(SIGTERM);
   program.Signal(SIGCONT);
-  EXPECT_EQ(program.Wait(), 1);
+  EXPECT_EQ(program.Wait(), 128 + SIGTERM);
   ExpectNothingLeft();
 }
 

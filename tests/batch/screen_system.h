@@ -27,10 +27,15 @@ class ScreenSystem : public FaultingSystem {
   }
   std::int64_t MillisecondsNow() override { return Now; }
   void WaitForStopSignal(int milliseconds) override { Now += milliseconds; }
-  SystemError CatchStopSignals() override {
+  SystemError CatchStopSignals(StopRule /*rule*/) override {
     CatchesSignals = true;
     return {};
   }
+  int ReleaseStopSignals() override {
+    CatchesSignals = false;
+    return Signal;
+  }
+  void EndBySignal(int signal) override { EndedBy = signal; }
   const volatile std::sig_atomic_t& StopSignal() override { return Signal; }
 
   /// What was written since the last call.
@@ -49,6 +54,7 @@ class ScreenSystem : public FaultingSystem {
   std::size_t MostBytes = static_cast<std::size_t>(-1);
   std::int64_t Now = 0;
   bool CatchesSignals = false;
+  int EndedBy = 0;
   volatile std::sig_atomic_t Signal = 0;
 };
 

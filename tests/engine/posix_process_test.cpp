@@ -200,7 +200,8 @@ TEST(PosixSignalsDeathTest, StopSignalsAreOnlyRememberedAndWakeWhoeverWaits) {
       {
         PosixApi system;
         const bool none = system.StopSignal() == 0 && system.StopSignalHandle() == -1;
-        const bool caught = !system.CatchStopSignals() && !system.CatchStopSignals();
+        const bool caught =
+            !system.CatchStopSignals(StopRule::Remember) && !system.CatchStopSignals(StopRule::Remember);
         const int handle = system.StopSignalHandle();
         const bool quiet = handle >= 0 && !IsReadable(handle, 0);
         ::raise(SIGINT);
@@ -218,23 +219,90 @@ TEST(PosixSignalsDeathTest, TheEndOfTheTerminalIsAStopSignalToo) {
       {
         PosixApi system;
         std::signal(SIGHUP, SIG_DFL);
-        const bool caught = !system.CatchStopSignals();
+        const bool caught = !system.CatchStopSignals(StopRule::Remember);
         ::raise(SIGHUP);
         ExitWithFirstFailure({caught, system.StopSignal() == SIGHUP});
       },
       ExitedWithCode(0), "");
 }
 
-TEST(PosixSignalsDeathTest, ARunThatIsToOutliveItsTerminalDoes) {
+TEST(PosixSignalsDeathTest, ASignalThatIsIgnoredStaysIgnored) {
+  for (const StopRule rule : {StopRule::Remember, StopRule::EndByIt}) {
+    EXPECT_EXIT(
+        {
+          PosixApi system;
+          for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) std::signal(signal, SIG_IGN);
+          const bool caught = !system.CatchStopSignals(rule);
+          for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) ::raise(signal);
+          const bool none = system.StopSignal() == 0 && system.ReleaseStopSignals() == 0;
+          for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) ::raise(signal);
+          ExitWithFirstFailure({caught, none});
+        },
+        ExitedWithCode(0), "");
+  }
+}
+
+TEST(PosixSignalsDeathTest, ASecondSignalAtOnceIsTheSameOne) {
   EXPECT_EXIT(
       {
         PosixApi system;
-        std::signal(SIGHUP, SIG_IGN);
-        const bool caught = !system.CatchStopSignals();
-        ::raise(SIGHUP);
-        ExitWithFirstFailure({caught, system.StopSignal() == 0});
+        const bool caught = !system.CatchStopSignals(StopRule::EndByIt);
+        ::raise(SIGINT);
+        ::raise(SIGTERM);
+        ExitWithFirstFailure({caught, system.StopSignal() == SIGINT});
       },
       ExitedWithCode(0), "");
+}
+
+TEST(PosixSignalsDeathTest, ASecondSignalEndsWhatDoesNotEndByItself) {
+  for (const int second : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+    EXPECT_EXIT(
+        {
+          PosixApi system;
+          if (system.CatchStopSignals(StopRule::EndByIt)) std::exit(1);
+          ::raise(SIGINT);
+          ::raise(second);
+          for (;;) ::pause();
+        },
+        KilledBySignal(second), "");
+  }
+}
+
+TEST(PosixSignalsDeathTest, OneSignalEndsNothingByItself) {
+  EXPECT_EXIT(
+      {
+        PosixApi system;
+        const bool caught = !system.CatchStopSignals(StopRule::EndByIt);
+        ::raise(SIGQUIT);
+        // Longer than a second signal would have to wait.
+        const std::int64_t end = system.MillisecondsNow() + 300;
+        int interruptions = 0;
+        while (system.MillisecondsNow() < end) interruptions += ::poll(nullptr, 0, 300) < 0 ? 1 : 0;
+        ExitWithFirstFailure({caught, interruptions > 0, system.StopSignal() == SIGQUIT});
+      },
+      ExitedWithCode(0), "");
+}
+
+TEST(PosixSignalsDeathTest, ReleasedTheSignalsEndTheProcessAgain) {
+  EXPECT_EXIT(
+      {
+        PosixApi system;
+        if (system.CatchStopSignals(StopRule::EndByIt)) std::exit(1);
+        if (system.ReleaseStopSignals() != 0) std::exit(2);
+        ::raise(SIGHUP);
+      },
+      KilledBySignal(SIGHUP), "");
+}
+
+TEST(PosixSignalsDeathTest, TheProcessEndsByTheSignalThatIsAskedFor) {
+  EXPECT_EXIT(
+      {
+        PosixApi system;
+        if (system.CatchStopSignals(StopRule::EndByIt)) std::exit(1);
+        ::raise(SIGINT);
+        system.EndBySignal(system.ReleaseStopSignals());
+      },
+      KilledBySignal(SIGINT), "");
 }
 
 TEST(PosixSignalsDeathTest, UncaughtAStopSignalEndsTheProcess) {

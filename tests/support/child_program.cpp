@@ -111,7 +111,7 @@ ChildProgram::ChildProgram(const Setup& setup) : state_(std::make_unique<State>(
   if (setup.TerminalColumns > 0) state_->OpenTerminal(setup.TerminalColumns);
   state_->Child = ::fork();
   if (state_->Child == 0) {
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGXFSZ}) ::signal(signal, SIG_DFL);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGXFSZ}) ::signal(signal, SIG_DFL);
     for (const int signal : setup.IgnoredSignals) ::signal(signal, SIG_IGN);
     sigset_t none;
     ::sigemptyset(&none);
@@ -152,6 +152,10 @@ int ChildProgram::Wait() {
 void ChildProgram::Signal(int signal) const {
   // Without a child the number is -1, which means every process there is.
   if (state_->Child > 0) ::kill(state_->Child, signal);
+}
+
+int ChildProgram::Id() const {
+  return state_->Child;
 }
 
 void ChildProgram::Type(const std::string& keys) const {

@@ -37,6 +37,8 @@ class ChildProgram {
   /// The exit status, or 128 and the signal that ended it. The test fails when it runs on for a minute.
   int Wait();
   void Signal(int signal) const;
+  /// Its process id while it runs.
+  [[nodiscard]] int Id() const;
   /// Types on its terminal.
   void Type(const std::string& keys) const;
 
