@@ -28,7 +28,6 @@ void FindAlterations(MergeState& state, PdfReader& reader, MergeShell& shell) {
     if (!state.DocUsed(slot)) continue;
     const ReadInput input{state, reader, slot};
     CheckStartXref(input);
-    CheckTrailers(input, shell);
     CheckKeys(input, shell);
     CheckInformation(input);
     if (state.DocUsed(2)) CheckPageTree(input, shell);

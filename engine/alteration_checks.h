@@ -11,12 +11,14 @@ namespace folioweld {
 /// Runs all of them; to be called between the reading and the renumbering.
 void FindAlterations(MergeState& state, PdfReader& reader, MergeShell& shell);
 
-/// Whether the trailers say the same to other programs, and that the newest one tells of no encryption.
-void CheckTrailers(const ReadInput& input, MergeShell& shell);
+/// Whether the trailer of a section that was just read says the same to other programs, and that the newest
+/// one tells of no encryption. To be called before the section counts as read.
+void CheckTrailer(const ReadInput& input, MergeShell& shell, const XrefSectionInfo& section);
 
 /// Whether a key stands twice in the dictionary, in any spelling; true when one does. `number` is the
-/// dictionary's object, -1 = a trailer.
-bool CheckRepeatedKeys(const ReadInput& input, MergeShell& shell, std::int32_t firstRow, std::int32_t number);
+/// dictionary's object; -1 = none, and the offset is known.
+bool CheckRepeatedKeys(const ReadInput& input, MergeShell& shell, std::int32_t firstRow, std::int32_t number,
+                       std::int64_t fileOffset = -1);
 
 /// What the information dictionary, whose place is taken by a fixed one, is besides.
 void CheckInformation(const ReadInput& input);

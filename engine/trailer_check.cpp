@@ -15,10 +15,9 @@ namespace {
 
 /// The dictionary's text with the line ends that the reading of trailers leaves out, so that a key ends with
 /// its line and a comment with its own.
-std::string TrailerText(const MergeState& state, std::int16_t slot, std::int32_t section) {
+std::string TrailerText(const MergeState& state, const XrefSectionInfo& section) {
   std::string text;
-  for (std::int32_t i = state.TrailerFirstLine(slot, section); i <= state.TrailerLastLine(slot, section);
-       ++i) {
+  for (std::int32_t i = section.TrailerFirstLine; i <= section.TrailerLastLine; ++i) {
     text.append(state.PageKids[i]).append("\n");
   }
   return text;
@@ -30,79 +29,57 @@ std::int32_t NumberAt(std::string_view value) {
   return digits > 0 ? number : -1;
 }
 
-/// One section's trailer, as the chain of sections took it and as other programs read it.
-class TrailerCheck {
- public:
-  TrailerCheck(const ReadInput& input, MergeShell& shell, std::int32_t section)
-      : input_(input), shell_(shell), section_(section) {}
+void Note(const ReadInput& input, const XrefSectionInfo& section, AlterationKind kind, const char* detail) {
+  NoteAlteration(input.State, input.Slot, kind, -1, detail, section.FirstByte);
+}
 
-  /// `rootKnown` and `informationKnown`: a newer trailer names them, so this one's do not count.
-  void Run(bool& rootKnown, bool& informationKnown) {
-    const MergeState& state = input_.State;
-    const std::int16_t slot = input_.Slot;
-    const std::string text = TrailerText(state, slot, section_);
-    firstRow_ = ParseAsOthersDo(input_, input_.State.Texts.Keep(TrimBlanks(text)));
-    if (section_ == 0 && !Value("/Encrypt").empty()) Note(AlterationKind::Encrypted, "");
-    if (!CheckRepeatedKeys(input_, shell_, firstRow_, -1)) CompareAll(!rootKnown, !informationKnown);
-    rootKnown = rootKnown || state.TrailerRoot(slot, section_) != -1;
-    informationKnown = informationKnown || state.TrailerInfo(slot, section_) != -1;
+/// What the chain of sections takes from the trailer, beside what other programs read there.
+void Compare(const ReadInput& input, const XrefSectionInfo& section, std::int32_t firstRow) {
+  const MergeState& state = input.State;
+  const auto compare = [&](const char* key, std::int32_t taken, std::int32_t seen) {
+    if (taken != seen) Note(input, section, AlterationKind::TrailerReadOtherwise, key);
+  };
+  const auto value = [&](const char* key) { return ValueOf(state, firstRow, key); };
+  const bool isNewest = state.DocXrefCount(input.Slot) == 0;
+  const std::int32_t information = section.TrailerInfo;
+  // Without one nothing is replaced.
+  const bool isReplaced = information > 0 && information < state.DocObjectCount(input.Slot);
+  if (isNewest) compare("/Size", section.TrailerSize, NumberAt(value("/Size")));
+  if (state.DocRootNumber(input.Slot) == -1) {
+    compare("/Root", section.TrailerRoot, ReferencedNumber(value("/Root")));
   }
-
- private:
-  [[nodiscard]] std::string_view Value(std::string_view key) const {
-    return ValueOf(input_.State, firstRow_, key);
+  if (state.DocInfoNumber(input.Slot) == -1 && isReplaced) {
+    compare("/Info", information, ReferencedNumber(value("/Info")));
   }
-
-  void CompareAll(bool rootCounts, bool informationCounts) const {
-    const MergeState& state = input_.State;
-    const std::int16_t slot = input_.Slot;
-    const std::int32_t root = state.TrailerRoot(slot, section_);
-    const std::int32_t information = state.TrailerInfo(slot, section_);
-    if (rootCounts) Compare("/Root", root, ReferencedNumber(Value("/Root")));
-    // Without one nothing is replaced.
-    const bool isReplaced = information > 0 && information < state.DocObjectCount(slot);
-    if (informationCounts && isReplaced) Compare("/Info", information, ReferencedNumber(Value("/Info")));
-    if (section_ == 0) Compare("/Size", state.TrailerSize(slot, section_), NumberAt(Value("/Size")));
-    Compare("/Prev", state.TrailerPrev(slot, section_), NumberAt(Value("/Prev")));
-  }
-
-  void Compare(const char* key, std::int32_t taken, std::int32_t seen) const {
-    if (taken != seen) Note(AlterationKind::TrailerReadOtherwise, key);
-  }
-
-  void Note(AlterationKind kind, const char* detail) const {
-    NoteAlteration(input_.State, input_.Slot, kind, -1, detail);
-  }
-
-  const ReadInput& input_;
-  MergeShell& shell_;
-  std::int32_t section_;
-  std::int32_t firstRow_ = -1;
-};
+  compare("/Prev", section.TrailerPrev, NumberAt(value("/Prev")));
+}
 
 }  // namespace
 
-bool CheckRepeatedKeys(const ReadInput& input, MergeShell& shell, std::int32_t firstRow,
-                       std::int32_t number) {
+bool CheckRepeatedKeys(const ReadInput& input, MergeShell& shell, std::int32_t firstRow, std::int32_t number,
+                       std::int64_t fileOffset) {
   std::set<std::string> keys;
   bool repeated = false;
   for (std::int32_t row = firstRow; row >= 0; row = input.State.NameEntries[row].NameId) {
     if (YieldAndCheckAbort(shell, input.State)) throw RuleBroken({input.Slot, number, -1, kCancelled});
     const std::string_view written = input.State.NameEntries[row].NameText;
     if (keys.insert(PlainName(written)).second) continue;
-    NoteAlteration(input.State, input.Slot, AlterationKind::KeyRepeated, number, ShownPiece(written));
+    NoteAlteration(input.State, input.Slot, AlterationKind::KeyRepeated, number, ShownPiece(written),
+                   fileOffset);
     repeated = true;
   }
   return repeated;
 }
 
-void CheckTrailers(const ReadInput& input, MergeShell& shell) {
+void CheckTrailer(const ReadInput& input, MergeShell& shell, const XrefSectionInfo& section) {
   if (IsRewritten(input.State, input.Slot)) return;
-  bool rootKnown = false;
-  bool informationKnown = false;
-  for (std::int32_t section = 0; section < input.State.DocXrefCount(input.Slot); ++section) {
-    TrailerCheck(input, shell, section).Run(rootKnown, informationKnown);
+  const std::string text = TrailerText(input.State, section);
+  const std::int32_t firstRow = ParseAsOthersDo(input, input.State.Texts.Keep(TrimBlanks(text)));
+  const bool isNewest = input.State.DocXrefCount(input.Slot) == 0;
+  if (isNewest && !ValueOf(input.State, firstRow, "/Encrypt").empty()) {
+    Note(input, section, AlterationKind::Encrypted, "");
   }
+  if (!CheckRepeatedKeys(input, shell, firstRow, -1, section.FirstByte)) Compare(input, section, firstRow);
 }
 
 }  // namespace folioweld

@@ -6,6 +6,8 @@
 #include <string>
 #include <utility>
 
+#include "engine/alteration_checks.h"
+
 namespace folioweld {
 
 namespace {
@@ -39,6 +41,7 @@ class ChainWalk {
     } else if (info.TrailerSize > state_.DocObjectCount(slot_)) {
       Fail("an older trailer's /Size is above the newest one's", info.FirstByte);
     }
+    CheckTrailer({state_, reader_, slot_}, shell_, info);
     Store(info, section);
     if (state_.DocRootNumber(slot_) == -1) state_.DocRootNumber(slot_) = info.TrailerRoot;
     if (state_.DocInfoNumber(slot_) == -1) state_.DocInfoNumber(slot_) = info.TrailerInfo;

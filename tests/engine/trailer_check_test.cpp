@@ -106,6 +106,16 @@ TEST(TrailerCheck, LooksAtTheTrailerThatCounts) {
   EXPECT_EQ(Told(builder.Object(6, "<<>>").Build()), "");
 }
 
+TEST(TrailerCheck, LooksAtEveryTrailerOfTheChain) {
+  for (int odd = 0; odd < 5; ++odd) {
+    DocumentBuilder builder = Page();
+    for (int revision = 0; revision < 5; ++revision) {
+      builder.TrailerExtra(revision == odd ? "/A 1/#41 2" : "").Object(6, "<<>>").EndRevision();
+    }
+    EXPECT_EQ(Told(builder.Build()), "repeated -1: /#41; ") << odd;
+  }
+}
+
 TEST(TrailerCheck, TellsOfASecondStartXrefThatGivesAnotherNumber) {
   const std::string document = SimpleDocument(1);
   const auto end = [&](const std::string& last) {
