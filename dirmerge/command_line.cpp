@@ -1,7 +1,7 @@
 #include "dirmerge/command_line.h"
 
 #include "dirmerge/paths.h"
-#include "engine/conversions.h"
+#include "engine/lexer.h"
 
 namespace folioweld {
 
@@ -15,7 +15,7 @@ bool HoldsBar(const std::string& text) {
 
 /// Enters the folder as it stands, or trimmed when that does not exist; the name that worked, or nothing.
 std::string EnterFolder(WindowsAPI& system, const std::string& text) {
-  const std::string trimmed(Conversions::TrimSpaces(text));
+  const std::string trimmed(kSpaceSet.Trim(text));
   for (const std::string& folder : {text, trimmed}) {
     std::string full = FullPath(system, folder);
     if (!full.empty() && !system.SetCurrentDirectory(full)) return full;

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <utility>
 
-#include "engine/conversions.h"
+#include "engine/lexer.h"
 #include "platform/retry.h"
 
 namespace folioweld {
@@ -112,7 +112,7 @@ std::string FileOrdering::DateKey(const std::string& fileName) {
 }
 
 std::int16_t SortOrderFromSetting(const std::string& text) {
-  const double value = Conversions::LenientNumber(text);
+  const double value = LenientNumber(text);
   // Halves go to the even number.
   const double order = std::nearbyint(value);
   const bool known = std::abs(order) == 1 || std::abs(order) == 2;

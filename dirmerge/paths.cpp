@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "engine/hex_digits.h"
 #include "platform/retry.h"
 
 namespace folioweld {
@@ -15,7 +16,7 @@ constexpr std::uint32_t kNames = 0x10000;
 
 std::string FourHexDigits(std::uint32_t number) {
   std::string text;
-  for (int shift = 12; shift >= 0; shift -= 4) text += "0123456789ABCDEF"[(number >> shift) & 15U];
+  for (int shift = 12; shift >= 0; shift -= 4) text += kHexDigits[(number >> shift) & 15U];
   return text;
 }
 

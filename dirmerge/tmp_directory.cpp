@@ -1,7 +1,7 @@
 #include "dirmerge/tmp_directory.h"
 
 #include "dirmerge/paths.h"
-#include "engine/conversions.h"
+#include "engine/lexer.h"
 
 namespace folioweld {
 
@@ -11,7 +11,7 @@ constexpr char kSetting[] = "MergeTmpDir";
 constexpr char kPickerTitle[] = "Folioweld: Choose FOLDER FOR TEMPORARY FILES";
 
 std::string Trimmed(const std::string& text) {
-  return std::string(Conversions::TrimSpaces(text));
+  return std::string(kSpaceSet.Trim(text));
 }
 
 }  // namespace

@@ -4,14 +4,15 @@
 #include <utility>
 
 #include "dirmerge/paths.h"
-#include "engine/conversions.h"
+#include "engine/character_set.h"
+#include "engine/hex_digits.h"
 
 namespace folioweld {
 
 namespace {
 
 constexpr std::string_view kScheme = "file:";
-constexpr std::string_view kLineBlanks = " \t\r";
+constexpr CharacterSet kLineBlanks{" \t\r"};
 
 char LowerCased(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -27,13 +28,7 @@ std::string_view TakeLine(std::string_view& rest) {
   const std::size_t end = rest.find('\n');
   const std::string_view line = rest.substr(0, end);
   rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-  return Conversions::TrimSet(line, kLineBlanks);
-}
-
-int HexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  const char lower = LowerCased(c);
-  return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+  return kLineBlanks.Trim(line);
 }
 
 /// A "%" without two digits after it stands for itself: not everybody encodes what they should.

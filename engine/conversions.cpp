@@ -1,17 +1,17 @@
 #include "engine/conversions.h"
 
 #include <cstddef>
-#include <limits>
-#include <stdexcept>
 
-namespace folioweld::Conversions {
+#include "engine/hex_digits.h"
+
+namespace folioweld {
 
 namespace {
 
 /// 0-based index of the character at a 1-based position.
-std::size_t IndexAt(std::int32_t start) {
-  if (start < 1) throw std::invalid_argument("a text position starts at 1");
-  return static_cast<std::size_t>(start) - 1;
+std::size_t IndexAt(std::int32_t position) {
+  if (position < 1) throw std::invalid_argument("a text position starts at 1");
+  return static_cast<std::size_t>(position) - 1;
 }
 
 /// The 1-based position of an index; 0 for the text's end.
@@ -19,106 +19,111 @@ std::int32_t PositionAt(std::string_view text, std::size_t index) {
   return index >= text.size() ? 0 : static_cast<std::int32_t>(index) + 1;
 }
 
-/// The sets have a dozen characters at most: comparing with each beats calling a search.
-bool IsMember(std::string_view set, char c) {
-  for (const char member : set) {
-    if (member == c) return true;
-  }
-  return false;
+std::int32_t LengthOf(std::string_view text) {
+  return static_cast<std::int32_t>(text.size());
 }
 
-constexpr bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
-void AppendHexByte(std::string& text, unsigned char byte) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  text += kDigits[byte >> 4U];
-  text += kDigits[byte & 15U];
+std::int32_t ValueAndDigits(std::string_view word, std::int16_t& digitCount) {
+  const std::int32_t value = NumberOf(word);
+  digitCount = static_cast<std::int16_t>(value < 0 ? 0 : word.size());
+  return value < 0 ? 0 : value;
 }
 
 std::string UpperHex(std::uintptr_t value) {
   std::string text;
-  for (; value != 0 || text.empty(); value >>= 4U) text.insert(text.begin(), "0123456789ABCDEF"[value & 15U]);
+  for (; value != 0 || text.empty(); value >>= 4U) text.insert(text.begin(), kHexDigits[value & 15U]);
   return text;
+}
+
+char CharAt(std::string_view text, std::int32_t position) {
+  return text[static_cast<std::size_t>(position) - 1];
+}
+
+/// An escape is told by the one character before the bracket.
+std::int32_t FindGroupEnd(std::string_view text, std::int32_t start, char open, char close) {
+  const std::int32_t length = LengthOf(text);
+  if (start < 2 || start > length) return length + 1;
+  std::int32_t depth = 0;
+  for (std::int32_t i = start; i <= length; ++i) {
+    const char c = CharAt(text, i);
+    if ((c != open && c != close) || CharAt(text, i - 1) == '\\') continue;
+    if (c == open) {
+      ++depth;
+    } else if (depth == 0) {
+      return i;
+    } else {
+      --depth;
+    }
+  }
+  return 0;
+}
+
+/// The end of the group that the bracket at `position` opens, 0 for an unterminated one, -1 for no bracket.
+std::int32_t EndOfGroupAt(std::string_view text, std::int32_t position) {
+  switch (CharAt(text, position)) {
+    case '(':
+      return FindLiteralStringEnd(text, position + 1);
+    case '<':
+      return FindAngleGroupEnd(text, position + 1);
+    case '[':
+      return FindArrayEnd(text, position + 1);
+    default:
+      return -1;
+  }
+}
+
+bool IsUsable(std::span<const std::string_view> keywords) {
+  for (const std::string_view keyword : keywords) {
+    if (keyword.empty()) return false;
+  }
+  return !keywords.empty();
 }
 
 }  // namespace
 
+namespace Conversions {
+
 std::int32_t FindFirstOf(std::string_view text, std::string_view set, std::int32_t start) {
-  if (start > static_cast<std::int64_t>(text.size()) || text.empty() || set.empty()) return 0;
-  std::size_t index = IndexAt(start);
-  while (index < text.size() && !IsMember(set, text[index])) ++index;
-  return PositionAt(text, index);
+  if (start > LengthOf(text) || text.empty() || set.empty()) return 0;
+  return PositionAt(text, CharacterSet(set).Find(text, IndexAt(start)));
 }
 
 std::int32_t FindFirstNotOf(std::string_view text, std::string_view set, std::int32_t start) {
-  if (start > static_cast<std::int64_t>(text.size()) || text.empty() || set.empty()) return 0;
-  std::size_t index = IndexAt(start);
-  while (index < text.size() && IsMember(set, text[index])) ++index;
-  return PositionAt(text, index);
+  if (start > LengthOf(text) || text.empty() || set.empty()) return 0;
+  return PositionAt(text, CharacterSet(set).Skip(text, IndexAt(start)));
 }
 
 bool IsCharInSet(std::string_view text, std::int32_t position, std::string_view set) {
-  if (position > static_cast<std::int64_t>(text.size())) return false;
-  return IsMember(set, text[IndexAt(position)]);
+  return position <= LengthOf(text) && CharacterSet(set).Has(text[IndexAt(position)]);
 }
 
 bool IsAllDigits(std::string_view text) {
-  for (const char c : text) {
-    if (!IsDigit(c)) return false;
-  }
-  return !text.empty();
+  return !text.empty() && kDigitSet.Skip(text, 0) == text.size();
 }
 
 std::string_view LeftUntilFirstOf(std::string_view text, std::string_view set, std::int32_t start) {
   const std::int32_t end = FindFirstOf(text, set, start);
-  return end == 0 ? text : text.substr(0, static_cast<std::size_t>(end) - 1);
+  return end == 0 ? text : text.substr(0, IndexAt(end));
 }
 
 std::string_view TrimRightSet(std::string_view text, std::string_view set) {
-  std::size_t length = text.size();
-  while (length > 0 && IsMember(set, text[length - 1])) --length;
-  return text.substr(0, length);
+  return CharacterSet(set).TrimRight(text);
 }
 
 std::string_view TrimSet(std::string_view text, std::string_view set) {
-  std::size_t first = 0;
-  while (first < text.size() && IsMember(set, text[first])) ++first;
-  // Nothing is left of a text of members only: the result points to its beginning all the same.
-  return first == text.size() ? text.substr(0, 0) : TrimRightSet(text.substr(first), set);
+  return CharacterSet(set).Trim(text);
 }
 
 std::string_view TrimCrLf(std::string_view text) {
-  return TrimSet(text, kLineEnd);
-}
-
-std::string_view TrimSpaces(std::string_view text) {
-  return TrimSet(text, " ");
+  return kLineEndSet.Trim(text);
 }
 
 std::int32_t ParseDecimalToken(std::string_view text, std::int16_t& digitCount) {
-  digitCount = 0;
-  std::size_t start = 0;
-  while (start < text.size() && text[start] == ' ') ++start;
-  std::int64_t value = 0;
-  std::size_t end = start;
-  for (; end < text.size() && IsDigit(text[end]); ++end) {
-    if (end - start == 10) return 0;
-    value = value * 10 + (text[end] - '0');
-  }
-  if (end == start || (end < text.size() && text[end] != ' ')) return 0;
-  // The largest 32-bit value itself is refused on purpose.
-  if (value > std::numeric_limits<std::int32_t>::max() - 1) return 0;
-  digitCount = static_cast<std::int16_t>(end - start);
-  return static_cast<std::int32_t>(value);
+  return ValueAndDigits(FirstWord(text, kSpaceSet), digitCount);
 }
 
 std::int32_t ParseLeadingNumber(std::string_view text, std::int16_t& digitCount) {
-  digitCount = 0;
-  const std::size_t first = text.find_first_not_of(kWhiteSpace);
-  if (first == std::string_view::npos) return 0;
-  return ParseDecimalToken(LeftUntilFirstOf(text.substr(first), kWhiteSpace, 1), digitCount);
+  return ValueAndDigits(FirstWord(text, kWhiteSpaceSet), digitCount);
 }
 
 std::string_view StripAtNull(std::string_view text) {
@@ -127,11 +132,12 @@ std::string_view StripAtNull(std::string_view text) {
 
 std::string HexDumpMemory(const void* bytes, std::int32_t count) {
   if (count < 1) return {};
-  std::string text = "&H" + UpperHex(reinterpret_cast<std::uintptr_t>(bytes)) + ": ";
+  std::string text = "&H" + UpperHex(reinterpret_cast<std::uintptr_t>(bytes)) + ":";
   const auto* next = static_cast<const unsigned char*>(bytes);
   for (std::int32_t i = 0; i < count; ++i) {
-    if (i > 0) text += ' ';
-    AppendHexByte(text, next[i]);
+    text += ' ';
+    text += kHexDigits[next[i] >> 4U];
+    text += kHexDigits[next[i] & 15U];
   }
   return text;
 }
@@ -140,23 +146,80 @@ std::int32_t PassThroughLong(std::int32_t value) {
   return value;
 }
 
-double LenientNumber(std::string_view text) {
-  std::size_t i = text.find_first_not_of(' ');
-  if (i == std::string_view::npos) return 0;
-  const bool negative = text[i] == '-';
-  if (text[i] == '-' || text[i] == '+') ++i;
-  double value = 0;
-  for (; i < text.size() && IsDigit(text[i]); ++i) value = value * 10 + (text[i] - '0');
-  if (i < text.size() && text[i] == '.') {
-    double divisor = 1;
-    double fraction = 0;
-    for (++i; i < text.size() && IsDigit(text[i]); ++i) {
-      fraction = fraction * 10 + (text[i] - '0');
-      divisor *= 10;
+}  // namespace Conversions
+
+std::int32_t PdfLookUpForSeparator(std::string_view sTringToLook, std::string_view sSeparators,
+                                   std::int32_t lIndStart) {
+  const std::int32_t length = LengthOf(sTringToLook);
+  if (lIndStart < 1 || lIndStart > length || sSeparators.empty()) return 0;
+  if (lIndStart == 1) throw InvalidScan("there is no character before the first one");
+  char previous = CharAt(sTringToLook, lIndStart - 1);
+  for (std::int32_t i = lIndStart; i <= length; ++i) {
+    const char c = CharAt(sTringToLook, i);
+    const std::int32_t end = previous == '\\' ? -1 : EndOfGroupAt(sTringToLook, i);
+    if (end == 0) throw InvalidScan("a group has no end");
+    if (end > length) return 0;
+    if (end > 0) {
+      i = end;
+    } else if (sSeparators.find(c) != std::string_view::npos) {
+      return i;
     }
-    value += fraction / divisor;
+    previous = CharAt(sTringToLook, i);
   }
-  return negative ? -value : value;
+  return 0;
 }
 
-}  // namespace folioweld::Conversions
+std::int32_t FindLiteralStringEnd(std::string_view text, std::int32_t start) {
+  return FindGroupEnd(text, start, '(', ')');
+}
+
+std::int32_t FindAngleGroupEnd(std::string_view text, std::int32_t start) {
+  return FindGroupEnd(text, start, '<', '>');
+}
+
+std::int32_t FindArrayEnd(std::string_view text, std::int32_t start) {
+  return FindGroupEnd(text, start, '[', ']');
+}
+
+std::string_view CutAtComment(std::string_view text) {
+  return Conversions::LeftUntilFirstOf(text, Conversions::kCommentOrLineEnd, 1);
+}
+
+std::string_view CutCommentAndLeftTrim(std::string_view text) {
+  const std::string_view cut = CutAtComment(text);
+  return cut.substr(kWhiteSpaceSet.Skip(cut, 0));
+}
+
+std::string_view CutCommentAndTrim(std::string_view text) {
+  return TrimBlanks(CutAtComment(text));
+}
+
+std::int32_t ParseNumberPairKeyword(std::string_view text, std::int32_t start,
+                                    std::span<const std::string_view> keywords, NumberPairKeyword& found) {
+  found = {};
+  if (start < 1 || start > LengthOf(text)) return 0;
+  NumberPair pair;
+  static_cast<void>(ReadNumberPair(text, IndexAt(start), keywords, pair));
+  if (pair.Start == text.size()) return 0;
+  found.FirstTokenStart = PositionAt(text, pair.Start);
+  if (pair.Number < 0) return PositionAt(text, kWhiteSpaceSet.Find(text, pair.Start));
+  found.DigitCount = static_cast<std::int16_t>(pair.NumberEnd - pair.Start);
+  const std::size_t secondEnd = kWhiteSpaceSet.Find(text, pair.SecondStart);
+  std::int32_t second = pair.Generation;
+  std::int32_t keyword = pair.Keyword;
+  std::size_t resume = pair.End;
+  if (!IsUsable(keywords)) {
+    // Without a keyword the second number may end the text.
+    second = NumberOf(text.substr(pair.SecondStart, secondEnd - pair.SecondStart));
+    keyword = 0;
+    resume = secondEnd;
+  }
+  if (second < 0) return PositionAt(text, secondEnd);
+  if (keyword < 0) return pair.KeywordStart == text.size() ? 0 : PositionAt(text, pair.SecondStart);
+  found.FirstNumber = pair.Number;
+  found.SecondNumber = second;
+  found.KeywordIndex = keyword;
+  return PositionAt(text, resume);
+}
+
+}  // namespace folioweld

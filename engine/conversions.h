@@ -1,22 +1,19 @@
 #pragma once
 
-#include <array>
-#include <charconv>
-#include <cstddef>
 #include <cstdint>
+#include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
-namespace folioweld::Conversions {
+#include "engine/lexer.h"
 
-// Text helpers that know nothing of files. Text is bytes; positions count from 1 and 0 means not found.
+// The text operations of the engine's interface, under their own names. No pass calls them: the passes read
+// with the lexer, on which most of these stand. Text is bytes; positions count from 1 and 0 means not found.
 // Results that are views point into the text given.
 
-/// Tab, form feed and NUL are not white space anywhere in the reader: a tab ends no token. Kept on purpose.
-inline constexpr std::string_view kWhiteSpace = " \r\n";
-inline constexpr std::string_view kLineEnd = "\r\n";
-inline constexpr std::string_view kDelimiters = " ()<>[]{}/%\r\n";
-inline constexpr std::string_view kDelimitersWithEscape = " ()<>[]{}/%\\\r\n";
+namespace folioweld::Conversions {
+
 inline constexpr std::string_view kCommentOrLineEnd = "%\r\n";
 inline constexpr std::string_view kDelimitersInLine = " ()<>[]{}/%";
 inline constexpr std::string_view kDelimitersInLineWithEscape = " ()<>[]{}/%\\";
@@ -43,51 +40,15 @@ inline constexpr std::string_view kDelimitersInLineWithEscape = " ()<>[]{}/%\\";
 [[nodiscard]] std::string_view TrimRightSet(std::string_view text, std::string_view set);
 [[nodiscard]] std::string_view TrimSet(std::string_view text, std::string_view set);
 [[nodiscard]] std::string_view TrimCrLf(std::string_view text);
+using folioweld::TrimBlanks;
 
-/// Whether the character is in `kWhiteSpace`.
-[[nodiscard]] constexpr bool IsBlank(char c) {
-  return c == ' ' || c == '\r' || c == '\n';
-}
-
-// Trimming `kWhiteSpace` stands here for speed: every text of a document is trimmed, and few have much to
-// lose.
-[[nodiscard]] constexpr std::string_view TrimRightBlanks(std::string_view text) {
-  std::size_t length = text.size();
-  while (length > 0 && IsBlank(text[length - 1])) --length;
-  return text.substr(0, length);
-}
-/// Nothing is left of a text of white space only: the result points to its beginning all the same.
-[[nodiscard]] constexpr std::string_view TrimBlanks(std::string_view text) {
-  const std::string_view left = TrimRightBlanks(text);
-  std::size_t first = 0;
-  while (first < left.size() && IsBlank(left[first])) ++first;
-  return left.substr(first);
-}
-
-/// Without leading and trailing spaces, and spaces only.
-[[nodiscard]] std::string_view TrimSpaces(std::string_view text);
-
-/// The value of the first blank-separated word as an unsigned decimal of at most ten digits and at most
-/// 2147483646; `digitCount` is the word's length, leading zeros included. A word that is no such number
-/// gives 0 with a digit count of 0, which is how callers tell it from "0".
+/// The value of the first word between spaces when it is a number as `NumberOf` reads it; `digitCount` is the
+/// word's length, leading zeros included. Any other word gives 0 with a digit count of 0, which is how
+/// callers tell it from "0".
 [[nodiscard]] std::int32_t ParseDecimalToken(std::string_view text, std::int16_t& digitCount);
 
-/// `ParseDecimalToken` of the first token after leading white space.
+/// The same of the first word between white space.
 [[nodiscard]] std::int32_t ParseLeadingNumber(std::string_view text, std::int16_t& digitCount);
-
-/// A number in decimal digits, without memory of its own to get.
-class DecimalDigits {
- public:
-  explicit DecimalDigits(std::int32_t number)
-      : size_(static_cast<std::size_t>(
-            std::to_chars(digits_.data(), digits_.data() + digits_.size(), number).ptr - digits_.data())) {}
-
-  [[nodiscard]] std::string_view View() const { return {digits_.data(), size_}; }
-
- private:
-  std::array<char, 11> digits_;  ///< as many as the longest number has, sign included
-  std::size_t size_;
-};
 
 /// The text before its first NUL.
 [[nodiscard]] std::string_view StripAtNull(std::string_view text);
@@ -99,8 +60,50 @@ class DecimalDigits {
 /// The same value.
 [[nodiscard]] std::int32_t PassThroughLong(std::int32_t value);
 
-/// Reads a leading decimal number (blanks, sign, digits, one point) as far as the text is one; 0 when it is
-/// none. Independent of the locale.
-[[nodiscard]] double LenientNumber(std::string_view text);
-
 }  // namespace folioweld::Conversions
+
+namespace folioweld {
+
+/// An argument that `PdfLookUpForSeparator` cannot work with: a start of 1, or a group that never ends.
+/// Callers absorb it; it is told apart from "not found" on purpose.
+class InvalidScan : public std::invalid_argument {
+ public:
+  using std::invalid_argument::invalid_argument;
+};
+
+/// Position of the first separator at or after `lIndStart` outside literal strings, angle-bracket groups and
+/// arrays; 0 = none. An opening bracket is a separator only when a "\" stands before it; one preceding
+/// character is looked at, so a bracket after two backslashes counts as escaped too. Raises `InvalidScan`
+/// for a start of 1 and for a group without an end; both kept on purpose.
+[[nodiscard]] std::int32_t PdfLookUpForSeparator(std::string_view sTringToLook, std::string_view sSeparators,
+                                                 std::int32_t lIndStart);
+
+/// Position of the bracket that matches the one just before `start`: the text's length + 1 when the start
+/// is below 2 or past the end, 0 when there is none. Brackets after a "\" do not count, other kinds neither.
+[[nodiscard]] std::int32_t FindLiteralStringEnd(std::string_view text, std::int32_t start);
+[[nodiscard]] std::int32_t FindAngleGroupEnd(std::string_view text, std::int32_t start);
+[[nodiscard]] std::int32_t FindArrayEnd(std::string_view text, std::int32_t start);
+
+/// The text before its first "%", carriage return or line feed.
+[[nodiscard]] std::string_view CutAtComment(std::string_view text);
+[[nodiscard]] std::string_view CutCommentAndLeftTrim(std::string_view text);
+[[nodiscard]] std::string_view CutCommentAndTrim(std::string_view text);
+
+/// What `ParseNumberPairKeyword` found; -1 = nothing.
+struct NumberPairKeyword {
+  std::int32_t FirstNumber = -1;
+  std::int32_t SecondNumber = -1;
+  std::int32_t KeywordIndex = -1;  ///< index in the keyword list
+  std::int32_t FirstTokenStart = 0;
+  std::int16_t DigitCount = 0;  ///< digits of the first number
+};
+
+/// Reads a number, a second number and one of the keywords, as in "12 0 obj". Returns where the caller
+/// resumes: the delimiter that ends the keyword, or 0 when the text ends there, so success is judged by the
+/// keyword index. When no keyword matches it is the start of the second token: "5 0 7 0 obj" is tried again
+/// at "0 7 0 obj". A list that is empty or holds an empty word is not used: two numbers suffice then.
+[[nodiscard]] std::int32_t ParseNumberPairKeyword(std::string_view text, std::int32_t start,
+                                                  std::span<const std::string_view> keywords,
+                                                  NumberPairKeyword& found);
+
+}  // namespace folioweld

@@ -1,19 +1,13 @@
 // The dictionary parser of PdfReader: texts to rows of NameEntries.
 
-#include <exception>
-#include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <vector>
 
-#include "engine/character_set.h"
-#include "engine/conversions.h"
+#include "engine/lexer.h"
 #include "engine/pdf_reader.h"
-#include "engine/pdf_scanner.h"
 
 namespace folioweld {
-
-using namespace Conversions;
 
 namespace {
 
@@ -73,7 +67,7 @@ class EntryWalk {
   [[nodiscard]] bool Next() {
     const std::size_t key = FindKey(index_);
     if (key == text_.size()) return false;
-    const std::size_t behindKey = kDelimiterSet.Find(text_, key + 1);
+    const std::size_t behindKey = SkipName(text_, key);
     key_ = Between(key, behindKey);
     comments_.clear();
     valueStart_ = SkipBlanksAndComments(behindKey);
@@ -139,7 +133,7 @@ class EntryWalk {
   /// Index of the next "/" outside strings, arrays and dictionaries, or of the text's end. A name that the
   /// value begins with is passed over.
   [[nodiscard]] std::size_t FindValueEnd(std::size_t index) {
-    if (index < text_.size() && text_[index] == '/') index = kDelimiterSet.Find(text_, index + 1);
+    if (index < text_.size() && text_[index] == '/') index = SkipName(text_, index);
     std::size_t depth = 0;
     for (;;) {
       index = kValueMarks.Find(text_, index);
@@ -229,7 +223,7 @@ std::int32_t PdfReader::JoinAndParse(const Table<Line>& lines, std::int32_t firs
     for (std::int32_t i = first; i <= last; ++i) joined += lines[i];
     ParseDictionary(state_.Texts.Keep(TrimBlanks(joined)), 1, firstEntry);
     return firstEntry;
-  } catch (const std::exception&) {
+  } catch (const RuleBroken&) {
     return -1;
   }
 }
@@ -244,7 +238,7 @@ std::int32_t PdfReader::ParseDictionary(std::string_view text, std::int32_t star
 
 std::int32_t PdfReader::ParseDictionaryText(std::string_view text, std::int32_t start,
                                             std::int32_t& firstEntry) {
-  if (start < 1) throw std::invalid_argument("a text position starts at 1");
+  if (start < 1) return -1;
   const std::size_t begin = kWhiteSpaceSet.Skip(text, static_cast<std::size_t>(start) - 1);
   if (begin >= text.size()) return -1;
   std::size_t end = text.size();

@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <utility>
 
-#include "engine/conversions.h"
+#include "engine/lexer.h"
+#include "engine/pass_guard.h"
 
 namespace folioweld {
-
-using namespace Conversions;
 
 namespace {
 
@@ -52,6 +51,8 @@ class OutlineCheck {
     std::string line;
     const std::int32_t code =
         files_.ReadLineFromRandomFile(fileNumber_, position, kLineBuffer, kLineTries, line, false);
+    if (code == kNoLength) Refuse(-1, "the file is longer than 2,147,483,647 bytes");
+    if (code == kBeyondEnd && position == 1) Refuse(0, "the file is empty");
     if (code < 0 && code != kNoLineEnd) Refuse(position - 1, std::string(what) + " cannot be read");
     return line;
   }
@@ -77,7 +78,6 @@ class OutlineCheck {
 
   void CheckTail() {
     const std::int32_t length = files_.FileLength(fileNumber_);
-    if (length < 0) Refuse(-1, "the file is too long or its length cannot be had");
     if (length < kTailSize) Refuse(length, "the file is shorter than 40 bytes");
     const std::int32_t tailOffset = length - kTailSize;
     std::string tail;
@@ -89,12 +89,11 @@ class OutlineCheck {
     const std::size_t startXref = tail.find(kStartXref);
     if (startXref == std::string::npos) Refuse(tailOffset, "no \"startxref\" stands in the last 40 bytes");
     const std::size_t numberStart = startXref + kStartXref.size();
-    std::int16_t digits = 0;
     // The first of each counts, so "%%EOF" can stand first: then there is nothing between them.
     const std::string between =
         endOfFile < numberStart ? "" : tail.substr(numberStart, endOfFile - numberStart);
-    xrefOffset_ = ParseLeadingNumber(between, digits);
-    if (digits == 0) {
+    xrefOffset_ = NumberOf(FirstWord(between, kWhiteSpaceSet));
+    if (xrefOffset_ < 0) {
       Refuse(tailOffset + static_cast<std::int64_t>(startXref),
              "no number stands between \"startxref\" and \"%%EOF\"");
     }
@@ -106,9 +105,8 @@ class OutlineCheck {
     const std::size_t last = tail.rfind(kStartXref);
     if (last == first) return;
     const std::size_t numberStart = last + kStartXref.size();
-    std::int16_t digits = 0;
-    const std::size_t end = tail.find(kEndOfFile, numberStart);
-    if (ParseLeadingNumber(tail.substr(numberStart, end - numberStart), digits) == xrefOffset_) return;
+    const std::string_view rest = std::string_view(tail).substr(numberStart);
+    if (NumberOf(FirstWord(rest.substr(0, rest.find(kEndOfFile)), kWhiteSpaceSet)) == xrefOffset_) return;
     outline_.OtherStartXref = tailOffset + static_cast<std::int32_t>(last);
   }
 
@@ -125,7 +123,7 @@ class OutlineCheck {
     std::int32_t start = xrefOffset_ + static_cast<std::int32_t>(kXref.size());
     // Each of the next two bytes may be a carriage return or a line feed, in any order.
     for (std::size_t i = kXref.size(); i < bytes.size(); ++i) {
-      if (bytes[i] == '\r' || bytes[i] == '\n') start = CheckedAdd(start, 1);
+      if (kLineEndSet.Has(bytes[i])) start = CheckedAdd(start, 1);
     }
     outline_.XrefStart = start;
   }
@@ -144,17 +142,12 @@ void CheckDocumentStructure(MergeState& state, FileModule& files, std::int16_t f
   result = -1;
   why = {};
   Outline outline;
-  try {
+  const bool accepted = RunGuarded(why, recorded ? slot : std::int16_t{0}, [&] {
     OutlineCheck(files, fileNumber, outline).Run();
-    result = outline.XrefStart;
-  } catch (const RuleBroken& broken) {
-    why = broken.Failure();
-  } catch (const std::exception& error) {
-    why.Rule = error.what();
-  }
+    return true;
+  });
+  if (accepted) result = outline.XrefStart;
   if (recorded) {
-    const bool accepted = result > 0;
-    why.DocumentSlot = accepted ? std::int16_t{0} : slot;
     state.DocXrefStart(slot) = result;
     state.DocOtherStartXref(slot) = outline.OtherStartXref;
     state.DocHeader(slot) = accepted ? outline.Header + "\r" : std::string();

@@ -6,7 +6,7 @@
 #include <limits>
 
 #include "engine/activity_log.h"
-#include "engine/line_ends.h"
+#include "engine/lexer.h"
 #include "engine/open_file.h"
 
 namespace folioweld {
@@ -43,8 +43,8 @@ std::int32_t FileModule::ReadLineChunk(std::int16_t fileNumber, std::int32_t pos
   std::string_view bytes;
   std::int32_t code = ViewUpTo(fileNumber, position, bufferSize, bytes);
   if (code < 0) return code;
-  const std::size_t first = SkipLineEnds(bytes);
-  const std::size_t end = FindLineEnd(bytes, first);
+  const std::size_t first = kLineEndSet.Skip(bytes, 0);
+  const std::size_t end = kLineEndSet.Find(bytes, first);
   const std::int64_t start = position + static_cast<std::int64_t>(first);
   // Behind the line ends at the end of the longest file there is no position any more.
   if (start > std::numeric_limits<std::int32_t>::max()) return kBeyondEnd;
@@ -58,7 +58,7 @@ std::int32_t FileModule::ContinueLine(std::int16_t fileNumber, std::int64_t posi
   std::string_view bytes;
   std::int32_t code = ViewUpTo(fileNumber, position, bufferSize, bytes);
   if (code < 0) return code;
-  const std::size_t end = FindLineEnd(bytes, 0);
+  const std::size_t end = kLineEndSet.Find(bytes, 0);
   line.append(bytes.substr(0, end));
   return end < bytes.size() ? 0 : static_cast<std::int32_t>(kNoLineEnd);
 }

@@ -9,7 +9,7 @@
 
 #include "engine/file_module.h"
 #include "engine/input_buffer.h"
-#include "engine/line_ends.h"
+#include "engine/lexer.h"
 
 namespace folioweld {
 
@@ -28,8 +28,8 @@ class LineCursor {
   [[nodiscard]] bool Next() {
     const std::string_view bytes =
         window_ == nullptr ? std::string_view() : window_->AtHand(std::int64_t{next_} - 1, kBufferSize);
-    const std::size_t first = SkipLineEnds(bytes);
-    const std::size_t end = FindLineEnd(bytes, first);
+    const std::size_t first = kLineEndSet.Skip(bytes, 0);
+    const std::size_t end = kLineEndSet.Find(bytes, first);
     if (end < bytes.size()) {
       Line = bytes.substr(first, end - first);
       code_ = next_ + static_cast<std::int32_t>(first);

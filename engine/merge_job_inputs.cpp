@@ -104,7 +104,7 @@ void MergeJob::ReadOneInput(std::int16_t slot, bool& ok) {
 
 void MergeJob::ReadXrefChain(std::int16_t slot, bool& ok) {
   ok = RunGuarded(state_, slot, [&] {
-    WalkXrefChain(state_, shell_, reader_, slot);
+    WalkXrefChain(state_, files_, shell_, reader_, slot);
     return true;
   });
 }

@@ -9,7 +9,8 @@ namespace folioweld {
 
 bool MergeJob::BuildOutput() {
   PdfBuilder builder(state_, files_, shell_);
-  if (builder.BuildOutputPasses1And2() && builder.PastePageCatalogs()) return true;
+  if (builder.BuildOutputPasses1And2() && builder.PastePageCatalogs() && builder.CheckLineLimit())
+    return true;
   // Of the building passes, only pass #2 shows by itself how it ended.
   if (!shell_.StatusText(2).ends_with(OutcomeText(false) + "\r\n")) ShowOutcome(false);
   return false;

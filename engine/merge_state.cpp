@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "engine/conversions.h"
+#include "engine/lexer.h"
 
 namespace folioweld {
 
@@ -11,7 +11,7 @@ namespace {
 /// The number after "%PDF-", read as far as it is one, as whole and fractional digits: 1.10 is 1.1.
 double VersionOf(const std::string& header) {
   if (header.size() <= 5) return 0;
-  return Conversions::LenientNumber(std::string_view(header).substr(5));
+  return LenientNumber(std::string_view(header).substr(5));
 }
 
 void ChooseOutputHeader(MergeState& state) {
@@ -24,9 +24,9 @@ void ChooseOutputHeader(MergeState& state) {
     header = state.DocHeader(1);
     secondLine = state.DocSecondLine(1);
   }
-  state.DocHeader(3) = Conversions::TrimRightBlanks(header);
+  state.DocHeader(3) = TrimRightBlanks(header);
   state.DocHeader(3) += '\r';
-  state.DocSecondLine(3) = Conversions::TrimRightBlanks(secondLine);
+  state.DocSecondLine(3) = TrimRightBlanks(secondLine);
   state.DocSecondLine(3) += "\r\n";
 }
 

@@ -22,11 +22,14 @@ enum ObjectState : std::int32_t {
   kListed = 3          ///< listed by a cross-reference section, not located; written as a free entry
 };
 
+/// The generation that marks a free slot, in inputs and in the output.
+inline constexpr std::int32_t kFreeGeneration = 65535;
+
 /// One object slot of an input. Its index in `MergeState::Objects` is its number in the output.
 struct ObjectEntry {
   std::int32_t ObjNumber = 0;    ///< number in the object header of the input
   std::int32_t OutOffset = -1;   ///< 0-based; the input offset until the writer sets the output offset
-  std::int32_t Generation = -1;  ///< in the output 65535 for a free entry
+  std::int32_t Generation = -1;  ///< in the output `kFreeGeneration` for a free entry
   char EntryType = '\0';         ///< cross-reference keyword, "n" or "f"; '\0' = empty
   std::uint8_t DocNo = 1;        ///< slot (1 or 2) whose file holds the stream
   std::int32_t ObjState = kNoObject;

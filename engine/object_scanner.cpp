@@ -2,34 +2,23 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <utility>
 
-#include "engine/character_set.h"
-#include "engine/conversions.h"
+#include "engine/lexer.h"
 #include "engine/line_cursor.h"
 #include "engine/pass_guard.h"
 #include "engine/pdf_reader.h"
-#include "engine/pdf_scanner.h"
 
 namespace folioweld {
-
-using namespace Conversions;
 
 namespace {
 
 constexpr std::string_view kStream = "stream";
 constexpr std::string_view kEndObject = "endobj";
-/// The generation that marks a free slot.
-constexpr std::int32_t kFreeGeneration = 65535;
 /// Objects between two changes of the status line.
 constexpr std::int32_t kObjectsPerCaption = 100;
 /// An arbitrary fixed number that marks the filler object in the second input's slot 0.
 constexpr std::string_view kFillerLine = "19540716\r";
-/// Objects stand beside each other in a file, so their texts cannot be much longer than the file; only
-/// objects that run into each other again and again can, and those would cost the square of its length.
-constexpr std::int64_t kTextAllowance = 16 * 1024 * 1024;
-constexpr std::int64_t kTextPerByte = 4;
 
 /// The last character is compared first: of most lines it is another one.
 bool EndsWith(std::string_view text, std::string_view end) {
@@ -44,31 +33,6 @@ std::string HeaderLine(std::int32_t number, std::int32_t generation) {
   line += DecimalDigits(generation).View();
   line += " obj\r";
   return line;
-}
-
-/// Index behind the number's digits at `index`, written without anything in front; 0 when others stand there.
-std::size_t SkipNumber(std::string_view text, std::size_t index, std::int32_t number) {
-  const std::size_t start = index;
-  std::int64_t value = 0;
-  // A digit more than the longest number has settles the matter.
-  while (index < text.size() && kDigitSet.Has(text[index]) && index - start < 11) {
-    value = value * 10 + (text[index] - '0');
-    ++index;
-  }
-  const bool leadingZero = index - start > 1 && text[start] == '0';
-  return index > start && value == number && !leadingZero ? index : 0;
-}
-
-/// Length of the header with which the text begins when it is written as `HeaderLine` writes it, as nearly
-/// every one is; 0 when it is not.
-std::size_t UsualHeaderLength(std::string_view text, std::int32_t number, std::int32_t generation) {
-  constexpr std::string_view kKeyword = " obj";
-  const std::size_t behindNumber = SkipNumber(text, 0, number);
-  if (behindNumber == 0 || behindNumber == text.size() || text[behindNumber] != ' ') return 0;
-  const std::size_t behindGeneration = SkipNumber(text, behindNumber + 1, generation);
-  const std::size_t end = behindGeneration + kKeyword.size();
-  if (behindGeneration == 0 || end >= text.size() || !kDelimiterSet.Has(text[end])) return 0;
-  return std::memcmp(text.data() + behindGeneration, kKeyword.data(), kKeyword.size()) == 0 ? end : 0;
 }
 
 /// What ends the text of an object.
@@ -88,7 +52,7 @@ class ObjectScan {
         slot_(slot),
         fileNumber_(state.DocFileNumber(slot)),
         start_(slot == 2 ? state.DocObjectCount(1) : 0),
-        textLeft_(kTextAllowance + kTextPerByte * files.FileLength(fileNumber_)),
+        textLeft_(ByteAllowance(files.FileLength(fileNumber_))),
         captionPrefix_(shell.StatusText(slot - 1)),
         lines_(files, fileNumber_, 1) {}
 
@@ -127,10 +91,9 @@ class ObjectScan {
   void DescribeOrFail(std::int32_t index) {
     try {
       DescribeSlot(index);
-    } catch (const IndexError& error) {
-      Fail(error.what());
-    } catch (const OverflowError& error) {
-      Fail(error.what());
+    } catch (const RuleBroken& broken) {
+      if (broken.Failure().DocumentSlot != 0) throw;
+      Fail(broken.Failure().Rule);
     }
   }
 
@@ -165,36 +128,24 @@ class ObjectScan {
     offset_ = state_.Objects[index].OutOffset;
     const ObjectEnd objectEnd = GatherText(index);
     const std::string_view text = std::string_view(text_).substr(0, text_.size() - 1);
-    std::size_t bodyStart = UsualHeaderLength(text, number_, state_.Objects[index].Generation);
-    // Alone on its line the header is kept as it stands.
-    const bool headerIsLine = bodyStart > 0 && text[bodyStart] == '\r';
-    if (headerIsLine) {
-      ++bodyStart;
-    } else if (bodyStart == 0) {
-      bodyStart = OtherHeaderLength(text);
+    std::int32_t generation = -1;
+    const std::int32_t bodyPosition = ParseObjectHeader(text, 1, number_, generation);
+    if (bodyPosition < 1) {
+      Fail("the object does not begin with its header \"" + std::to_string(number_) + " generation obj\"");
     }
+    const std::size_t bodyStart = static_cast<std::size_t>(bodyPosition) - 1;
     const std::size_t keywordLength = objectEnd.HasStream ? kStream.size() : kEndObject.size();
     // The header's keyword and the closing one may not overlap, as in "1 0 obj" without a body.
     if (text.size() < bodyStart + keywordLength) Fail("the object has no value");
     const std::string_view body = TrimBlanks(text.substr(bodyStart, text.size() - bodyStart - keywordLength));
+    // The closing keyword follows the body and makes room for its end.
     const auto bodyOffset = static_cast<std::size_t>(body.data() - text.data());
-    // At least "endobj" or "stream" follows the body and makes room for its end.
     text_[bodyOffset + body.size()] = objectEnd.HasStream ? '\n' : '\r';
-    const std::string_view kept = state_.Texts.Keep(text.substr(0, bodyOffset + body.size() + 1));
-    const std::string_view header = kept.substr(0, headerIsLine ? bodyStart : 0);
-    StoreLines(index, header, kept.substr(bodyOffset), objectEnd.HasStream);
+    const std::string_view kept = state_.Texts.Keep(text.substr(bodyOffset, body.size() + 1));
+    StoreLines(index, kept, objectEnd.HasStream);
     if (objectEnd.HasStream) LocateStream(index, objectEnd.KeywordOffset);
-    DescribeBody(index, kept.substr(bodyOffset, body.size()));
+    DescribeBody(index, kept.substr(0, body.size()));
     if (objectEnd.HasStream) TakeStreamLength(index);
-  }
-
-  [[nodiscard]] std::size_t OtherHeaderLength(std::string_view text) {
-    std::int32_t generation = -1;
-    const std::int32_t behind = ParseObjectHeader(text, 1, number_, generation);
-    if (behind < 1) {
-      Fail("the object does not begin with its header \"" + std::to_string(number_) + " generation obj\"");
-    }
-    return static_cast<std::size_t>(behind) - 1;
   }
 
   /// Gathers lines in `text_`, each with a carriage return after it, until one ends with "stream" or
@@ -217,7 +168,7 @@ class ObjectScan {
       // The bytes between the lines count, too: they have been read as well.
       const std::int64_t end = lines.Offset() + static_cast<std::int64_t>(lines.Line.size());
       textLeft_ -= end - std::exchange(behind, end);
-      if (textLeft_ < 0) Fail("the objects of the document run into each other");
+      if (textLeft_ < 0) FailForLength(lines.Line);
       const std::string_view line = begun ? TrimRightBlanks(lines.Line) : TrimBlanks(lines.Line);
       if (line.empty()) continue;
       begun = true;
@@ -231,11 +182,18 @@ class ObjectScan {
     }
   }
 
-  /// Both are texts that are kept; an empty header has to be made.
-  void StoreLines(std::int32_t index, std::string_view header, std::string_view body, bool hasStream) {
-    const std::int32_t generation = state_.Objects[index].Generation;
-    const std::int32_t first = header.empty() ? AppendObjLine(state_, HeaderLine(number_, generation))
-                                              : AppendKeptObjLine(state_, header);
+  /// Each object is read to the end of its line, so several on one line are read again and again.
+  [[noreturn]] void FailForLength(std::string_view line) {
+    const bool shared = line.find(kEndObject) < line.size() - kEndObject.size();
+    Fail(shared
+             ? "several objects stand on one line, which are read to its end one after the other; each has "
+               "to end its line"
+             : "the objects of the document run into each other");
+  }
+
+  /// The header is written anew; `body` is a text that is kept.
+  void StoreLines(std::int32_t index, std::string_view body, bool hasStream) {
+    const std::int32_t first = AppendObjLine(state_, HeaderLine(number_, state_.Objects[index].Generation));
     const std::int32_t last = AppendKeptObjLine(state_, body);
     ObjectEntry& entry = state_.Objects[index];
     entry.FirstLine = first;
@@ -267,10 +225,9 @@ class ObjectScan {
       entry.ObjAux = reader_.JoinAndParseDictionary(state_.ObjLines, entry.LastLine, entry.LastLine);
       // The parser ends early on a cancel; what it left out would look like a broken dictionary.
       if (state_.AbortRequested) Fail(kCancelled);
-    } else if (!IsCharInSet(body, 1, kDelimiters)) {
-      std::int16_t digits = 0;
-      const std::int32_t value = ParseDecimalToken(body, digits);
-      if (digits == 0)
+    } else if (body.empty() || !kDelimiterSet.Has(body[0])) {
+      const std::int32_t value = FirstNumberOf(body);
+      if (value < 0)
         Fail("the object's value is neither a plain number, a dictionary, an array, a string nor a name");
       entry.ValueText = state_.Texts.Keep(std::to_string(value));
       entry.ObjState = kPlainNumber;
@@ -286,19 +243,18 @@ class ObjectScan {
     while (row >= 0 && state_.NameEntries[row].NameText != "/Length") row = state_.NameEntries[row].NameId;
     if (row < 0) Fail("the stream's dictionary has no /Length");
     const std::string_view value = TrimBlanks(state_.NameEntries[row].NameValue);
-    std::int16_t digits = 0;
-    const std::int32_t number = ParseDecimalToken(value, digits);
-    if (digits == 0) Fail("the stream's /Length is no number");
+    const std::string_view word = FirstWord(value, kSpaceSet);
+    const std::int32_t number = NumberOf(word);
+    if (number < 0) Fail("the stream's /Length is no number");
     ObjectEntry& entry = state_.Objects[index];
     if (value.back() != 'R') {
       entry.StreamLength = number;
       entry.LengthRefNumber = -1;
       return;
     }
-    std::int16_t generationDigits = 0;
     entry.LengthRefNumber = number;
-    entry.LengthRefGeneration =
-        ParseLeadingNumber(value.substr(static_cast<std::size_t>(digits)), generationDigits);
+    // What is no number counts as generation 0.
+    entry.LengthRefGeneration = std::max(NumberOf(FirstWord(value.substr(word.size()), kWhiteSpaceSet)), 0);
     entry.StreamLength = -1;
     AppendMissingLength(index);
   }
@@ -337,12 +293,11 @@ class ObjectScan {
 
 std::int32_t ParseObjectHeader(std::string_view text, std::int32_t start, std::int32_t expectedNumber,
                                std::int32_t& generation) {
-  NumberPairKeyword found;
-  const std::int32_t behind = ParseNumberPairKeyword(text, start, kObjectKeyword, found);
-  generation = found.SecondNumber;
-  if (found.KeywordIndex < 0 || found.FirstNumber != expectedNumber) return 0;
-  // The keyword may be the last thing in the text.
-  return behind == 0 ? static_cast<std::int32_t>(text.size()) + 1 : behind;
+  if (start < 1) return 0;
+  NumberPair header;
+  const bool found = ReadNumberPair(text, static_cast<std::size_t>(start) - 1, kObjectKeyword, header);
+  generation = found ? header.Generation : -1;
+  return found && header.Number == expectedNumber ? static_cast<std::int32_t>(header.End) + 1 : 0;
 }
 
 bool PdfReader::ScanObjects(std::int16_t slot) {

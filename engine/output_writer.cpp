@@ -1,20 +1,18 @@
 // Output pass #4 of PdfBuilder: the file, byte by byte at explicit positions.
 
 #include <algorithm>
+#include <limits>
 #include <span>
 
-#include "engine/conversions.h"
+#include "engine/lexer.h"
 #include "engine/pass_guard.h"
 #include "engine/pdf_builder.h"
 
 namespace folioweld {
 
-using namespace Conversions;
-
 namespace {
 
 constexpr std::int32_t kBlockSize = 1000;
-constexpr std::int32_t kFreeGeneration = 65535;
 /// Blocks copied between two looks at the user's wishes.
 constexpr std::int32_t kBlocksPerYield = 1000;
 
@@ -25,7 +23,12 @@ void PutDigits(std::span<char> places, std::uint32_t value) {
   }
 }
 
-/// Writes the parts of the file one behind the other; a broken rule is raised.
+bool IsWritten(const ObjectEntry& entry) {
+  return entry.ObjState != kNoObject && entry.ObjState != kListed && entry.FirstLine >= 0 &&
+         entry.LastLine >= 0;
+}
+
+/// Writes the parts of the file one after the other; a broken rule is raised.
 class FileWriting {
  public:
   FileWriting(MergeState& state, FileModule& files, PdfBuilder& builder, MergeShell& shell)
@@ -59,11 +62,6 @@ class FileWriting {
 
   void CheckAbort() {
     if (YieldAndCheckAbort(shell_, state_)) throw RuleBroken({3, index_, position_, kCancelled});
-  }
-
-  static bool IsWritten(const ObjectEntry& entry) {
-    return entry.ObjState != kNoObject && entry.ObjState != kListed && entry.FirstLine >= 0 &&
-           entry.LastLine >= 0;
   }
 
   static void MakeFree(ObjectEntry& entry) {
@@ -101,18 +99,12 @@ class FileWriting {
 
   void WriteStream(const ObjectEntry& entry) {
     const std::int16_t input = state_.DocFileNumber(entry.DocNo);
-    if (std::int64_t{entry.StreamStart} + entry.StreamLength > files_.FileLength(input)) {
-      FailStream(entry, "goes beyond the end of the file");
-    }
     if (builder_.CopyStreamBytes(input, entry.StreamStart, entry.StreamLength, position_) < 1) {
       if (state_.AbortRequested) throw RuleBroken({3, index_, position_, kCancelled});
-      FailStream(entry, "cannot be copied: " + files_.LastError().Words());
+      throw RuleBroken({entry.DocNo, OwnNumber(entry), entry.StreamStart,
+                        "the stream of " + std::to_string(entry.StreamLength) +
+                            " bytes cannot be copied: " + files_.LastError().Words()});
     }
-  }
-
-  [[noreturn]] void FailStream(const ObjectEntry& entry, const std::string& problem) const {
-    throw RuleBroken({entry.DocNo, OwnNumber(entry), entry.StreamStart,
-                      "the stream of " + std::to_string(entry.StreamLength) + " bytes " + problem});
   }
 
   [[nodiscard]] std::int32_t OwnNumber(const ObjectEntry& entry) const {
@@ -147,9 +139,27 @@ class FileWriting {
 
 }  // namespace
 
-std::int32_t PdfBuilder::WriteOutputFile() {
+bool PdfBuilder::CheckLineLimit() {
+  std::int32_t last = -1;
+  for (std::int32_t i = 1; i < state_.ObjectsTotal; ++i) {
+    if (IsWritten(state_.Objects[i])) last = std::max(last, state_.Objects[i].LastLine);
+  }
+  if (last <= std::numeric_limits<std::int16_t>::max()) return true;
+  ShowCaption();
+  state_.Failure = {3, -1, -1,
+                    "the output would have " + std::to_string(last + 1) +
+                        " lines of objects, two for each, and its writer counts up to 32768: join documents "
+                        "of fewer objects, or fewer documents at a time"};
+  return false;
+}
+
+void PdfBuilder::ShowCaption() {
   shell_.AppendStatusText(2, "Pass #4 of building output file:");
   shell_.AppendStatusText(2, " Write the output file");
+}
+
+std::int32_t PdfBuilder::WriteOutputFile() {
+  ShowCaption();
   std::int32_t length = -1;
   const bool written = RunGuarded(state_, 3, [&] {
     length = FileWriting(state_, files_, *this, shell_).Run();

@@ -1,13 +1,10 @@
 // Output pass #3 of PdfBuilder: one page tree, one catalog, the trailer.
 
-#include "engine/conversions.h"
+#include "engine/lexer.h"
 #include "engine/pass_guard.h"
 #include "engine/pdf_builder.h"
-#include "engine/pdf_scanner.h"
 
 namespace folioweld {
-
-using namespace Conversions;
 
 namespace {
 
@@ -16,7 +13,7 @@ constexpr char kInformationDictionary[] =
     "<<\r/CreationDate (D:20080101010101)\r/ModDate (D:20080101010101)\r/Producer (Folioweld)\r>>\r";
 
 std::string_view TrimDictionaryLine(std::string_view line) {
-  return TrimRightBlanks(TrimCrLf(line));
+  return TrimRightBlanks(kLineEndSet.Trim(line));
 }
 
 struct Reference {
@@ -46,7 +43,7 @@ class PagePasting {
     }
     state_.DocInfoNumber(3) = state_.DocInfoNumber(1);
     MakeTrailer();
-    ReplaceInformation(state_.DocInfoNumber(3));
+    ReplaceInformation(1);
     if (!state_.DocUsed(2)) return;
 
     const std::int32_t count1 = PageCount(1, pages1);
@@ -58,10 +55,7 @@ class PagePasting {
     RedirectCatalog(catalog1, parent);
     Adopt(1, pages1.Number, parent);
     Adopt(2, pages2.Number, parent);
-    if (state_.DocInfoNumber(2) > 0) {
-      state_.DocInfoNumber(2) = CheckedAdd(state_.DocInfoNumber(2), state_.ObjectsInDoc1);
-      ReplaceInformation(state_.DocInfoNumber(2));
-    }
+    ReplaceInformation(2);
   }
 
  private:
@@ -86,7 +80,11 @@ class PagePasting {
   [[nodiscard]] Reference PagesOf(std::int16_t slot, std::int32_t catalog) {
     Reference pages;
     if (!builder_.FindPagesReference(catalog, pages.Number, pages.Generation)) {
-      Fail(slot, catalog, "the catalog has no page tree (/Pages)");
+      Fail(slot, catalog,
+           RootEndsALine(slot)
+               ? "/Root ends a line of the trailer and its value stands on the next, which are "
+                 "joined without a blank between them"
+               : "the catalog has no page tree (/Pages)");
     }
     const std::int32_t first = slot == 1 ? 0 : state_.ObjectsInDoc1;
     const std::int32_t behind = slot == 1 ? state_.ObjectsInDoc1 : state_.ObjectsTotal;
@@ -121,10 +119,24 @@ class PagePasting {
                                " " + Text(state_.Objects[infoSlot].Generation) + " R\r>>\r\nstartxref\r\n";
   }
 
-  void ReplaceInformation(std::int32_t index) {
-    if (index <= 0) return;
-    const ObjectEntry& entry = state_.Objects[index];
-    if (entry.ObjNumber == index && entry.LastLine >= 0) SetLastLine(index, kInformationDictionary);
+  /// The second document's number becomes the one in the output.
+  void ReplaceInformation(std::int16_t slot) {
+    std::int32_t& number = state_.DocInfoNumber(slot);
+    if (number <= 0) return;
+    if (slot == 2) number = CheckedAdd(number, state_.ObjectsInDoc1);
+    const ObjectEntry& entry = state_.Objects[number];
+    if (entry.ObjNumber == number && entry.LastLine >= 0) SetLastLine(number, kInformationDictionary);
+  }
+
+  /// Whether /Root ends a line of one of the document's trailers, so that its number stands on the next one
+  /// and is lost when the lines are joined.
+  [[nodiscard]] bool RootEndsALine(std::int16_t slot) const {
+    const std::int32_t second = state_.PageKidsLast < 0 ? state_.PageKidsCount : state_.PageKidsLast;
+    const std::int32_t end = slot == 1 ? second : state_.PageKidsCount;
+    for (std::int32_t i = slot == 1 ? 0 : second; i < end; ++i) {
+      if (state_.PageKids[i].ends_with("/Root")) return true;
+    }
+    return false;
   }
 
   [[nodiscard]] std::int32_t PageCount(std::int16_t slot, const Reference& pages) {
@@ -181,12 +193,15 @@ class PagePasting {
   MergeShell& shell_;
 };
 
+/// Beside one of these no space is needed.
+constexpr CharacterSet kOpenSet{" \r\n/"};
+
 bool EndsOpen(const std::string& text) {
-  return !text.empty() && std::string_view(" \r\n/").find(text.back()) != std::string_view::npos;
+  return !text.empty() && kOpenSet.Has(text.back());
 }
 
 bool BeginsOpen(std::string_view piece) {
-  return !piece.empty() && std::string_view(" \r\n/").find(piece[0]) != std::string_view::npos;
+  return !piece.empty() && kOpenSet.Has(piece.front());
 }
 
 void AppendPiece(std::string& text, std::string_view piece) {
@@ -220,25 +235,22 @@ bool PdfBuilder::FindPagesReference(std::int32_t catalogSlot, std::int32_t& numb
   reader.ParseDictionary(TrimDictionaryLine(state_.ObjLines[entry.LastLine]), 1, row);
   while (row >= 0 && state_.NameEntries[row].NameText != "/Pages") row = state_.NameEntries[row].NameId;
   if (row < 0) return false;
-  NumberPairKeyword found;
-  static_cast<void>(FindNextReference(state_.NameEntries[row].NameValue, 1, kReferenceKeyword, found));
   // The value itself has to be the reference. One from inside a page tree that stands in the catalog would
   // lead to a part of the pages, and the others would be lost.
-  if (found.KeywordIndex < 0 || found.FirstTokenStart != 1) return false;
-  number = found.FirstNumber;
-  generation = found.SecondNumber;
+  NumberPair pages;
+  if (!ReadNumberPair(state_.NameEntries[row].NameValue, 0, kReferenceKeyword, pages)) return false;
+  number = pages.Number;
+  generation = pages.Generation;
   return true;
 }
 
 std::int32_t PdfBuilder::ResolveIntegerValue(std::string_view text) const {
-  const std::string_view trimmed = TrimBlanks(TrimCrLf(text));
-  std::int16_t digits = 0;
-  const std::int32_t value = ParseDecimalToken(trimmed, digits);
-  if (digits > 0 && static_cast<std::size_t>(digits) == trimmed.size()) return value;
-  NumberPairKeyword found;
-  static_cast<void>(FindNextReference(trimmed, 1, kReferenceKeyword, found));
-  if (found.KeywordIndex < 0 || found.FirstNumber >= state_.ObjectsTotal) return -1;
-  return NumberOfValueText(state_.Objects[found.FirstNumber].ValueText);
+  const std::string_view trimmed = TrimBlanks(text);
+  const std::int32_t value = NumberOf(trimmed);
+  if (value >= 0) return value;
+  NumberPair found;
+  if (!FindReference(trimmed, 0, kReferenceKeyword, found) || found.Number >= state_.ObjectsTotal) return -1;
+  return NumberOf(state_.Objects[found.Number].ValueText);
 }
 
 std::string PdfBuilder::RebuildDictionaryText(std::int32_t firstRow) {

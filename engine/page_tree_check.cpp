@@ -6,13 +6,9 @@
 
 #include "engine/alteration.h"
 #include "engine/alteration_checks.h"
-#include "engine/conversions.h"
-#include "engine/pdf_builder.h"
-#include "engine/pdf_scanner.h"
+#include "engine/lexer.h"
 
 namespace folioweld {
-
-using namespace Conversions;
 
 namespace {
 
@@ -48,22 +44,17 @@ class PageTreeWalk {
   /// A node that stands in the array itself is taken for a page.
   void ReachAll(std::string_view kids, std::int32_t parent) {
     std::size_t direct = kids.find("<<");
-    std::int32_t position = 1;
-    while (position >= 1) {
-      NumberPairKeyword found;
-      const std::int32_t next = FindNextReference(kids, position, kReferenceKeyword, found);
-      const bool isReference = found.KeywordIndex >= 0;
-      const std::size_t start =
-          isReference ? static_cast<std::size_t>(found.FirstTokenStart) - 1 : kids.size();
-      if (direct < start) {
+    std::size_t index = 0;
+    for (;;) {
+      NumberPair found;
+      const bool isReference = FindReference(kids, index, kReferenceKeyword, found);
+      if (direct < (isReference ? found.Start : kids.size())) {
         ++pages_;
-        const std::size_t end = SkipDirect(kids, direct);
-        if (end == kids.size()) return;
-        position = static_cast<std::int32_t>(end) + 1;
-        direct = kids.find("<<", end);
+        index = SkipDirect(kids, direct);
+        direct = kids.find("<<", index);
       } else if (isReference) {
-        Reach(found.FirstNumber, parent);
-        position = next;
+        Reach(found.Number, parent);
+        index = found.End;
       } else {
         return;
       }
@@ -126,13 +117,12 @@ std::int32_t JoinedCount(const ReadInput& input, std::int32_t root) {
   while (row >= 0 && state.NameEntries[row].NameText != "/Count") row = state.NameEntries[row].NameId;
   if (row < 0) return -1;
   const std::string_view value = TrimBlanks(state.NameEntries[row].NameValue);
-  const std::int32_t number = NumberOfValueText(value);
+  const std::int32_t number = NumberOf(value);
   if (number >= 0) return number;
-  NumberPairKeyword found;
-  static_cast<void>(FindNextReference(value, 1, kReferenceKeyword, found));
-  if (found.KeywordIndex < 0) return -1;
-  const std::int32_t index = TableIndexOf(state, found.FirstNumber, input.Slot);
-  return index <= state.Objects.UpperBound() ? NumberOfValueText(state.Objects[index].ValueText) : -1;
+  NumberPair found;
+  if (!FindReference(value, 0, kReferenceKeyword, found)) return -1;
+  const std::int32_t index = TableIndexOf(state, found.Number, input.Slot);
+  return index <= state.Objects.UpperBound() ? NumberOf(state.Objects[index].ValueText) : -1;
 }
 
 }  // namespace

@@ -19,8 +19,7 @@ struct PassFailure {
   [[nodiscard]] std::string Sentence(const std::string& documentName) const;
 };
 
-/// Raised where a rule is broken, inside the engine only; the procedure that promises not to let an error
-/// out catches it.
+/// Raised where a rule is broken. It stays inside the engine: every pass catches it (`RunGuarded`).
 class RuleBroken : public std::runtime_error {
  public:
   explicit RuleBroken(PassFailure failure);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <exception>
 #include <new>
 #include <utility>
 
@@ -10,21 +9,26 @@
 
 namespace folioweld {
 
-/// Runs a step that may raise a broken rule, an index outside a table, an overflow or exhausted memory, and
-/// turns each into false with the reason in `MergeState::Failure`. A reason already left by the step stays.
+/// Runs a step that may raise a broken rule or run out of memory, and turns either into false with the reason
+/// in `failure`, told of the document in `slot` when the rule names none. A step that returns false leaves
+/// its reason itself.
 template <typename Step>
-[[nodiscard]] bool RunGuarded(MergeState& state, std::int16_t slot, Step step) {
+[[nodiscard]] bool RunGuarded(PassFailure& failure, std::int16_t slot, Step step) {
   try {
     return std::forward<Step>(step)();
   } catch (const RuleBroken& broken) {
-    state.Failure = broken.Failure();
-    if (state.Failure.DocumentSlot == 0) state.Failure.DocumentSlot = slot;
+    failure = broken.Failure();
+    if (failure.DocumentSlot == 0) failure.DocumentSlot = slot;
   } catch (const std::bad_alloc&) {
-    state.Failure = {slot, -1, -1, "out of memory"};
-  } catch (const std::exception& error) {
-    state.Failure = {slot, -1, -1, error.what()};
+    failure = {slot, -1, -1, "out of memory"};
   }
   return false;
+}
+
+/// The same with the reason in the merge's state.
+template <typename Step>
+[[nodiscard]] bool RunGuarded(MergeState& state, std::int16_t slot, Step step) {
+  return RunGuarded(state.Failure, slot, std::forward<Step>(step));
 }
 
 }  // namespace folioweld

@@ -41,6 +41,10 @@ class PdfBuilder {
   /// Writes parsed keys back as a dictionary's text; empty for a row outside the table and on a cancel.
   [[nodiscard]] std::string RebuildDictionaryText(std::int32_t firstRow);
 
+  /// Whether the writer's 16-bit line indices suffice, so that the output is not opened in vain. When they do
+  /// not, the caption of pass #4 is shown.
+  [[nodiscard]] bool CheckLineLimit();
+
   /// Pass #4: writes the output to file number `DocFileNumber`(3). Returns its length in bytes, -1 on
   /// failure.
   [[nodiscard]] std::int32_t WriteOutputFile();
@@ -56,6 +60,7 @@ class PdfBuilder {
                                              std::int32_t length, std::int32_t& position);
 
  private:
+  void ShowCaption();
   /// False on a cancel.
   [[nodiscard]] bool AppendDictionary(std::int32_t firstRow, std::string& text);
   void ShiftLine(std::string_view& line);
@@ -65,8 +70,5 @@ class PdfBuilder {
   MergeShell& shell_;
   std::string shifted_;  ///< the line that is being renumbered; used again for the next one
 };
-
-/// A number object's value as text, converted to a number; -1 when it is none.
-[[nodiscard]] std::int32_t NumberOfValueText(std::string_view valueText);
 
 }  // namespace folioweld

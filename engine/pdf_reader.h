@@ -13,6 +13,13 @@ namespace folioweld {
 /// The program's own ceiling on object numbers per document.
 inline constexpr std::int32_t kMostObjects = 350000;
 
+/// How many bytes the objects, the streams or the cross-reference sections of a document may have together.
+/// They stand beside each other in the file, so only such as claim the same bytes again and again have much
+/// more than it, and those would cost the square of its length or fill the disk out of a few bytes.
+[[nodiscard]] constexpr std::int64_t ByteAllowance(std::int32_t fileLength) {
+  return std::int64_t{16} * 1024 * 1024 + std::int64_t{4} * fileLength;
+}
+
 /// Summary of one cross-reference section and its trailer.
 struct XrefSectionInfo {
   std::int32_t FirstObject = -1;

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <string>
 
-#include "engine/character_set.h"
-#include "engine/pdf_scanner.h"
+#include "engine/hex_digits.h"
+#include "engine/lexer.h"
 
 namespace folioweld {
 
@@ -12,12 +12,6 @@ namespace {
 
 /// White space to others, and part of a token here.
 constexpr CharacterSet kFurtherWhiteSpace{std::string_view("\t\f\0", 3)};
-
-int HexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  const char small = static_cast<char>(c | 0x20);
-  return small >= 'a' && small <= 'f' ? small - 'a' + 10 : -1;
-}
 
 const ObjectEntry* FindEntry(const MergeState& state, std::int16_t slot, std::int32_t number) {
   if (number < 0 || number >= state.DocObjectCount(slot)) return nullptr;
@@ -71,13 +65,12 @@ ReadObject::ReadObject(const ReadInput& input, std::int32_t number)
   text_ = state_.ObjLines[entry_->LastLine];
   if (!IsDictionary()) return;
   const bool asOthersDo = kFurtherWhiteSpace.Find(text_, 0) == text_.size();
-  firstRow_ = asOthersDo ? entry_->ObjAux : ParseAsOthersDo(input, Conversions::TrimBlanks(text_));
+  firstRow_ = asOthersDo ? entry_->ObjAux : ParseAsOthersDo(input, TrimBlanks(text_));
 }
 
 std::int32_t ReferencedNumber(std::string_view text) {
-  NumberPairKeyword found;
-  static_cast<void>(FindNextReference(text, 1, kReferenceKeyword, found));
-  return found.KeywordIndex >= 0 && found.FirstTokenStart == 1 ? found.FirstNumber : -1;
+  NumberPair found;
+  return ReadNumberPair(text, 0, kReferenceKeyword, found) ? found.Number : -1;
 }
 
 }  // namespace folioweld

@@ -1,39 +1,25 @@
 // Output passes #1 and #2 of PdfBuilder: missing lengths and new object numbers.
 
 #include "engine/alteration_checks.h"
-#include "engine/conversions.h"
+#include "engine/lexer.h"
 #include "engine/pass_guard.h"
 #include "engine/pdf_builder.h"
-#include "engine/pdf_scanner.h"
 
 namespace folioweld {
 
-using namespace Conversions;
-
 namespace {
 
-/// Gives `append` the line piece by piece, with `offset` added to the object number of every reference and
-/// object header in it.
-template <typename Append>
-void AppendShifted(std::string_view line, std::int32_t offset, Append append) {
-  const auto length = static_cast<std::int32_t>(line.size());
+/// Appends the line to `text`, with `offset` added to the object number of every reference and object header
+/// in it.
+void AppendShifted(std::string_view line, std::int32_t offset, std::string& text) {
   std::size_t copied = 0;
-  std::int32_t position = 1;
-  // A reference takes five characters at least, so none begins in the last four.
-  while (position >= 1 && position <= length - 4) {
-    NumberPairKeyword found;
-    const std::int32_t next = FindNextReference(line, position, kObjectOrReference, found);
-    if (found.KeywordIndex >= 0) {
-      const auto start = static_cast<std::size_t>(found.FirstTokenStart) - 1;
-      append(line.substr(copied, start - copied));
-      append(DecimalDigits(CheckedAdd(found.FirstNumber, offset)).View());
-      copied = start + static_cast<std::size_t>(found.DigitCount);
-    }
-    // A match that ends with the text has no position behind it: the search is over.
-    if (next == 0) break;
-    position = next;
+  NumberPair found;
+  while (FindReference(line, found.End, kObjectOrReference, found)) {
+    text += line.substr(copied, found.Start - copied);
+    text += DecimalDigits(CheckedAdd(found.Number, offset)).View();
+    copied = found.NumberEnd;
   }
-  append(line.substr(copied));
+  text += line.substr(copied);
 }
 
 /// Number of the object in its own document.
@@ -56,7 +42,7 @@ void ResolveLength(MergeState& state, const MissingLength& row) {
          ", which does not exist");
   }
   const ObjectEntry& length = state.Objects[row.LengthObjIndex];
-  const std::int32_t value = NumberOfValueText(length.ValueText);
+  const std::int32_t value = NumberOf(length.ValueText);
   if (value < 0) {
     fail("the stream's /Length refers to object " + std::to_string(row.LengthObjNumber) +
          ", which is no number of 0 or more");
@@ -68,29 +54,27 @@ void ResolveLength(MergeState& state, const MissingLength& row) {
   stream.StreamLength = value;
 }
 
-/// Streams stand beside each other in a file. Only streams that claim the same bytes again and again can be
-/// much longer together than the file is, and copying those would fill the disk out of a few bytes.
+/// Fails for a stream that is not in its file as a whole, and for streams that claim the same bytes again and
+/// again: neither may be found out while the output is being written.
 void CheckStreams(const MergeState& state, const FileModule& files, std::int16_t slot, std::int32_t first,
-                  std::int32_t behind) {
-  constexpr std::int64_t kAllowance = 16 * 1024 * 1024;
-  constexpr std::int64_t kStreamPerByte = 4;
+                  std::int32_t end) {
   const std::int32_t length = files.FileLength(state.DocFileNumber(slot));
   if (length < 0) return;
-  std::int64_t left = kAllowance + kStreamPerByte * length;
-  for (std::int32_t i = first; i < behind; ++i) {
+  std::int64_t left = ByteAllowance(length);
+  for (std::int32_t i = first; i < end; ++i) {
     const ObjectEntry& entry = state.Objects[i];
-    if (entry.ObjState == kWithStream) left -= entry.StreamLength;
+    if (entry.ObjState != kWithStream) continue;
+    if (std::int64_t{entry.StreamStart} + entry.StreamLength > length) {
+      throw RuleBroken(
+          {slot, i - first, entry.StreamStart,
+           "the stream of " + std::to_string(entry.StreamLength) + " bytes goes beyond the end of the file"});
+    }
+    left -= entry.StreamLength;
     if (left < 0) throw RuleBroken({slot, i - first, -1, "the streams of the document run into each other"});
   }
 }
 
 }  // namespace
-
-std::int32_t NumberOfValueText(std::string_view valueText) {
-  std::int16_t digits = 0;
-  const std::int32_t value = ParseDecimalToken(valueText, digits);
-  return digits > 0 && static_cast<std::size_t>(digits) == valueText.size() ? value : -1;
-}
 
 PdfBuilder::PdfBuilder(MergeState& state, FileModule& files, MergeShell& shell)
     : state_(state), files_(files), shell_(shell) {}
@@ -140,15 +124,14 @@ bool PdfBuilder::RenumberSecondInput() {
 /// The old text stays where it is: the keys of its dictionary point into it.
 void PdfBuilder::ShiftLine(std::string_view& line) {
   shifted_.clear();
-  AppendShifted(TrimBlanks(line), state_.ObjectsInDoc1, [&](std::string_view piece) { shifted_ += piece; });
+  AppendShifted(TrimBlanks(line), state_.ObjectsInDoc1, shifted_);
   shifted_ += '\r';
   line = state_.Texts.Keep(shifted_);
 }
 
 std::string PdfBuilder::ShiftObjectReferences(std::string_view line) const {
   std::string shifted;
-  shifted.reserve(line.size() + 32);
-  AppendShifted(line, state_.ObjectsInDoc1, [&](std::string_view piece) { shifted += piece; });
+  AppendShifted(line, state_.ObjectsInDoc1, shifted);
   return shifted;
 }
 

@@ -2,12 +2,13 @@
 
 #include <cstddef>
 
+#include "engine/hex_digits.h"
+
 namespace folioweld {
 
 namespace {
 
 constexpr std::string_view kGroup = "[Settings]";
-constexpr std::string_view kHexDigits = "0123456789ABCDEF";
 
 /// Takes the next line, with its line feed, off the front.
 std::string_view TakeLine(std::string_view& rest) {
@@ -55,13 +56,6 @@ std::string Escape(std::string_view value) {
     }
   }
   return text;
-}
-
-int HexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  return -1;
 }
 
 /// Reads the escape after a backslash and returns how many characters it takes; 0 when it is none.

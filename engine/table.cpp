@@ -6,9 +6,9 @@
 namespace folioweld {
 
 IndexError::IndexError(std::int32_t index)
-    : std::out_of_range("index " + std::to_string(index) + " lies outside its table"), index_(index) {}
+    : RuleBroken({0, -1, -1, "index " + std::to_string(index) + " lies outside its table"}) {}
 
-OverflowError::OverflowError() : std::overflow_error("a count or position is too large") {}
+OverflowError::OverflowError() : RuleBroken({0, -1, -1, "a count or position is too large"}) {}
 
 std::int16_t CheckedInt16(std::int32_t value) {
   if (value < std::numeric_limits<std::int16_t>::min() || value > std::numeric_limits<std::int16_t>::max()) {

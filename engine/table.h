@@ -6,24 +6,21 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory_resource>
-#include <stdexcept>
 #include <utility>
 #include <vector>
+
+#include "engine/pass_failure.h"
 
 namespace folioweld {
 
 /// An index lies outside its table. The pass that used the index fails.
-class IndexError : public std::out_of_range {
+class IndexError : public RuleBroken {
  public:
   explicit IndexError(std::int32_t index);
-  [[nodiscard]] std::int32_t Index() const { return index_; }
-
- private:
-  std::int32_t index_;
 };
 
 /// A count or position no longer fits its integer. The pass that computed it fails.
-class OverflowError : public std::overflow_error {
+class OverflowError : public RuleBroken {
  public:
   OverflowError();
 };

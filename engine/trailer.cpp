@@ -1,25 +1,22 @@
 // Trailers: PdfReader::ReadTrailerDictionary.
 
-#include "engine/conversions.h"
+#include "engine/lexer.h"
 #include "engine/pdf_reader.h"
 
 namespace folioweld {
-
-using namespace Conversions;
 
 namespace {
 
 /// The value's first word, when it is a number.
 void TakeNumber(std::string_view value, std::int32_t& field) {
-  std::int16_t digits = 0;
-  const std::int32_t number = ParseDecimalToken(value, digits);
-  if (digits > 0) field = number;
+  const std::int32_t number = FirstNumberOf(value);
+  if (number >= 0) field = number;
 }
 
 /// The object number of a value that ends in "R"; the generation is ignored.
 void TakeReference(std::string_view value, std::int32_t& field) {
-  const std::string_view text = TrimSpaces(value);
-  if (text.size() > 2 && text.back() == 'R') TakeNumber(TrimSpaces(text.substr(0, text.size() - 1)), field);
+  const std::string_view text = kSpaceSet.Trim(value);
+  if (text.size() > 2 && text.back() == 'R') TakeNumber(text.substr(0, text.size() - 1), field);
 }
 
 bool BeginsWith(std::string_view key, std::string_view name) {

@@ -5,11 +5,9 @@
 
 #include "engine/alteration.h"
 #include "engine/alteration_checks.h"
-#include "engine/conversions.h"
+#include "engine/lexer.h"
 
 namespace folioweld {
-
-using namespace Conversions;
 
 namespace {
 
@@ -21,12 +19,6 @@ std::string TrailerText(const MergeState& state, const XrefSectionInfo& section)
     text.append(state.PageKids[i]).append("\n");
   }
   return text;
-}
-
-std::int32_t NumberAt(std::string_view value) {
-  std::int16_t digits = 0;
-  const std::int32_t number = ParseDecimalToken(value, digits);
-  return digits > 0 ? number : -1;
 }
 
 void Note(const ReadInput& input, const XrefSectionInfo& section, AlterationKind kind, const char* detail) {
@@ -44,14 +36,14 @@ void Compare(const ReadInput& input, const XrefSectionInfo& section, std::int32_
   const std::int32_t information = section.TrailerInfo;
   // Without one nothing is replaced.
   const bool isReplaced = information > 0 && information < state.DocObjectCount(input.Slot);
-  if (isNewest) compare("/Size", section.TrailerSize, NumberAt(value("/Size")));
+  if (isNewest) compare("/Size", section.TrailerSize, FirstNumberOf(value("/Size")));
   if (state.DocRootNumber(input.Slot) == -1) {
     compare("/Root", section.TrailerRoot, ReferencedNumber(value("/Root")));
   }
   if (state.DocInfoNumber(input.Slot) == -1 && isReplaced) {
     compare("/Info", information, ReferencedNumber(value("/Info")));
   }
-  compare("/Prev", section.TrailerPrev, NumberAt(value("/Prev")));
+  compare("/Prev", section.TrailerPrev, FirstNumberOf(value("/Prev")));
 }
 
 }  // namespace

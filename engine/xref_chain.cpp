@@ -1,12 +1,12 @@
 #include "engine/xref_chain.h"
 
 #include <algorithm>
-#include <iterator>
-#include <map>
+#include <set>
 #include <string>
 #include <utility>
 
 #include "engine/alteration_checks.h"
+#include "engine/lexer.h"
 
 namespace folioweld {
 
@@ -14,8 +14,13 @@ namespace {
 
 class ChainWalk {
  public:
-  ChainWalk(MergeState& state, MergeShell& shell, PdfReader& reader, std::int16_t slot)
-      : state_(state), shell_(shell), reader_(reader), slot_(slot) {}
+  ChainWalk(MergeState& state, const FileModule& files, MergeShell& shell, PdfReader& reader,
+            std::int16_t slot)
+      : state_(state),
+        shell_(shell),
+        reader_(reader),
+        slot_(slot),
+        bytesLeft_(ByteAllowance(files.FileLength(state.DocFileNumber(slot)))) {}
 
   void Run() {
     while (state_.DocXrefStart(slot_) >= 1) {
@@ -51,22 +56,25 @@ class ChainWalk {
     if (state_.AbortRequested) Fail(kCancelled);
   }
 
-  /// Sections stand beside each other; one that begins within another was read before, and following it
-  /// would never end.
+  /// To follow a section that was read before would never end. Sections may overlap otherwise, as long as
+  /// they do not make the same bytes be read again and again.
   void ClaimBytes(const XrefSectionInfo& info) {
-    auto next = sections_.upper_bound(info.FirstByte);
-    const bool overlapsNext = next != sections_.end() && next->first <= info.LastByte;
-    const bool overlapsPrevious = next != sections_.begin() && std::prev(next)->second >= info.FirstByte;
-    if (overlapsNext || overlapsPrevious) {
+    if (!sections_.insert(info.FirstByte).second) {
       Fail("/Prev leads to a cross-reference section that was read already", info.FirstByte);
     }
-    sections_.emplace_hint(next, info.FirstByte, info.LastByte);
+    bytesLeft_ -= info.LastByte - info.FirstByte;
+    if (bytesLeft_ < 0) {
+      Fail("the cross-reference sections of the document run into each other", info.FirstByte);
+    }
   }
 
   void TakeNewestSize(const XrefSectionInfo& info) {
     if (slot_ == 2) state_.PageKidsLast = info.TrailerFirstLine;
     if (info.TrailerEntry < 0) {
-      Fail("no dictionary follows the cross-reference table (tables of several subsections are not handled)",
+      Fail(CommentFollowsTrailer(info)
+               ? "a comment follows the trailer's dictionary, which has to end with \">>\""
+               : "no dictionary follows the cross-reference table (tables of several subsections are not "
+                 "handled)",
            info.FirstByte);
     }
     if (info.TrailerSize <= 0) Fail("the newest trailer gives no /Size above 0", info.FirstByte);
@@ -78,28 +86,48 @@ class ChainWalk {
     if (!reader_.GrowObjectTable(slot_)) Fail("the object table cannot grow");
   }
 
+  /// Whether the text of the trailer is a dictionary but for a comment after its end.
+  [[nodiscard]] bool CommentFollowsTrailer(const XrefSectionInfo& info) const {
+    if (TrimBlanks(state_.PageKids[info.TrailerFirstLine]).substr(0, 2) != "<<") return false;
+    bool comment = false;
+    for (std::int32_t i = info.TrailerLastLine; i >= info.TrailerFirstLine; --i) {
+      const std::string_view line = TrimBlanks(state_.PageKids[i]);
+      const std::size_t end = line.rfind(">>");
+      if (end != std::string_view::npos) {
+        const std::string_view rest = TrimBlanks(line.substr(end + 2));
+        return rest.empty() ? comment : rest[0] == '%';
+      }
+      if (!line.empty() && line[0] != '%') return false;
+      comment = true;
+    }
+    return false;
+  }
+
   void Store(const XrefSectionInfo& info, std::int32_t section) {
-    StoreIn(state_.TrailerEntry, section, info.TrailerEntry);
-    StoreIn(state_.TrailerFirstLine, section, info.TrailerFirstLine);
-    StoreIn(state_.TrailerLastLine, section, info.TrailerLastLine);
-    StoreIn(state_.TrailerSize, section, info.TrailerSize);
-    StoreIn(state_.TrailerRoot, section, info.TrailerRoot);
-    StoreIn(state_.TrailerInfo, section, info.TrailerInfo);
-    StoreIn(state_.TrailerPrev, section, info.TrailerPrev);
-    StoreIn(state_.TrailerEncrypt, section, info.TrailerEncrypt);
-    state_.TrailerId.Grow(section);
+    MakeRoom(section);
+    state_.TrailerEntry(slot_, section) = info.TrailerEntry;
+    state_.TrailerFirstLine(slot_, section) = info.TrailerFirstLine;
+    state_.TrailerLastLine(slot_, section) = info.TrailerLastLine;
+    state_.TrailerSize(slot_, section) = info.TrailerSize;
+    state_.TrailerRoot(slot_, section) = info.TrailerRoot;
+    state_.TrailerInfo(slot_, section) = info.TrailerInfo;
+    state_.TrailerPrev(slot_, section) = info.TrailerPrev;
+    state_.TrailerEncrypt(slot_, section) = info.TrailerEncrypt;
     state_.TrailerId(slot_, section) = info.TrailerId;
   }
 
-  void StoreIn(SectionTable<std::int32_t>& table, std::int32_t section, std::int32_t value) {
-    const std::int32_t old = table.UpperBound();
-    if (section > old) {
-      table.Grow(section);
-      // A growth sets every cell of the document from section 1 on to -1. Those before the last one were
-      // set by the growths before, so only the last ones can differ.
-      for (std::int32_t i = std::max(old, 1); i <= section; ++i) table(slot_, i) = -1;
+  /// A growth sets every number of the document from section 1 on to -1. The cells that an earlier growth of
+  /// this walk has set are not touched again, but for the one that was stored since.
+  void MakeRoom(std::int32_t section) {
+    if (section <= state_.TrailerSize.UpperBound()) return;
+    state_.TrailerId.Grow(section);
+    for (auto* table :
+         {&state_.TrailerEntry, &state_.TrailerFirstLine, &state_.TrailerLastLine, &state_.TrailerSize,
+          &state_.TrailerRoot, &state_.TrailerInfo, &state_.TrailerPrev, &state_.TrailerEncrypt}) {
+      table->Grow(section);
+      for (std::int32_t i = firstStored_; i <= section; ++i) (*table)(slot_, i) = -1;
     }
-    table(slot_, section) = value;
+    firstStored_ = section;
   }
 
   void CheckSizes() const {
@@ -118,13 +146,16 @@ class ChainWalk {
   MergeShell& shell_;
   PdfReader& reader_;
   std::int16_t slot_;
-  std::map<std::int32_t, std::int32_t> sections_;  ///< first and last byte of every section read
+  std::int64_t bytesLeft_;           ///< that sections may still have
+  std::set<std::int32_t> sections_;  ///< first byte of every section read
+  std::int32_t firstStored_ = 1;     ///< cells from here on may hold numbers
 };
 
 }  // namespace
 
-void WalkXrefChain(MergeState& state, MergeShell& shell, PdfReader& reader, std::int16_t slot) {
-  ChainWalk(state, shell, reader, slot).Run();
+void WalkXrefChain(MergeState& state, const FileModule& files, MergeShell& shell, PdfReader& reader,
+                   std::int16_t slot) {
+  ChainWalk(state, files, shell, reader, slot).Run();
 }
 
 }  // namespace folioweld

@@ -1,17 +1,14 @@
 // Cross-reference sections: PdfReader::ReadXrefSection and the object table's growth.
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
-#include "engine/conversions.h"
+#include "engine/lexer.h"
 #include "engine/line_cursor.h"
 #include "engine/pass_guard.h"
 #include "engine/pdf_reader.h"
 
 namespace folioweld {
-
-using namespace Conversions;
 
 namespace {
 
@@ -24,42 +21,23 @@ struct XrefEntry {
   char Type = '\0';
 };
 
-bool StartsWithDigit(std::string_view text) {
-  return !text.empty() && text[0] >= '0' && text[0] <= '9';
-}
-
-/// The value of a field of digits only; -1 for any other, and for one whose value is no offset.
-std::int32_t ParseField(std::string_view field) {
-  std::int64_t value = 0;
-  for (const char c : field) {
-    if (c < '0' || c > '9') return -1;
-    value = value * 10 + (c - '0');
-  }
-  return value < std::numeric_limits<std::int32_t>::max() ? static_cast<std::int32_t>(value) : -1;
-}
-
-/// An entry with one blank between its fields, as nearly every one is. False says nothing about the line.
-bool ParseUsualEntryLine(std::string_view line, XrefEntry& entry) {
-  if (line.size() < 18 || line[10] != ' ' || line[16] != ' ' || line[17] == ' ') return false;
-  entry.Offset = ParseField(line.substr(0, 10));
-  entry.Generation = ParseField(line.substr(11, 5));
-  entry.Type = line[17];
-  return entry.Offset >= 0 && entry.Generation >= 0;
+/// Takes a number of exactly `size` digits and the spaces after it off the front; -1 when none stands there.
+std::int32_t TakeField(std::string_view& line, std::size_t size) {
+  std::size_t end = 0;
+  const std::int32_t value = ReadNumber(line, 0, end);
+  const std::size_t next = kSpaceSet.Skip(line, end);
+  if (end != size || next == end || next == line.size()) return -1;
+  line.remove_prefix(next);
+  return value;
 }
 
 /// "0000000016 00000 n", any keyword character; false for any other line.
 bool ParseEntryLine(std::string_view line, XrefEntry& entry) {
-  std::int16_t digits = 0;
-  if (line.size() < 18 || !StartsWithDigit(line)) return false;
-  entry.Offset = ParseDecimalToken(line, digits);
-  if (digits != 10) return false;
-  const std::string_view rest = TrimSpaces(line.substr(10));
-  if (rest.size() < 7 || !StartsWithDigit(rest)) return false;
-  entry.Generation = ParseDecimalToken(rest, digits);
-  if (digits != 5) return false;
-  const std::string_view keyword = TrimSpaces(rest.substr(5));
-  if (keyword.empty()) return false;
-  entry.Type = keyword[0];
+  entry.Offset = TakeField(line, 10);
+  if (entry.Offset < 0) return false;
+  entry.Generation = TakeField(line, 5);
+  if (entry.Generation < 0) return false;
+  entry.Type = line[0];
   return true;
 }
 
@@ -104,7 +82,7 @@ class SectionReading {
     for (;;) {
       ReadLine("the header of a cross-reference subsection");
       const std::string_view line = TrimBlanks(lines_.Line);
-      if (line.empty() || LeftUntilFirstOf(line, kWhiteSpace, 1) == "xref") continue;
+      if (line.empty() || FirstWord(line, kWhiteSpaceSet) == "xref") continue;
       info_.FirstByte = lines_.Offset();
       return;
     }
@@ -112,16 +90,10 @@ class SectionReading {
 
   void ParseHeader() {
     const std::string_view line = lines_.Line;
-    std::int16_t firstDigits = 0;
-    std::int16_t countDigits = 0;
-    std::int32_t first = -1;
-    std::int32_t count = -1;
-    if (line.size() >= 3 && StartsWithDigit(line)) {
-      first = ParseDecimalToken(line, firstDigits);
-      const std::string_view rest = TrimSpaces(line.substr(static_cast<std::size_t>(firstDigits)));
-      if (firstDigits > 0 && IsAllDigits(rest)) count = ParseDecimalToken(rest, countDigits);
-    }
-    if (countDigits == 0) {
+    const std::size_t firstEnd = kSpaceSet.Find(line, 0);
+    const std::int32_t first = NumberOf(line.substr(0, firstEnd));
+    const std::int32_t count = NumberOf(kSpaceSet.Trim(line.substr(firstEnd)));
+    if (first < 0 || count < 0) {
       Fail(
           "no cross-reference table stands here (two numbers expected; cross-reference streams are not "
           "handled)");
@@ -159,7 +131,7 @@ class SectionReading {
   void ReadEntry(std::int32_t number) {
     ReadLine("a cross-reference entry", number);
     XrefEntry parsed;
-    if (!ParseUsualEntryLine(lines_.Line, parsed) && !ParseEntryLine(lines_.Line, parsed)) {
+    if (!ParseEntryLine(lines_.Line, parsed)) {
       Fail("the cross-reference entry is malformed", number);
     }
     Register(number, parsed);

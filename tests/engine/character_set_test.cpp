@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "engine/lexer.h"
+
 namespace folioweld {
 namespace {
 
@@ -14,10 +16,12 @@ void ExpectSame(const CharacterSet& set, std::string_view members) {
 }
 
 TEST(CharacterSetTest, TheReadersSetsHoldTheirCharactersAndNoOthers) {
-  ExpectSame(kWhiteSpaceSet, Conversions::kWhiteSpace);
-  ExpectSame(kDelimiterSet, Conversions::kDelimiters);
-  ExpectSame(kDelimiterOrEscapeSet, Conversions::kDelimitersWithEscape);
+  ExpectSame(kWhiteSpaceSet, kWhiteSpace);
+  ExpectSame(kDelimiterSet, kDelimiters);
+  ExpectSame(kDelimiterOrEscapeSet, kDelimitersWithEscape);
   ExpectSame(kDigitSet, "0123456789");
+  ExpectSame(kLineEndSet, kLineEnd);
+  ExpectSame(kSpaceSet, " ");
 }
 
 TEST(CharacterSetTest, CharactersAbove127AreMembersLikeAnyOther) {
@@ -36,6 +40,19 @@ TEST(CharacterSetTest, SkipGivesTheFirstOtherCharacterAtOrAfterTheIndex) {
   EXPECT_EQ(kWhiteSpaceSet.Skip(" \r\nx", 0), 3U);
   EXPECT_EQ(kWhiteSpaceSet.Skip("x ", 0), 0U);
   EXPECT_EQ(kWhiteSpaceSet.Skip("x ", 1), 2U);
+}
+
+TEST(CharacterSetTest, TrimmingTakesMembersOffTheEndsOnly) {
+  EXPECT_EQ(kWhiteSpaceSet.TrimRight(" a b \r\n"), " a b");
+  EXPECT_EQ(kWhiteSpaceSet.Trim("\r\n a b "), "a b");
+  EXPECT_EQ(kWhiteSpaceSet.Trim("a"), "a");
+  EXPECT_EQ(kWhiteSpaceSet.Trim(""), "");
+}
+
+TEST(CharacterSetTest, WhatIsLeftOfATextOfMembersPointsToItsBeginning) {
+  const std::string_view text = " \r\n";
+  EXPECT_EQ(kWhiteSpaceSet.Trim(text).data(), text.data());
+  EXPECT_TRUE(kWhiteSpaceSet.Trim(text).empty());
 }
 
 }  // namespace

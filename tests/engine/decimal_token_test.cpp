@@ -1,4 +1,4 @@
-// The one number parser on which offsets, counts, object numbers and generations rest.
+// The number parsers of the interface; every pass reads offsets, counts and numbers with the one below them.
 
 #include <clocale>
 #include <gtest/gtest.h>

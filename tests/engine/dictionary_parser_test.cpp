@@ -128,7 +128,7 @@ TEST_F(DictionaryParserTest, EveryWayOutTakesTheDepthBack) {
     static_cast<void>(Parse(text));
     EXPECT_EQ(State.DictDepth, 0) << text;
   }
-  EXPECT_THROW(static_cast<void>(Parse("<</A 1>>", 0)), std::invalid_argument);
+  EXPECT_EQ(Parse("<</A 1>>", 0), -1);
   EXPECT_EQ(State.DictDepth, 0);
 }
 
@@ -216,9 +216,15 @@ TEST_F(DictionaryParserTest, WhatIsNoDictionaryGivesNoRow) {
   EXPECT_EQ(Join({""}), -1);
 }
 
-TEST_F(DictionaryParserTest, ARaisedErrorGivesMinusOne) {
-  Shell.OnYield = [] { throw std::runtime_error("raised"); };
+TEST_F(DictionaryParserTest, ABrokenRuleGivesMinusOne) {
+  Shell.OnYield = [] { throw OverflowError(); };
   EXPECT_EQ(Join({"<</A 1>>"}), -1);
+  EXPECT_EQ(State.DictDepth, 0);
+}
+
+TEST_F(DictionaryParserTest, ExhaustedMemoryIsNotTakenForATextWithoutADictionary) {
+  Shell.OnYield = [] { throw std::bad_alloc(); };
+  EXPECT_THROW(static_cast<void>(Join({"<</A 1>>"})), std::bad_alloc);
   EXPECT_EQ(State.DictDepth, 0);
 }
 

@@ -180,15 +180,63 @@ TEST_F(LengthResolutionTest, AReferenceToTheSecondInputsFillerGivesItsNumber) {
   EXPECT_EQ(State().Objects[8].StreamLength, 19540716);
 }
 
-TEST(NumberOfValueTextTest, IsTheWholeTextAsAnUnsignedNumber) {
-  EXPECT_EQ(NumberOfValueText("0"), 0);
-  EXPECT_EQ(NumberOfValueText("0042"), 42);
-  EXPECT_EQ(NumberOfValueText("2147483646"), 2147483646);
+// Streams and the files that hold them.
+
+class StreamBoundsTest : public LengthResolutionTest {
+ protected:
+  static constexpr std::int32_t kFileSize = 1024 * 1024;
+
+  /// Opens a file of `kFileSize` bytes in both slots.
+  StreamBoundsTest() {
+    const std::string path = run_.Folder.Write("in", std::string(kFileSize, 'x'));
+    for (const std::int16_t slot : {std::int16_t{1}, std::int16_t{2}}) {
+      State().DocFileNumber(slot) = run_.Files.OpenForBinaryRead(path);
+    }
+  }
+
+  void PutStreamAt(std::int32_t index, std::int32_t start, std::int32_t length) {
+    PutStream(index);
+    State().Objects[index].StreamStart = start;
+    State().Objects[index].StreamLength = length;
+  }
+};
+
+TEST_F(StreamBoundsTest, AStreamMayEndWhereItsFileEnds) {
+  PutStreamAt(3, 10, kFileSize - 10);
+  PutStreamAt(8, kFileSize, 0);
+  EXPECT_TRUE(Build());
 }
 
-TEST(NumberOfValueTextTest, IsMinusOneForAnythingElse) {
-  for (const char* const text : {"", " ", "-1", "+1", "1 ", " 1", "1.5", "x", "2147483647", "99999999999"}) {
-    EXPECT_EQ(NumberOfValueText(text), -1) << '"' << text << '"';
+TEST_F(StreamBoundsTest, AStreamThatGoesBeyondItsFileFailsBeforeAnythingIsWritten) {
+  PutStreamAt(3, 10, kFileSize - 9);
+  ExpectFailure(1, 3);
+  EXPECT_EQ(State().Failure.Rule, "the stream of 1048567 bytes goes beyond the end of the file");
+  EXPECT_EQ(State().Failure.FileOffset, 10);
+}
+
+TEST_F(StreamBoundsTest, TheSecondInputsStreamsAreLookedAtToo) {
+  PutStreamAt(8, kFileSize, 1);
+  ExpectFailure(2, 2);
+}
+
+TEST_F(StreamBoundsTest, AnEnormousLengthDoesNotOverflow) {
+  PutStreamAt(3, 10, 2147483646);
+  ExpectFailure(1, 3);
+}
+
+TEST_F(StreamBoundsTest, StreamsThatClaimTheSameBytesAgainAndAgainFail) {
+  // A file of 1 MiB may hold streams of 20 MiB together.
+  for (const int first : {0, 100}) {
+    MakeObjects(State(), 100, 100);
+    for (std::int32_t i = 0; i < 20; ++i) PutStreamAt(first + i, 0, kFileSize);
+    EXPECT_TRUE(Build());
+    MakeObjects(State(), 100, 100);
+    for (std::int32_t i = 0; i < 20; ++i) PutStreamAt(first + i, 0, kFileSize);
+    PutStreamAt(first + 20, 0, 1);
+    EXPECT_FALSE(Build());
+    EXPECT_EQ(State().Failure.Rule, "the streams of the document run into each other");
+    EXPECT_EQ(State().Failure.ObjectNumber, 20);
+    EXPECT_EQ(State().Failure.DocumentSlot, first == 0 ? 1 : 2);
   }
 }
 

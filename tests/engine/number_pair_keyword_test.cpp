@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <vector>
 
-#include "engine/pdf_scanner.h"
+#include "engine/conversions.h"
 
 namespace folioweld {
 namespace {

@@ -167,6 +167,12 @@ TEST_F(PageTreeTest, AnInformationNumberBeyondTheSecondInputChangesNothing) {
   EXPECT_NE(run_.Status(2).find("   -> OK\r\n"), std::string::npos);
 }
 
+TEST_F(PageTreeTest, ASecondInformationNumberOfZeroLeavesTheFillerAlone) {
+  State().DocInfoNumber(2) = 0;
+  ASSERT_TRUE(Paste());
+  EXPECT_EQ(LastLineOf(State(), 5), "19540716\r");
+}
+
 TEST_F(PageTreeTest, BothInformationDictionariesBecomeTheFixedOne) {
   ASSERT_TRUE(Paste());
   EXPECT_EQ(LastLineOf(State(), 4), kInformation);
@@ -227,6 +233,26 @@ TEST_F(PageTreeTest, TheFirstCountOfTwoIsTaken) {
 TEST_F(PageTreeTest, AFirstCatalogWithoutPagesFails) {
   Replace(1, "<</Type/Catalog>>");
   ExpectFailure(1, 1, "the catalog has no page tree (/Pages)");
+}
+
+TEST_F(PageTreeTest, ARootThatEndsALineOfTheTrailerIsToldAsThat) {
+  Replace(1, "<</Type/Catalog>>");
+  Replace(6, "<</Type/Catalog>>");
+  State().PageKids.Grow(1);
+  State().PageKids[0] = "<</Size 5/Root";
+  State().PageKids[1] = "1 0 R>>";
+  State().PageKidsCount = 2;
+  const std::string rule =
+      "/Root ends a line of the trailer and its value stands on the next, which are joined without a blank "
+      "between them";
+  ExpectFailure(1, 1, rule);
+  // The lines are the second document's now.
+  State().PageKidsLast = 0;
+  run_.Shell.SetStatusText(2, {});
+  ExpectFailure(1, 1, "the catalog has no page tree (/Pages)");
+  Replace(1, "<</Type/Catalog/Pages 2 0 R>>");
+  run_.Shell.SetStatusText(2, {});
+  ExpectFailure(2, 1, rule);
 }
 
 TEST_F(PageTreeTest, ASecondCatalogWithoutPagesFails) {
@@ -302,6 +328,20 @@ TEST_F(PageTreeTest, CountsWhoseSumIsTooLargeFail) {
 TEST_F(PageTreeTest, AnOldRootWhoseTextIsCutOffFails) {
   Replace(2, "<</Count 3");
   ExpectFailure(1, 2, "the root of the page tree is no dictionary");
+}
+
+TEST_F(PageTreeTest, EveryKeyOfTheCatalogIsALookInTheSearchForItsPagesAndInTheRewriting) {
+  const auto yields = [](int keys) {
+    TwoInputs inputs;
+    std::string catalog = "<<";
+    for (int i = 0; i < keys; ++i) catalog += "/A 1";
+    inputs.State.ObjLines[inputs.State.Objects[1].LastLine] =
+        inputs.State.Texts.Keep(catalog + "/Pages 2 0 R>>");
+    EXPECT_TRUE(inputs.Paste());
+    return inputs.Run.Shell.Yields;
+  };
+  // Each look yields twice.
+  EXPECT_EQ(yields(20) - yields(10), 10 * 2 * 2);
 }
 
 TEST_F(PageTreeTest, ACancelAtAnyYieldFailsAndIsCalledACancel) {

@@ -85,11 +85,5 @@ TEST(RunGuardedTest, ExhaustedMemoryFailsThePassInPlainWords) {
   EXPECT_EQ(state.Failure.DocumentSlot, 1);
 }
 
-TEST(RunGuardedTest, NoOtherErrorGetsOutEither) {
-  MergeState state;
-  EXPECT_FALSE(RunGuarded(state, 1, []() -> bool { throw std::invalid_argument("a text position"); }));
-  EXPECT_EQ(state.Failure.Rule, "a text position");
-}
-
 }  // namespace
 }  // namespace folioweld

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "engine/lexer.h"
 #include "engine/pdf_builder.h"
-#include "engine/pdf_scanner.h"
 #include "tests/support/reader_setup.h"
 
 namespace folioweld {
@@ -20,12 +20,10 @@ using Numbers = std::vector<std::pair<std::int32_t, std::int32_t>>;
 /// Every reference of the text, as the callers walk it.
 Numbers ReferencesIn(std::string_view text) {
   Numbers numbers;
-  std::int32_t position = 1;
-  do {
-    NumberPairKeyword found;
-    position = FindNextReference(text, position, kReferenceKeyword, found);
-    if (found.KeywordIndex >= 0) numbers.emplace_back(found.FirstNumber, found.SecondNumber);
-  } while (position > 0);
+  NumberPair found;
+  while (FindReference(text, found.End, kReferenceKeyword, found)) {
+    numbers.emplace_back(found.Number, found.Generation);
+  }
   return numbers;
 }
 
@@ -45,29 +43,29 @@ TEST(ReferenceLookup, ATokenMayBeginAfterAnyDelimiter) {
 }
 
 TEST(ReferenceLookup, AMatchThatEndsWithTheTextEndsTheSearch) {
-  NumberPairKeyword found;
-  EXPECT_EQ(FindNextReference("/A 3 0 R", 1, kReferenceKeyword, found), 0);
-  EXPECT_EQ(found.KeywordIndex, 0);
-  EXPECT_EQ(found.FirstNumber, 3);
-  EXPECT_EQ(found.FirstTokenStart, 4);
+  NumberPair found;
+  EXPECT_TRUE(FindReference("/A 3 0 R", 0, kReferenceKeyword, found));
+  EXPECT_EQ(found.Number, 3);
+  EXPECT_EQ(found.Start, 3U);
+  EXPECT_EQ(found.NumberEnd, 4U);
+  EXPECT_EQ(found.End, 8U);
   EXPECT_EQ(ReferencesIn("/A 3 0 R/B 4 0 R"), (Numbers{{3, 0}, {4, 0}}));
 }
 
 TEST(ReferenceLookup, NothingFoundLeavesBothNumbersAtMinusOne) {
   for (const char* text : {"/A 3 0 /B", "/A", ""}) {
-    NumberPairKeyword found = {7, 7, 7, 7, 7};
-    EXPECT_EQ(FindNextReference(text, 1, kReferenceKeyword, found), 0) << text;
-    EXPECT_EQ(found.FirstNumber, -1) << text;
-    EXPECT_EQ(found.SecondNumber, -1) << text;
-    EXPECT_EQ(found.KeywordIndex, -1) << text;
+    NumberPair found = {7, 7, 7};
+    EXPECT_FALSE(FindReference(text, 0, kReferenceKeyword, found)) << text;
+    EXPECT_EQ(found.Number, -1) << text;
+    EXPECT_EQ(found.Generation, -1) << text;
+    EXPECT_EQ(found.Keyword, -1) << text;
   }
 }
 
-TEST(ReferenceLookup, APositionOutsideTheTextFindsNothing) {
-  NumberPairKeyword found;
-  for (const std::int32_t position : {0, -1, 6, 100}) {
-    EXPECT_EQ(FindNextReference("3 0 R", position, kReferenceKeyword, found), 0);
-    EXPECT_EQ(found.KeywordIndex, -1) << position;
+TEST(ReferenceLookup, AnIndexOutsideTheTextFindsNothing) {
+  NumberPair found;
+  for (const std::size_t index : {5U, 6U, 100U}) {
+    EXPECT_FALSE(FindReference("3 0 R", index, kReferenceKeyword, found)) << index;
   }
 }
 
@@ -132,6 +130,11 @@ TEST(ReferenceLookup, TheKeywordIsTheWholeToken) {
   EXPECT_EQ(ReferencesIn("3 0 RG 1 0 r 2 0 R1 "), Numbers{});
 }
 
+TEST(ReferenceLookup, ABackslashEndsTheKeyword) {
+  EXPECT_EQ(ReferencesIn("3 0 R\\4 0 R\\"), (Numbers{{3, 0}}));
+  EXPECT_EQ(ReferencesIn("3 0 R\\ 4 0 R\\"), (Numbers{{3, 0}, {4, 0}}));
+}
+
 TEST(ReferenceLookup, ANumberTooLargeForAnObjectIsNone) {
   EXPECT_EQ(ReferencesIn("2147483647 0 R 2147483646 0 R "), (Numbers{{2147483646, 0}}));
 }
@@ -148,11 +151,13 @@ TEST(ReferenceLookup, ACommentBetweenTheNumbersHidesTheReference) {
 }
 
 TEST(ReferenceLookup, TellsWhichKeywordStoodThere) {
-  NumberPairKeyword found;
-  EXPECT_EQ(FindNextReference("7 0 obj<<", 1, kObjectOrReference, found), 8);
-  EXPECT_EQ(found.KeywordIndex, 0);
-  EXPECT_EQ(FindNextReference("7 0 R<<", 1, kObjectOrReference, found), 6);
-  EXPECT_EQ(found.KeywordIndex, 1);
+  NumberPair found;
+  EXPECT_TRUE(FindReference("7 0 obj<<", 0, kObjectOrReference, found));
+  EXPECT_EQ(found.Keyword, 0);
+  EXPECT_EQ(found.End, 7U);
+  EXPECT_TRUE(FindReference("7 0 R<<", 0, kObjectOrReference, found));
+  EXPECT_EQ(found.Keyword, 1);
+  EXPECT_EQ(found.End, 5U);
 }
 
 // The lookup serves the builder.

@@ -258,6 +258,20 @@ TEST_F(StreamScannerTest, ACommentBehindTheLengthIsNoPartOfIt) {
 
 // Worst cases.
 
+TEST_F(StreamScannerTest, SeveralObjectsOnOneLineThatAreTooLongTogetherAreToldAsThat) {
+  constexpr int kObjects = 1300;
+  DocumentBuilder builder;
+  for (int number = 1; number <= kObjects; ++number) {
+    builder.RawObject(number, std::to_string(number) + " 0 obj[" + std::string(50, ' ') + "]endobj ");
+  }
+  builder.Raw("\n");
+  EXPECT_FALSE(Scan(1, builder));
+  EXPECT_EQ(
+      State.Failure.Rule,
+      "several objects stand on one line, which are read to its end one after the other; each has to end "
+      "its line");
+}
+
 TEST_F(StreamScannerTest, ObjectsThatRunIntoEachOtherAreRefusedQuickly) {
   // No object ends where the next one begins: read to their ends they would be the square of the file.
   constexpr int kObjects = 20000;

@@ -50,6 +50,13 @@ std::string Told(const std::string& document) {
   return words[0];
 }
 
+TEST(TrailerCheck, IsSilentAboutADocumentOfFourRevisions) {
+  DocumentBuilder builder = Page();
+  builder.EndRevision();
+  for (int i = 0; i < 3; ++i) builder.Object(6, "<<>>").EndRevision();
+  EXPECT_EQ(Told(builder.Build()), "");
+}
+
 TEST(TrailerCheck, TellsOfEncryptionInEverySpelling) {
   for (const char* entry :
        {"/Encrypt 6 0 R", "/Encrypt\n6 0 R", "/Encrypt\t6 0 R", "/Encrypt\f6 0 R", "/Enc#72ypt 6 0 R",

@@ -103,6 +103,31 @@ TEST_F(XrefChainTest, EveryGrowthClearsTheSectionsBetweenTheNewestAndTheLast) {
   EXPECT_EQ(State().DocRootNumber(1), 2) << "what was taken from it stays";
 }
 
+TEST_F(XrefChainTest, AGrowthAfterALongerFirstChainClearsEverySectionOfTheSecondOne) {
+  DocumentBuilder first;
+  first.Object(1, "<<>>").Object(2, "<<>>").EndRevision();
+  for (int i = 1; i < 3; ++i) first.Object(2, "<<>>").EndRevision();
+  DocumentBuilder second;
+  second.Object(1, "<<>>").Object(2, "<<>>").EndRevision();
+  for (int i = 1; i < 5; ++i) second.Object(2, "<<>>").EndRevision();
+  ASSERT_TRUE(Walk(1, first.Build()));
+  ASSERT_TRUE(WalkOn(2, second.Build()));
+  EXPECT_EQ(State().TrailerSize.UpperBound(), 4);
+  for (std::int32_t section = 1; section < 4; ++section) {
+    EXPECT_EQ(State().TrailerSize(2, section), -1) << section;
+    EXPECT_EQ(State().TrailerFirstLine(2, section), -1) << section;
+  }
+  EXPECT_EQ(State().TrailerSize(2, 0), 3);
+  EXPECT_EQ(State().TrailerSize(2, 4), 3);
+}
+
+TEST_F(XrefChainTest, AShorterSecondChainKeepsItsSections) {
+  ASSERT_TRUE(Walk(1, ThreeRevisions()));
+  ASSERT_TRUE(WalkOn(2, ThreeRevisions()));
+  EXPECT_EQ(State().TrailerSize(2, 1), 4);
+  EXPECT_EQ(State().TrailerRoot(2, 1), 2);
+}
+
 TEST_F(XrefChainTest, KeepsTheIdentifierAndTheEncryptionReference) {
   ASSERT_TRUE(Walk(1, WithTrailer("/Size 3/Root 1 0 R/ID[<01><02>]/Encrypt 2 0 R")));
   EXPECT_EQ(State().TrailerId(1, 0), "[<01><02>]");
@@ -261,15 +286,63 @@ TEST_F(XrefChainTest, APrevIntoTheTrailerOfASectionThatWasReadFails) {
   EXPECT_FALSE(Walk(1, WithTrailer("/Size 3/Root 1 0 R/Prev " + prev)));
 }
 
-TEST_F(XrefChainTest, AnOlderSectionThatRunsOnIntoANewerOneFails) {
+TEST_F(XrefChainTest, AnOlderSectionMayRunOnIntoANewerOne) {
   // Without an end of its own it takes the newer section's lines for its trailer.
   DocumentBuilder builder;
   const auto older = static_cast<long>(builder.Bytes().size());
   builder.Raw("xref\n0 1\n0000000000 65535 f \n").Object(1, "<<>>").Object(2, "<<>>");
   builder.Trailer("/Size 3/Root 1 0 R/Prev " + std::to_string(older));
-  EXPECT_FALSE(Walk(1, builder.Build()));
-  ExpectFailure("/Prev leads to a cross-reference section that was read already");
-  EXPECT_EQ(State().DocXrefCount(1), 1);
+  EXPECT_TRUE(Walk(1, builder.Build()));
+  EXPECT_EQ(State().DocXrefCount(1), 2);
+}
+
+TEST_F(XrefChainTest, SectionsMayOverlap) {
+  // The older one stands within the newer one's trailer.
+  std::string trailer = "/Size 3/Root 1 0 R/Prev ########/Older\n0 1\n0000000000 65535 f \n<</Size 3>> ";
+  std::string bytes = WithTrailer(trailer);
+  const std::string offset = std::to_string(bytes.find("0 1\n0000000000"));
+  bytes.replace(bytes.find("########"), 8, offset + std::string(8 - offset.size(), ' '));
+  EXPECT_TRUE(Walk(1, bytes)) << State().Failure.Rule;
+  EXPECT_EQ(State().DocXrefCount(1), 2);
+}
+
+/// A document whose sections all reach to its end, 1 MiB further on: each one's rest is a string to it.
+std::string NestedSections(int count) {
+  constexpr std::size_t kSectionSize = 100;
+  const std::string start = "%PDF-1.4\n%abcd\n";
+  std::string bytes = start;
+  for (int i = 1; i <= count; ++i) {
+    const auto next = start.size() + static_cast<std::size_t>(i) * kSectionSize;
+    std::string section = "xref\n0 1\n0000000000 65535 f \ntrailer\n<</Size 1/Root 0 0 R";
+    section += (i < count ? "/Prev " + std::to_string(next) : std::string()) + "/Rest(\n";
+    bytes += section + std::string(kSectionSize - section.size(), '\n');
+  }
+  for (int i = 0; i < 1024; ++i) bytes += std::string(1023, 'x') + '\n';
+  return bytes + ">>\nstartxref\n" + std::to_string(start.size()) + "\n%%EOF\n";
+}
+
+TEST_F(XrefChainTest, SectionsOfFourTimesTheFileAndSixteenMebibytesAreRead) {
+  EXPECT_TRUE(Walk(1, NestedSections(19))) << State().Failure.Rule;
+  EXPECT_EQ(State().DocXrefCount(1), 19);
+}
+
+TEST_F(XrefChainTest, SectionsThatRunIntoEachOtherFail) {
+  EXPECT_FALSE(Walk(1, NestedSections(40)));
+  ExpectFailure("the cross-reference sections of the document run into each other");
+  EXPECT_EQ(State().DocXrefCount(1), 19);
+}
+
+TEST_F(XrefChainTest, ACommentAfterTheTrailersDictionaryIsToldAsThat) {
+  const std::string rule = "a comment follows the trailer's dictionary, which has to end with \">>\"";
+  const std::string bytes = WithTrailer("/Size 3/Root 1 0 R");
+  const std::size_t end = bytes.rfind(">>") + 2;
+  for (const char* comment : {" % made by hand", "\n% made by hand", "\n%>\n%\n"}) {
+    EXPECT_FALSE(Walk(1, bytes.substr(0, end) + comment + bytes.substr(end))) << comment;
+    ExpectFailure(rule);
+  }
+  EXPECT_FALSE(Walk(1, bytes.substr(0, end) + " x" + bytes.substr(end)));
+  ExpectFailure(
+      "no dictionary follows the cross-reference table (tables of several subsections are not handled)");
 }
 
 TEST_F(XrefChainTest, APrevOfZeroEndsTheWalk) {
@@ -308,6 +381,14 @@ TEST_F(XrefChainTest, ACancelAtAnyYieldFailsAndIsCalledACancel) {
     EXPECT_FALSE(ok) << yield;
     EXPECT_EQ(State().Failure.Rule, kCancelled) << yield;
   }
+}
+
+TEST_F(XrefChainTest, ACancelAfterTheLastSectionWasStoredIsSeen) {
+  run_.Shell.OnYield = [&] {
+    if (State().DocXrefCount(1) == 1) State().AbortRequested = true;
+  };
+  EXPECT_FALSE(Walk(1, WithTrailer("/Size 3/Root 1 0 R")));
+  ExpectFailure(kCancelled);
 }
 
 TEST_F(XrefChainTest, AWalkWithoutASectionFails) {

@@ -1,8 +1,9 @@
-#include "engine/pdf_scanner.h"
+// The scanners of the interface: groups in brackets, and texts without their comments.
 
 #include <chrono>
 #include <gtest/gtest.h>
 
+#include "engine/conversions.h"
 #include "tests/support/reader_setup.h"
 
 namespace folioweld {
@@ -143,28 +144,6 @@ TEST(CutCommentAndLeftTrim, LosesLeadingBlanksOnly) {
 TEST(CutCommentAndTrim, LosesBlanksAtBothEnds) {
   EXPECT_EQ(CutCommentAndTrim("  a b %c"), "a b");
   EXPECT_EQ(CutCommentAndTrim("  %c"), "");
-}
-
-TEST(SkipLiteralString, CountsNestedBracketsAndEscapes) {
-  EXPECT_EQ(SkipLiteralString("(a(b)\\)c)d", 0), 9U);
-  EXPECT_EQ(SkipLiteralString("x(a)", 1), 4U);
-  EXPECT_EQ(SkipLiteralString("(\\\\)x", 0), 4U);
-}
-
-TEST(SkipLiteralString, RunsToTheEndWhenTheStringNeverEnds) {
-  EXPECT_EQ(SkipLiteralString("(abc", 0), 4U);
-  EXPECT_EQ(SkipLiteralString("(abc\\", 0), 5U);
-}
-
-TEST(SkipHexString, EndsBehindTheFirstClosingAngle) {
-  EXPECT_EQ(SkipHexString("<3 0>x", 0), 5U);
-  EXPECT_EQ(SkipHexString("<3 0", 0), 4U);
-}
-
-TEST(SkipComment, EndsAtTheLineEnd) {
-  EXPECT_EQ(SkipComment("%ab\rc", 0), 3U);
-  EXPECT_EQ(SkipComment("%ab\nc", 0), 3U);
-  EXPECT_EQ(SkipComment("%ab", 0), 3U);
 }
 
 TEST(Scanners, AMillionNestedBracketsTakeNoTime) {

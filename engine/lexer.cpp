@@ -1,0 +1,116 @@
+#include "engine/lexer.h"
+
+namespace folioweld {
+
+namespace {
+
+std::int32_t IndexOfKeyword(std::string_view word, std::span<const std::string_view> keywords) {
+  for (std::size_t i = 0; i < keywords.size(); ++i) {
+    if (word == keywords[i]) return static_cast<std::int32_t>(i);
+  }
+  return -1;
+}
+
+/// Index after white space or another delimiter, and after the string, name or comment that it opens.
+std::size_t SkipDelimiter(std::string_view text, std::size_t index) {
+  switch (text[index]) {
+    case '(':
+      return SkipLiteralString(text, index);
+    case '<':
+      return index + 1 < text.size() && text[index + 1] == '<' ? index + 2 : SkipHexString(text, index);
+    case '%':
+      return SkipComment(text, index);
+    case '/':
+      return SkipName(text, index);
+    default:
+      return index + 1;
+  }
+}
+
+}  // namespace
+
+double LenientNumber(std::string_view text) {
+  std::size_t i = kSpaceSet.Skip(text, 0);
+  if (i == text.size()) return 0;
+  const bool negative = text[i] == '-';
+  if (text[i] == '-' || text[i] == '+') ++i;
+  double value = 0;
+  for (; i < text.size() && kDigitSet.Has(text[i]); ++i) value = value * 10 + (text[i] - '0');
+  if (i < text.size() && text[i] == '.') {
+    double divisor = 1;
+    double fraction = 0;
+    for (++i; i < text.size() && kDigitSet.Has(text[i]); ++i) {
+      fraction = fraction * 10 + (text[i] - '0');
+      divisor *= 10;
+    }
+    value += fraction / divisor;
+  }
+  return negative ? -value : value;
+}
+
+std::size_t SkipLiteralString(std::string_view text, std::size_t index) {
+  std::int32_t depth = 0;
+  for (; index < text.size(); ++index) {
+    const char c = text[index];
+    if (c == '\\') {
+      ++index;
+    } else if (c == '(') {
+      ++depth;
+    } else if (c == ')' && --depth == 0) {
+      return index + 1;
+    }
+  }
+  return text.size();
+}
+
+std::size_t SkipHexString(std::string_view text, std::size_t index) {
+  const std::size_t end = text.find('>', index);
+  return end == std::string_view::npos ? text.size() : end + 1;
+}
+
+std::size_t SkipComment(std::string_view text, std::size_t index) {
+  return kLineEndSet.Find(text, index);
+}
+
+bool ReadNumberPair(std::string_view text, std::size_t index, std::span<const std::string_view> keywords,
+                    NumberPair& pair) {
+  const auto blankAt = [&](std::size_t end) { return end < text.size() && kWhiteSpaceSet.Has(text[end]); };
+  pair.Generation = -1;
+  pair.Keyword = -1;
+  pair.Start = kWhiteSpaceSet.Skip(text, index);
+  pair.Number = ReadNumber(text, pair.Start, pair.NumberEnd);
+  if (!blankAt(pair.NumberEnd)) pair.Number = -1;
+  if (pair.Number < 0) return false;
+  std::size_t secondEnd = 0;
+  pair.SecondStart = kWhiteSpaceSet.Skip(text, pair.NumberEnd);
+  pair.Generation = ReadNumber(text, pair.SecondStart, secondEnd);
+  if (!blankAt(secondEnd)) pair.Generation = -1;
+  if (pair.Generation < 0) return false;
+  pair.KeywordStart = kWhiteSpaceSet.Skip(text, secondEnd);
+  pair.End = kDelimiterOrEscapeSet.Find(text, pair.KeywordStart);
+  pair.Keyword = IndexOfKeyword(text.substr(pair.KeywordStart, pair.End - pair.KeywordStart), keywords);
+  return pair.Keyword >= 0;
+}
+
+bool FindReference(std::string_view text, std::size_t index, std::span<const std::string_view> keywords,
+                   NumberPair& found) {
+  while (index < text.size()) {
+    if (kDelimiterSet.Has(text[index])) {
+      index = SkipDelimiter(text, index);
+      continue;
+    }
+    if (kDigitSet.Has(text[index])) {
+      if (ReadNumberPair(text, index, keywords, found)) return true;
+      // The second number may be the first one of a reference.
+      if (found.Number >= 0) {
+        index = found.SecondStart;
+        continue;
+      }
+    }
+    index = kDelimiterSet.Find(text, index);
+  }
+  found = {};
+  return false;
+}
+
+}  // namespace folioweld
