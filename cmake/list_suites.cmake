@@ -1,17 +1,17 @@
-# Read by CTest: the suites of `program` as tests with the label `label`.
+# Read by CTest: the suites of `program` as tests with the label `label`, their names after `prefix`.
 if(NOT EXISTS ${program})
-  add_test(${program}_NOT_BUILT ${program})
+  add_test(${prefix}${label}_tests_are_built ${program})
   return()
 endif()
-execute_process(COMMAND ${program} --gtest_list_tests OUTPUT_VARIABLE listed RESULT_VARIABLE status)
+execute_process(COMMAND ${program} --gtest_list_tests OUTPUT_VARIABLE listed ERROR_VARIABLE complaint RESULT_VARIABLE status)
 string(REGEX MATCHALL "\n[A-Za-z_][^ \n]*\\." suites "\n${listed}")
 if(status OR NOT suites)
-  message(FATAL_ERROR "${program} does not tell its tests: ${status}")
+  message(FATAL_ERROR "${program} does not tell its tests: ${status}\n${complaint}")
 endif()
 # Skipped, and none that failed after it: a failure has the last word.
 set(skipped "SKIPPED \\] [0-9]+ tests?, listed below:\n([^\n]*SKIPPED \\] [^\n]*\n)+$")
 foreach(suite ${suites})
   string(REGEX REPLACE "\n(.*)\\." "\\1" suite "${suite}")
-  add_test("${suite}" ${program} "--gtest_filter=${suite}.*")
-  set_tests_properties("${suite}" PROPERTIES LABELS ${label} TIMEOUT 300 SKIP_REGULAR_EXPRESSION "${skipped}")
+  add_test("${prefix}${suite}" ${program} "--gtest_filter=${suite}.*")
+  set_tests_properties("${prefix}${suite}" PROPERTIES LABELS ${label} TIMEOUT 300 SKIP_REGULAR_EXPRESSION "${skipped}")
 endforeach()

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# install-packages.sh SECTION...: installs what is missing of these sections of packages.txt.
-# Where nothing is missing it needs neither the network nor root.
+# install-packages.sh SECTION...: installs what is missing of these sections of packages.txt, and removes nothing.
+# Where nothing is missing it says nothing and needs neither the network nor root.
 set -euo pipefail
 root=$(dirname "$(dirname "$(readlink -f "$0")")")
 
@@ -38,11 +38,12 @@ apt() {
     apt-get -qq -o Acquire::Retries=3 -o DPkg::Lock::Timeout=300 "$@" </dev/null
 }
 
-echo "Installing ${missing[*]} ..." >&2
+echo "install-packages.sh: about to run ${as_root[*]} apt-get update and apt-get install, which removes no package and" \
+  "may take some minutes of downloading, for ${missing[*]}" >&2
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 # An unreachable source of other packages is no reason to stop: what counts is whether these arrive.
-if ! { apt update || true; apt install --yes --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
+if ! { apt update || true; apt install --yes --no-remove --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
   cat "$log" >&2
   echo "The packages could not be installed: ${missing[*]}" >&2
   exit 1

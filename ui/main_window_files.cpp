@@ -57,7 +57,7 @@ std::string Folioweld::ChooseOutputFile(FileRequest request) {
   for (;;) {
     const std::string typed = dialogs_.AskSaveFile(request);
     if (typed.empty()) return {};
-    const std::string name = WithDefaultExtension(typed, request.DefaultExtension);
+    std::string name = WithDefaultExtension(typed, request.DefaultExtension);
     // Refused by the caller, so there is nothing to be asked.
     if (name == typed || IsInputFile(name) || MayReplace(name)) return name;
     if (ending_) return {};

@@ -116,7 +116,7 @@ TEST_F(DirectoryMergeWindowTest, TheCloseBoxStopsItBetweenTheRoundsToo) {
   EXPECT_TRUE(closed);
   EXPECT_FALSE(Exists(output_));
   EXPECT_FALSE(ended_);
-  EXPECT_TRUE(folder_.Names().size() > 0);
+  EXPECT_FALSE(folder_.Names().empty());
   EXPECT_EQ(EnabledButtons(), "cmdInput1");
 }
 

@@ -1,6 +1,7 @@
 // Drags and drops of files and folders.
 
 #include <QDragEnterEvent>
+#include <QDragLeaveEvent>
 #include <QDropEvent>
 #include <QMimeData>
 #include <QUrl>
@@ -19,6 +20,11 @@ QByteArray UrlOf(const std::string& path) {
 class DropTest : public WindowFixture {
  protected:
   void SetUp() override { Open(); }
+  /// The toolkit keeps the widget that took a drag until the drag leaves it, even when the widget is gone.
+  void TearDown() override {
+    QDragLeaveEvent leave;
+    QApplication::sendEvent(&Window(), &leave);
+  }
 
   /// The action that a drag is offered over the widget; IgnoreAction when it is refused.
   Qt::DropAction DragOver(const char* widget, const QMimeData& data,
