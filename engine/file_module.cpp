@@ -9,6 +9,17 @@
 
 namespace folioweld {
 
+namespace {
+
+/// The time of the last write alone says little: whoever can write a file can set that back.
+bool SameState(const FileInformation& now, const FileInformation& before) {
+  return now.Identity == before.Identity && now.Size == before.Size &&
+         now.WriteSeconds == before.WriteSeconds && now.WriteNanoseconds == before.WriteNanoseconds &&
+         now.ChangeSeconds == before.ChangeSeconds && now.ChangeNanoseconds == before.ChangeNanoseconds;
+}
+
+}  // namespace
+
 FileModule::FileModule(WindowsAPI& system) : system_(system) {}
 
 FileModule::~FileModule() {
@@ -25,7 +36,7 @@ std::int16_t FileModule::OpenForBinaryRead(const std::string& path) {
   auto file = std::make_unique<OpenFile>();
   file->Handle = handle.Value();
   file->Information = information.Value();
-  file->Input.emplace(system_, file->Handle, file->Information.Size);
+  file->Input.emplace(system_, file->Handle, file->Information.Size, spareBuffers_);
   return Store(std::move(file));
 }
 
@@ -60,7 +71,7 @@ std::int16_t FileModule::OpenOutput(const std::string& path, bool mayReplace) {
   auto file = std::make_unique<OpenFile>();
   file->Handle = handle.Value();
   file->Information = information.Value();
-  file->Output.emplace(system_, file->Handle);
+  file->Output.emplace(system_, file->Handle, spareBuffers_);
   return Store(std::move(file));
 }
 
@@ -113,9 +124,7 @@ bool FileModule::InputIsUnchanged(std::int16_t fileNumber) {
   if (file == nullptr) return false;
   const auto now = system_.GetFileInformationByHandle(file->Handle);
   if (!now.Ok()) return Fail(now.Error());
-  return now.Value().Size == file->Information.Size &&
-         now.Value().WriteSeconds == file->Information.WriteSeconds &&
-         now.Value().WriteNanoseconds == file->Information.WriteNanoseconds;
+  return SameState(now.Value(), file->Information);
 }
 
 bool FileModule::WriteAt(std::int16_t fileNumber, std::string_view text, std::int32_t offset) {

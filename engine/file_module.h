@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "engine/file_buffer.h"
 #include "platform/windows_api.h"
 
 namespace folioweld {
@@ -65,7 +66,8 @@ class FileModule {
   /// The length remembered when the file was opened, or a negative code.
   [[nodiscard]] std::int32_t FileLength(std::int16_t fileNumber) const;
 
-  /// Whether an open input still has the length and the time of the last write that it had when opened.
+  /// Whether an open input is what it was when it was opened: not written to since, and neither its name, nor
+  /// its links, nor its permissions changed.
   [[nodiscard]] bool InputIsUnchanged(std::int16_t fileNumber);
 
   /// Takes over the text for the given offset of an output; false when the file is not open for writing or
@@ -150,6 +152,7 @@ class FileModule {
   WindowsAPI& system_;
   ActivityLog* log_ = nullptr;
   SystemError lastError_;
+  SpareFileBuffers spareBuffers_;
   std::vector<std::unique_ptr<OpenFile>> files_;
 };
 

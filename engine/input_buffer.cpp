@@ -7,9 +7,14 @@
 namespace folioweld {
 
 namespace {
-constexpr std::int64_t kSmallWindow = 4 * 1024;
+/// Little more than the callers' blocks: most of what lies after a jump is a stream, which is not looked at.
+constexpr std::int64_t kSmallWindow = 1024;
 /// Larger ones save few calls and cost memory, which a short run has to get from the system first.
 constexpr std::int64_t kLargeWindow = 64 * 1024;
+/// Reading on over this much is cheaper than another call.
+constexpr std::int64_t kShortJump = 4 * 1024;
+/// The acceptance test needs no more; whoever goes on reads most of the file.
+constexpr int kFewReads = 4;
 }  // namespace
 
 SystemError ReadFully(WindowsAPI& system, WindowsAPI::Handle file, std::int64_t offset, char* bytes,
@@ -20,30 +25,33 @@ SystemError ReadFully(WindowsAPI& system, WindowsAPI::Handle file, std::int64_t 
   });
 }
 
-InputBuffer::InputBuffer(WindowsAPI& system, WindowsAPI::Handle file, std::int64_t length)
-    : system_(system), file_(file), length_(length) {}
+InputBuffer::InputBuffer(WindowsAPI& system, WindowsAPI::Handle file, std::int64_t length,
+                         SpareFileBuffers& spare)
+    : system_(system), file_(file), length_(length), spare_(spare) {}
 
 SystemError InputBuffer::Read(std::int64_t offset, char* bytes, std::int64_t count) {
   const bool atHand = offset >= start_ && offset + count <= start_ + size_;
-  if (count > kSmallWindow && !atHand) return ReadFully(system_, file_, offset, bytes, count);
+  if (count > kShortJump && !atHand) return ReadFully(system_, file_, offset, bytes, count);
   const auto view = View(offset, count);
   if (view.Ok()) std::copy(view.Value().begin(), view.Value().end(), bytes);
   return view.Error();
 }
 
 SystemError InputBuffer::Fill(std::int64_t offset, std::int64_t count) {
-  // A short jump ahead passes over a stream or a line that nobody asked for: reading on is cheaper.
-  const bool followsOn = size_ > 0 && offset >= start_ && offset <= start_ + size_ + kSmallWindow;
-  const std::int64_t wanted = followsOn ? std::clamp(size_ * 4, kSmallWindow, kLargeWindow) : kSmallWindow;
-  const std::int64_t size = std::min(std::max(wanted, count), length_ - offset);
-  size_ = 0;
-  if (capacity_ < size) {
-    bytes_ = std::make_unique_for_overwrite<char[]>(static_cast<std::size_t>(size));
-    capacity_ = size;
+  std::int64_t from = offset;
+  std::int64_t wanted = kSmallWindow;
+  if (length_ <= static_cast<std::int64_t>(kFileBufferSize) && ++fills_ > kFewReads) {
+    from = 0;
+    wanted = length_;
+  } else if (size_ > 0 && offset >= start_ && offset <= start_ + size_ + kShortJump) {
+    wanted = std::clamp(size_ * 4, kSmallWindow, kLargeWindow);
   }
-  const SystemError error = ReadFully(system_, file_, offset, bytes_.get(), size);
+  const std::int64_t size = std::min(std::max(wanted, count), length_ - from);
+  size_ = 0;
+  if (!bytes_) bytes_ = spare_.Take();
+  const SystemError error = ReadFully(system_, file_, from, bytes_.get(), size);
   if (error) return error;
-  start_ = offset;
+  start_ = from;
   size_ = size;
   return {};
 }

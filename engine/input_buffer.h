@@ -1,24 +1,30 @@
 #pragma once
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string_view>
+#include <utility>
 
+#include "engine/file_buffer.h"
 #include "platform/windows_api.h"
 
 namespace folioweld {
 
-/// A window over an open file. Reads that follow each other widen it, jumps keep it small, so that neither
-/// many short lines nor scattered objects of a large file cost much.
+/// A window over an open file. It covers a small file as a whole, once that has been read from a few times.
+/// Over a large one, reads that follow each other widen it and jumps keep it small, so that neither many
+/// short lines nor scattered objects cost much.
 class InputBuffer {
  public:
-  /// The handle stays the caller's; bytes from `length` on are never asked for.
-  InputBuffer(WindowsAPI& system, WindowsAPI::Handle file, std::int64_t length);
+  /// The handle stays the caller's; bytes from `length` on are never asked for. The spare buffers have to
+  /// outlive the window.
+  InputBuffer(WindowsAPI& system, WindowsAPI::Handle file, std::int64_t length, SpareFileBuffers& spare);
+  InputBuffer(const InputBuffer&) = delete;
+  InputBuffer& operator=(const InputBuffer&) = delete;
+  ~InputBuffer() { spare_.GiveBack(std::move(bytes_)); }
 
-  /// A view of `count` bytes from `offset`, valid until the next call. The range has to lie within the
-  /// length. Fails when the system does, or when the file has become shorter (error EIO).
+  /// A view of `count` bytes (at most `kFileBufferSize`) from `offset`, valid until the next call. The range
+  /// has to lie within the length. Fails when the system does, or when the file has become shorter (error
+  /// EIO).
   SystemResult<std::string_view> View(std::int64_t offset, std::int64_t count) {
     if (offset < start_ || offset + count > start_ + size_) {
       const SystemError error = Fill(offset, count);
@@ -43,10 +49,11 @@ class InputBuffer {
   WindowsAPI& system_;
   WindowsAPI::Handle file_;
   std::int64_t length_;
-  std::unique_ptr<char[]> bytes_;
-  std::int64_t capacity_ = 0;
-  std::int64_t start_ = 0;
+  SpareFileBuffers& spare_;
+  FileBuffer bytes_;        ///< taken by the first read
+  std::int64_t start_ = 0;  ///< file offset of the window
   std::int64_t size_ = 0;
+  int fills_ = 0;
 };
 
 /// Reads exactly `count` bytes at the offset, going on after short and interrupted reads.

@@ -44,7 +44,9 @@ bool MergeJob::WriteOutput() {
 bool MergeJob::NothingChangedMeanwhile() {
   for (const std::int16_t slot : {std::int16_t{1}, std::int16_t{2}}) {
     if (!state_.DocUsed(slot) || files_.InputIsUnchanged(state_.DocFileNumber(slot))) continue;
-    state_.Failure = {slot, -1, -1, "the file was changed while it was being read"};
+    state_.Failure = {
+        slot, -1, -1,
+        "the file was changed, or its name, links or permissions were, while it was being read"};
     return false;
   }
   if (files_.IsNamed(state_.DocFileNumber(3), state_.DocFileName(3))) return true;

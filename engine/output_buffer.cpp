@@ -14,8 +14,8 @@ constexpr std::int64_t kLongestRange = 1024 * 1024;
 constexpr std::int64_t kAtOnce = 512;
 }  // namespace
 
-OutputBuffer::OutputBuffer(WindowsAPI& system, WindowsAPI::Handle file)
-    : system_(system), file_(file), gathered_(std::make_unique_for_overwrite<char[]>(kGatherSize)) {}
+OutputBuffer::OutputBuffer(WindowsAPI& system, WindowsAPI::Handle file, SpareFileBuffers& spare)
+    : system_(system), file_(file), spare_(spare), gathered_(spare.Take()) {}
 
 std::span<char> OutputBuffer::Room(std::size_t wanted) {
   const std::size_t left = kGatherSize - static_cast<std::size_t>(End()) % kGatherSize;

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <string_view>
+#include <utility>
 
 #include "engine/input_buffer.h"
 #include "platform/windows_api.h"
@@ -16,8 +16,11 @@ namespace folioweld {
 /// end, so that long streams are read straight into those writes.
 class OutputBuffer {
  public:
-  /// The handle stays the caller's.
-  OutputBuffer(WindowsAPI& system, WindowsAPI::Handle file);
+  /// The handle stays the caller's. The spare buffers have to outlive this.
+  OutputBuffer(WindowsAPI& system, WindowsAPI::Handle file, SpareFileBuffers& spare);
+  OutputBuffer(const OutputBuffer&) = delete;
+  OutputBuffer& operator=(const OutputBuffer&) = delete;
+  ~OutputBuffer() { spare_.GiveBack(std::move(gathered_)); }
 
   SystemError Write(std::int64_t offset, std::string_view bytes) {
     // Nearly always a short text that follows the last one: it is added without further ado.
@@ -43,7 +46,7 @@ class OutputBuffer {
 
   /// What is gathered ends where the file's offset is a multiple of this: file systems take in large aligned
   /// writes with a fraction of the work.
-  static constexpr std::size_t kGatherSize = 256 * 1024;
+  static constexpr std::size_t kGatherSize = kFileBufferSize;
 
   [[nodiscard]] std::int64_t End() const { return start_ + static_cast<std::int64_t>(size_); }
   /// How many bytes can be added before anything has to be written out.
@@ -63,7 +66,8 @@ class OutputBuffer {
 
   WindowsAPI& system_;
   WindowsAPI::Handle file_;
-  std::unique_ptr<char[]> gathered_;
+  SpareFileBuffers& spare_;
+  FileBuffer gathered_;
   std::size_t size_ = 0;
   std::int64_t start_ = 0;  ///< file offset of the first gathered byte
   Range range_;             ///< what follows the gathered bytes

@@ -72,6 +72,8 @@ FileInformation FromStat(const struct stat& status) {
   information.Size = status.st_size;
   information.WriteSeconds = status.st_mtim.tv_sec;
   information.WriteNanoseconds = status.st_mtim.tv_nsec;
+  information.ChangeSeconds = status.st_ctim.tv_sec;
+  information.ChangeNanoseconds = status.st_ctim.tv_nsec;
   information.Links = status.st_nlink;
   information.OwnerCanWrite = (status.st_mode & S_IWUSR) != 0;
   return information;

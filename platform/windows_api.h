@@ -39,6 +39,9 @@ struct FileInformation {
   std::int64_t Size = 0;          ///< bytes
   std::int64_t WriteSeconds = 0;  ///< last write, seconds since the epoch
   std::int64_t WriteNanoseconds = 0;
+  std::int64_t ChangeSeconds =
+      0;  ///< last change of bytes, name, links or permissions; nobody can set it back
+  std::int64_t ChangeNanoseconds = 0;
   std::uint64_t Links = 1;  ///< how many names the file has
   bool OwnerCanWrite = true;
 };

@@ -351,14 +351,33 @@ TEST_F(ChangedInputTest, ChangedBytesFailTheMerge) {
   std::string changed = SimpleDocument(1);
   changed[changed.find("page")] = 'P';
   RunAndChange("a.pdf", SimpleDocument(1), SimpleDocument(2), changed);
-  ExpectLogged("\"" + run_.FirstPath + "\": the file was changed while it was being read");
+  ExpectLogged("\"" + run_.FirstPath +
+               "\": the file was changed, or its name, links or permissions were, while it was being read");
 }
 
 TEST_F(ChangedInputTest, ChangedBytesOfTheSecondInputFailTheMerge) {
   std::string changed = SimpleDocument(2);
   changed[changed.find("page")] = 'P';
   RunAndChange("b.pdf", SimpleDocument(1), SimpleDocument(2), changed);
-  ExpectLogged("\"" + run_.SecondPath + "\": the file was changed while it was being read");
+  ExpectLogged("\"" + run_.SecondPath +
+               "\": the file was changed, or its name, links or permissions were, while it was being read");
+}
+
+TEST_F(ChangedInputTest, AnInputWhoseDateIsSetBackFailsTheMerge) {
+  std::string changed = SimpleDocument(1);
+  changed[changed.find("page")] = 'P';
+  run_.Folder.Write("a.pdf", SimpleDocument(1));
+  run_.Folder.Write("b.pdf", SimpleDocument(2));
+  run_.State.DocFileName(1) = run_.FirstPath;
+  run_.State.DocFileName(2) = run_.SecondPath;
+  WhenWriting([this, changed] {
+    const auto date = std::filesystem::last_write_time(run_.FirstPath);
+    run_.Folder.Write("a.pdf", changed);
+    std::filesystem::last_write_time(run_.FirstPath, date);
+  });
+  run_.Run();
+  EXPECT_TRUE(run_.Failed());
+  ExpectOutputDeleted();
 }
 
 TEST_F(ChangedInputTest, ALongerInputFailsTheMerge) {
@@ -372,6 +391,11 @@ TEST_F(ChangedInputTest, ATruncatedInputFailsTheMerge) {
                                 .Stream(3, "", std::string(300000, 'x'))
                                 .Build();
   RunAndChange("b.pdf", SimpleDocument(1), large, large.substr(0, 1000));
+}
+
+TEST_F(ChangedInputTest, AnInputThatIsWhollyInMemoryMayNotShrinkEither) {
+  const std::string small = SimpleDocument(20);
+  RunAndChange("a.pdf", small, SimpleDocument(1), small.substr(0, small.size() - 1));
 }
 
 TEST_F(ChangedInputTest, AnEmptiedInputFailsTheMerge) {

@@ -53,13 +53,14 @@ class OutputBufferTest : public ::testing::Test {
 
   testing::TempFolder Folder;
   FaultingSystem System;
+  SpareFileBuffers Spare;
   std::string SourceBytes;
   WindowsAPI::Handle From = -1;
   WindowsAPI::Handle To = -1;
 };
 
 TEST_F(OutputBufferTest, GathersWritesThatFollowEachOther) {
-  OutputBuffer buffer(System, To);
+  OutputBuffer buffer(System, To, Spare);
   EXPECT_FALSE(buffer.Write(0, "one "));
   EXPECT_FALSE(buffer.Write(4, "two "));
   EXPECT_FALSE(buffer.Write(8, "three"));
@@ -72,7 +73,7 @@ TEST_F(OutputBufferTest, GathersWritesThatFollowEachOther) {
 }
 
 TEST_F(OutputBufferTest, AJumpWritesWhatWasGathered) {
-  OutputBuffer buffer(System, To);
+  OutputBuffer buffer(System, To, Spare);
   EXPECT_FALSE(buffer.Write(0, "0123456789"));
   EXPECT_FALSE(buffer.Write(3, "abc"));
   EXPECT_FALSE(buffer.Write(6, "d"));
@@ -81,7 +82,7 @@ TEST_F(OutputBufferTest, AJumpWritesWhatWasGathered) {
 }
 
 TEST_F(OutputBufferTest, WritesMoreThanItGathers) {
-  OutputBuffer buffer(System, To);
+  OutputBuffer buffer(System, To, Spare);
   EXPECT_FALSE(buffer.Write(0, "a"));
   EXPECT_FALSE(buffer.Write(1, Part(0, 1000000)));
   EXPECT_FALSE(buffer.Write(1000001, "z"));
@@ -95,7 +96,7 @@ TEST_F(OutputBufferTest, ShortAndInterruptedWritesAreGoneOnWith) {
     return index % 3 == 0 ? FaultingSystem::Fault{EINTR, 0}
                           : FaultingSystem::Fault{0, index % 3 == 1 ? 70000U : 0U};
   };
-  OutputBuffer buffer(System, To);
+  OutputBuffer buffer(System, To, Spare);
   for (std::int64_t offset = 0; offset < 1000000; offset += 1000) {
     ASSERT_FALSE(buffer.Write(offset, Part(offset, 1000)));
   }
@@ -105,7 +106,7 @@ TEST_F(OutputBufferTest, ShortAndInterruptedWritesAreGoneOnWith) {
 
 TEST_F(OutputBufferTest, AFailedWriteIsTold) {
   System.Decide = FaultingSystem::Failing("WriteFile", ENOSPC);
-  OutputBuffer buffer(System, To);
+  OutputBuffer buffer(System, To, Spare);
   EXPECT_FALSE(buffer.Write(0, "text"));
   EXPECT_EQ(buffer.Write(100, "text").Code, ENOSPC);
   EXPECT_EQ(buffer.Write(4, Part(0, 300000)).Code, ENOSPC) << "more than it gathers";
@@ -122,7 +123,7 @@ class FullSystem : public FaultingSystem {
 
 TEST_F(OutputBufferTest, AWriteOfNothingIsAnErrorAndNoEndlessLoop) {
   FullSystem full;
-  OutputBuffer buffer(full, To);
+  OutputBuffer buffer(full, To, Spare);
   EXPECT_FALSE(buffer.Write(0, "text"));
   EXPECT_EQ(buffer.Flush().Code, EIO);
 }
@@ -131,8 +132,8 @@ TEST_F(OutputBufferTest, BlocksThatFollowEachOtherAreReadStraightIntoLargeAligne
   for (const std::int64_t from : {0, 1, 4096}) {
     System.Calls.clear();
     ASSERT_FALSE(System.SetEndOfFile(To, 0));
-    OutputBuffer buffer(System, To);
-    InputBuffer source(System, From, kSourceSize);
+    OutputBuffer buffer(System, To, Spare);
+    InputBuffer source(System, From, kSourceSize, Spare);
     ASSERT_FALSE(buffer.Write(0, "<"));
     for (std::int64_t done = 0; done < 1024 * 1024; done += 1000) {
       const std::int64_t count = std::min<std::int64_t>(1000, 1024 * 1024 - done);
@@ -146,8 +147,8 @@ TEST_F(OutputBufferTest, BlocksThatFollowEachOtherAreReadStraightIntoLargeAligne
 }
 
 TEST_F(OutputBufferTest, ALongRangeIsWrittenInSteps) {
-  OutputBuffer buffer(System, To);
-  InputBuffer source(System, From, kSourceSize);
+  OutputBuffer buffer(System, To, Spare);
+  InputBuffer source(System, From, kSourceSize, Spare);
   for (std::int64_t done = 0; done < kSourceSize; done += 1000) {
     const std::int64_t count = std::min<std::int64_t>(1000, kSourceSize - done);
     ASSERT_FALSE(buffer.Copy(done, source, done, count));
@@ -163,8 +164,8 @@ TEST_F(OutputBufferTest, AFewBytesArriveWhetherTheyAreInMemoryOrNotOrInPart) {
                                   std::int64_t{4095}, std::int64_t{4096}, std::int64_t{5000}}) {
     for (const std::int64_t count : {1, 50, 511, 512, 513}) {
       ASSERT_FALSE(System.SetEndOfFile(To, 0));
-      OutputBuffer buffer(System, To);
-      InputBuffer source(System, From, kSourceSize);
+      OutputBuffer buffer(System, To, Spare);
+      InputBuffer source(System, From, kSourceSize, Spare);
       ASSERT_TRUE(source.View(0, 1).Ok());
       ASSERT_FALSE(buffer.Write(0, "stream\n"));
       ASSERT_FALSE(buffer.Copy(7, source, from, count));
@@ -176,8 +177,8 @@ TEST_F(OutputBufferTest, AFewBytesArriveWhetherTheyAreInMemoryOrNotOrInPart) {
 }
 
 TEST_F(OutputBufferTest, AFewBytesThatAreInMemoryMayStandApartFromTheOthers) {
-  OutputBuffer buffer(System, To);
-  InputBuffer source(System, From, kSourceSize);
+  OutputBuffer buffer(System, To, Spare);
+  InputBuffer source(System, From, kSourceSize, Spare);
   ASSERT_TRUE(source.View(0, 1).Ok());
   ASSERT_FALSE(buffer.Copy(0, source, 0, 10));
   ASSERT_FALSE(buffer.Copy(20, source, 20, 10));
@@ -187,9 +188,9 @@ TEST_F(OutputBufferTest, AFewBytesThatAreInMemoryMayStandApartFromTheOthers) {
 }
 
 TEST_F(OutputBufferTest, RangesThatDoNotFollowEachOtherAreCopiedEachInItsPlace) {
-  OutputBuffer buffer(System, To);
-  InputBuffer source(System, From, kSourceSize);
-  InputBuffer sameFile(System, From, kSourceSize);
+  OutputBuffer buffer(System, To, Spare);
+  InputBuffer source(System, From, kSourceSize, Spare);
+  InputBuffer sameFile(System, From, kSourceSize, Spare);
   ASSERT_FALSE(buffer.Copy(0, source, 100, 10));
   ASSERT_FALSE(buffer.Copy(10, source, 500, 10)) << "a jump in the input";
   ASSERT_FALSE(buffer.Copy(20, sameFile, 510, 10)) << "another source";
@@ -202,9 +203,9 @@ TEST_F(OutputBufferTest, RangesThatDoNotFollowEachOtherAreCopiedEachInItsPlace) 
 TEST_F(OutputBufferTest, ARangeOfAnotherFileIsAnotherRangeWhereverItBegins) {
   const auto otherFile =
       System.CreateFile(Folder.Write("other", std::string(100, 'o')), OpenMode::ReadExisting);
-  OutputBuffer buffer(System, To);
-  InputBuffer source(System, From, kSourceSize);
-  InputBuffer other(System, otherFile.Value(), 100);
+  OutputBuffer buffer(System, To, Spare);
+  InputBuffer source(System, From, kSourceSize, Spare);
+  InputBuffer other(System, otherFile.Value(), 100, Spare);
   ASSERT_FALSE(buffer.Copy(0, source, 0, 50));
   ASSERT_FALSE(buffer.Copy(50, other, 50, 50));
   ASSERT_FALSE(buffer.Flush());
@@ -218,8 +219,8 @@ TEST_F(OutputBufferTest, ShortAndInterruptedReadsDuringACopyAreGoneOnWith) {
     if (call.Name != "ReadFile") return FaultingSystem::Fault{};
     return ++reads % 2 == 0 ? FaultingSystem::Fault{EINTR, 0} : FaultingSystem::Fault{0, 100000};
   };
-  OutputBuffer buffer(System, To);
-  InputBuffer source(System, From, kSourceSize);
+  OutputBuffer buffer(System, To, Spare);
+  InputBuffer source(System, From, kSourceSize, Spare);
   ASSERT_FALSE(buffer.Write(0, "stream\n"));
   ASSERT_FALSE(buffer.Copy(7, source, 5, 1000000));
   ASSERT_FALSE(buffer.Write(1000007, "endstream\r\n"));
@@ -230,8 +231,8 @@ TEST_F(OutputBufferTest, ShortAndInterruptedReadsDuringACopyAreGoneOnWith) {
 
 TEST_F(OutputBufferTest, AFullDiskDuringACopyShows) {
   System.Decide = FaultingSystem::Failing("WriteFile", ENOSPC);
-  OutputBuffer buffer(System, To);
-  InputBuffer source(System, From, kSourceSize);
+  OutputBuffer buffer(System, To, Spare);
+  InputBuffer source(System, From, kSourceSize, Spare);
   ASSERT_FALSE(buffer.Write(0, "text"));
   ASSERT_FALSE(buffer.Copy(4, source, 0, 1000000));
   EXPECT_EQ(buffer.Flush().Code, ENOSPC);
@@ -240,8 +241,8 @@ TEST_F(OutputBufferTest, AFullDiskDuringACopyShows) {
 
 TEST_F(OutputBufferTest, AFailedReadDuringACopyShows) {
   System.Decide = FaultingSystem::Failing("ReadFile", EIO);
-  OutputBuffer buffer(System, To);
-  InputBuffer source(System, From, kSourceSize);
+  OutputBuffer buffer(System, To, Spare);
+  InputBuffer source(System, From, kSourceSize, Spare);
   ASSERT_FALSE(buffer.Copy(0, source, 0, 1000));
   EXPECT_EQ(buffer.Flush().Code, EIO);
   ASSERT_FALSE(buffer.Copy(0, source, 0, 1000));
@@ -249,8 +250,8 @@ TEST_F(OutputBufferTest, AFailedReadDuringACopyShows) {
 }
 
 TEST_F(OutputBufferTest, ASourceThatEndsEarlyShowsAsAFailedRead) {
-  OutputBuffer buffer(System, To);
-  InputBuffer source(System, From, kSourceSize + 100000);
+  OutputBuffer buffer(System, To, Spare);
+  InputBuffer source(System, From, kSourceSize + 100000, Spare);
   ASSERT_FALSE(buffer.Copy(0, source, kSourceSize - 10, 100000));
   EXPECT_EQ(buffer.Flush().Code, EIO);
 }

@@ -166,7 +166,7 @@ TEST_P(BoundedWork, GrowsWithTheBytesAndNotFaster) {
     if (!testing::kSanitized) {
       EXPECT_LT(many.Seconds, few.Seconds * growth * tolerance + 0.1);
     }
-    // A jump back reads a window of 4 KiB, and a section is some 80 bytes long.
+    // A jump back reads a window of 1 KiB, and a section is some 80 bytes long.
     EXPECT_LT(many.Bytes, 60 * greater.size() + 40000000);
     EXPECT_LT(many.Calls, greater.size() / 60 + 1000);
     // No more than a fixed number of bytes for every byte of the file, beside the object table.

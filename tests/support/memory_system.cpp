@@ -53,6 +53,7 @@ FileInformation MemorySystem::InformationOf(const File& file) {
   information.Identity = {1, file.Number};
   information.Size = static_cast<std::int64_t>(file.Bytes.size());
   information.WriteSeconds = file.Changes;
+  information.ChangeSeconds = file.Changes;
   return information;
 }
 
