@@ -14,6 +14,8 @@ namespace {
 using WindowTest = WindowFixture;
 
 TEST_F(WindowTest, TwoThatChangeSettingsAtOnceLoseNoneAndMixNone) {
+  // The lock of the settings is waited for by the clock.
+  system_.FastClock = false;
   Open();
   ASSERT_EQ(Stored("MenuSort"), "1");
   std::vector<std::unique_ptr<QProcess>> others;
@@ -58,6 +60,7 @@ TEST_F(WindowTest, TwoThatChangeSettingsAtOnceLoseNoneAndMixNone) {
 
 int RunAsSecondWindow(const std::string& part, const std::string& config) {
   WindowSystem system;
+  system.FastClock = false;
   system.Environment = {{"XDG_CONFIG_HOME", config}};
   AnsweringDialogs dialogs;
   FakeDesktop desktop(system);

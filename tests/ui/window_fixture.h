@@ -54,12 +54,15 @@ class AnsweringDialogs : public Dialogs {
 /// viewers that are no processes.
 class WindowSystem : public FaultingSystem {
  public:
-  std::int64_t MillisecondsNow() override { return now_ += 100; }
+  std::int64_t MillisecondsNow() override {
+    return FastClock ? now_ += 100 : FaultingSystem::MillisecondsNow();
+  }
   SystemResult<bool> PollProcess(Process child) override;
   SystemError TerminateProcess(Process process) override;
 
   static constexpr Process kViewer = 4711;
 
+  bool FastClock = true;
   bool ViewerRuns = false;
   int Polls = 0;
   std::vector<Process> Terminated;
