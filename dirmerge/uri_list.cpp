@@ -74,4 +74,13 @@ std::vector<std::string> FilesOfUriList(std::string_view list, std::string_view 
   return files;
 }
 
+std::size_t CountOfUriList(std::string_view list) {
+  std::size_t count = 0;
+  while (!list.empty()) {
+    const std::string_view address = TakeLine(list);
+    if (!address.empty() && address.front() != '#') ++count;
+  }
+  return count;
+}
+
 }  // namespace folioweld

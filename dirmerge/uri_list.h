@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,5 +12,8 @@ namespace folioweld {
 /// and need not be UTF-8. Left out are comments, addresses of another kind or of another machine than
 /// `thisHost`, and paths that no file can have.
 [[nodiscard]] std::vector<std::string> FilesOfUriList(std::string_view list, std::string_view thisHost);
+
+/// How many addresses of any kind the list has.
+[[nodiscard]] std::size_t CountOfUriList(std::string_view list);
 
 }  // namespace folioweld

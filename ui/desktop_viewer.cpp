@@ -37,7 +37,7 @@ std::string FullProgramPath(GAppInfo* program) {
 }
 
 extern "C" void RememberProcess(GDesktopAppInfo* /*program*/, GPid process, gpointer place) {
-  *static_cast<ViewerDesktop::Process*>(place) = process;
+  *static_cast<ViewerProcess*>(place) = process;
 }
 
 }  // namespace
@@ -68,7 +68,7 @@ std::string DesktopViewer::FindPdfReader(const std::string& extension) {
   return path;
 }
 
-bool DesktopViewer::LaunchProcess(const std::string& document, Process& process) {
+bool DesktopViewer::LaunchProcess(const std::string& document, ViewerProcess& process) {
   process = 0;
   if (!association_) return false;
   const std::string uri = Taken(g_filename_to_uri(document.c_str(), nullptr, nullptr));
@@ -82,7 +82,7 @@ bool DesktopViewer::LaunchProcess(const std::string& document, Process& process)
   return started && process > 0;
 }
 
-bool DesktopViewer::CloseThreadWindows(Process process) {
+bool DesktopViewer::CloseThreadWindows(ViewerProcess process) {
   return CloseX11Windows(process);
 }
 

@@ -13,8 +13,8 @@ class DesktopViewer : public ViewerDesktop {
   ~DesktopViewer() override;
 
   std::string FindPdfReader(const std::string& extension) override;
-  bool LaunchProcess(const std::string& document, Process& process) override;
-  bool CloseThreadWindows(Process process) override;
+  bool LaunchProcess(const std::string& document, ViewerProcess& process) override;
+  bool CloseThreadWindows(ViewerProcess process) override;
 
  private:
   struct Association;

@@ -6,10 +6,10 @@
 
 namespace folioweld {
 
-std::vector<std::string> DraggedFiles(const QMimeData* data) {
+DraggedFiles FilesOf(const QMimeData* data) {
   if (data == nullptr) return {};
-  return FilesOfUriList(data->data(QStringLiteral("text/uri-list")).toStdString(),
-                        QSysInfo::machineHostName().toStdString());
+  const std::string list = data->data(QStringLiteral("text/uri-list")).toStdString();
+  return {CountOfUriList(list), FilesOfUriList(list, QSysInfo::machineHostName().toStdString())};
 }
 
 }  // namespace folioweld

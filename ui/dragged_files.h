@@ -1,12 +1,20 @@
 #pragma once
 
 #include <QMimeData>
+#include <cstddef>
 #include <string>
 #include <vector>
 
 namespace folioweld {
 
-/// The local files of dragged data, as the bytes of their paths; what is no local file is left out.
-[[nodiscard]] std::vector<std::string> DraggedFiles(const QMimeData* data);
+/// What is dragged: how many entries its list of addresses has, and which of them are local files, as the
+/// bytes of their paths.
+struct DraggedFiles {
+  std::size_t Entries = 0;
+  std::vector<std::string> Paths;
+};
+
+/// Nothing at all when the data holds no list of addresses or is null.
+[[nodiscard]] DraggedFiles FilesOf(const QMimeData* data);
 
 }  // namespace folioweld

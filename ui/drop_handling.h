@@ -2,11 +2,9 @@
 
 #include <QDropEvent>
 #include <QObject>
-#include <QPointer>
-#include <array>
 #include <functional>
-#include <string>
-#include <vector>
+
+#include "ui/dragged_files.h"
 
 namespace folioweld {
 
@@ -16,13 +14,15 @@ class DropHandling : public QObject {
 
  public:
   struct Hooks {
-    /// Whether a drop would be taken at all.
+    /// Whether drops are taken at all now.
     std::function<bool()> Allowed;
-    /// A drag is over the place 0, 1 or 2, or over the rest of the window (-1).
-    std::function<void(int index)> Over;
-    /// Called from the event loop, not from within the drop, so that the other program need not wait for a
-    /// merge.
-    std::function<void(int index, const std::vector<std::string>& files)> Dropped;
+    /// A drag is over place 0, 1 or 2, or over the rest of the window (-1).
+    std::function<void(int index, const DraggedFiles& files)> Over;
+    /// It went away, or was dropped.
+    std::function<void()> Gone;
+    /// Called from the event loop and not from within the drop, so that the other program need not wait for a
+    /// merge. `allowed` is of the moment of the drop.
+    std::function<void(int index, const DraggedFiles& files, bool allowed)> Dropped;
   };
 
   explicit DropHandling(Hooks hooks) : hooks_(std::move(hooks)) {}
@@ -32,10 +32,16 @@ class DropHandling : public QObject {
 
   bool eventFilter(QObject* watched, QEvent* event) override;
 
+  // Of the labels; the rest of a place and of the window does what the status labels do.
+  void txtFileName_OLEDragOver(int index, QDropEvent* event) { OLEDragOver(index, event); }
+  void txtFileName_OLEDragDrop(int index, QDropEvent* event) { OLEDragDrop(index, event); }
+  void txtDoing_OLEDragOver(int index, QDropEvent* event) { OLEDragOver(index, event); }
+  void txtDoing_OLEDragDrop(int index, QDropEvent* event) { OLEDragDrop(index, event); }
+
  private:
-  /// Of the offered effects only a copy is taken, and nothing but files.
-  void CheckOLEDragFormat(QDropEvent* event) const;
+  void OLEDragOver(int index, QDropEvent* event);
   void OLEDragDrop(int index, QDropEvent* event);
+  void CheckOLEDragFormat(const DraggedFiles& files, QDropEvent* event) const;
 
   Hooks hooks_;
 };

@@ -41,10 +41,14 @@ Folioweld::Folioweld(WindowsAPI& system, Dialogs& dialogs, ViewerDesktop& deskto
       viewer_(system, desktop),
       menus_(menuBar()),
       logWindow_(log_, [this] { MnuLogHide_Click(); }),
-      drops_(
-          {[this] { return !Busy() && QApplication::activeModalWidget() == nullptr; },
-           [this](int index) { DropTarget = static_cast<std::int16_t>(index); },
-           [this](int index, const std::vector<std::string>& files) { ProcessOLEDragDrop(index, files); }}) {
+      drops_({[this] { return TakesDrops(); },
+              [this](int index, const DraggedFiles& files) { ShowDrag(index, files); },
+              [this] {
+                for (FilePlace* place : places_) place->ShowMarked(false);
+              },
+              [this](int index, const DraggedFiles& files, bool allowed) {
+                ProcessOLEDragDrop(index, files, allowed);
+              }}) {
   program_.CommandLine = std::move(commandLine);
   files_.SetLog(&log_);
   setObjectName(QStringLiteral("Folioweld"));
@@ -79,7 +83,10 @@ void Folioweld::BuildControls() {
                                      Name("CmdClrOut"), tr("output file")}};
   for (std::size_t i = 0; i < places_.size(); ++i) {
     places_[i] = new FilePlace(names[i], client);
-    drops_.Watch(places_[i], static_cast<int>(i));
+    for (QWidget* target : {static_cast<QWidget*>(places_[i]), static_cast<QWidget*>(places_[i]->txtFileName),
+                            static_cast<QWidget*>(places_[i]->txtDoing)}) {
+      drops_.Watch(target, static_cast<int>(i));
+    }
   }
   drops_.Watch(this, -1);
   pictToggle_ = new TogglePicture(places_[0]);

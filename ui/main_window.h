@@ -94,8 +94,9 @@ class Folioweld : public QMainWindow, private JobWindow {
   void ApplyLogWindowOption();
 
   // Drops.
-  /// What was dropped on place 0, 1 or 2, or, with any other index, beside the places.
-  void ProcessOLEDragDrop(int index, const std::vector<std::string>& files);
+  /// What was dropped on place 0, 1 or 2, or, with any other index, beside the places; `allowed` while
+  /// nothing ran and no dialog was open.
+  void ProcessOLEDragDrop(int index, const DraggedFiles& files, bool allowed);
 
   [[nodiscard]] bool Busy() const override { return program_.Merge.JobRunning || program_.ExternalBusy; }
   [[nodiscard]] bool WasActivated() const { return activated_; }
@@ -141,6 +142,9 @@ class Folioweld : public QMainWindow, private JobWindow {
 
   std::string& FileName(int slot) { return program_.Merge.DocFileName(slot); }
   void ChooseInput(int slot, const std::string& ordinal);
+  /// Whether the document can be joined. When not, the log says why.
+  [[nodiscard]] bool Accepts(const std::string& name, const std::string& logPrefix);
+  void LogLine(const std::string& logPrefix, const std::string& line);
   [[nodiscard]] bool IsInputFile(const std::string& name);
   /// The save dialog with everything that belongs to it: the default extension, and the question whether a
   /// name that the dialog did not ask about may be overwritten. Empty when the user cancelled.
@@ -161,6 +165,11 @@ class Folioweld : public QMainWindow, private JobWindow {
   class RunningLookLifted;
   void EnterViewerMode();
 
+  [[nodiscard]] bool TakesDrops() const;
+  void ShowDrag(int index, const DraggedFiles& files);
+  [[nodiscard]] bool IsFolder(const std::string& path);
+  [[nodiscard]] std::string WhyIgnored(const DraggedFiles& files, bool allowed) const;
+  void IgnoreDrop(const std::string& reason);
   void DropFolder(const std::string& folder);
   void DropFile(const std::string& path);
 

@@ -1,5 +1,7 @@
 // What happens to a file or a folder that was dropped.
 
+#include <QApplication>
+
 #include "dirmerge/paths.h"
 #include "ui/main_window.h"
 
@@ -11,29 +13,63 @@ constexpr char kLogPrefix[] = "[Folioweld-ProcessOLEDragDrop]=>";
 
 }  // namespace
 
-void Folioweld::ProcessOLEDragDrop(int index, const std::vector<std::string>& files) {
-  if (Busy()) return;
+bool Folioweld::TakesDrops() const {
+  return !Busy() && QApplication::activeModalWidget() == nullptr;
+}
+
+/// A place is marked while a drop would fill it; a folder is taken anywhere, so for one all of them are.
+void Folioweld::ShowDrag(int index, const DraggedFiles& files) {
   DropTarget = static_cast<std::int16_t>(index);
-  if (files.size() == 1) {
-    const std::string& path = files.front();
-    const auto attributes = system_.GetFileAttributes(path);
-    if (attributes.Ok() && attributes.Value().Kind == FileKind::Directory) {
-      DropFolder(path);
-    } else {
-      DropFile(path);
-    }
+  const bool taken = WhyIgnored(files, TakesDrops()).empty();
+  const bool folder = taken && IsFolder(files.Paths.front());
+  for (int place = 0; place < 3; ++place) {
+    const bool fills = place == index && (place < 2 || !FileName(1).empty());
+    places_[static_cast<std::size_t>(place)]->ShowMarked(taken && (folder || fills));
   }
+}
+
+bool Folioweld::IsFolder(const std::string& path) {
+  const auto attributes = system_.GetFileAttributes(path);
+  return attributes.Ok() && attributes.Value().Kind == FileKind::Directory;
+}
+
+/// Empty when there is one file or folder that can be taken.
+std::string Folioweld::WhyIgnored(const DraggedFiles& files, bool allowed) const {
+  if (!allowed) return "a merge, a viewer or a question that comes first";
+  if (files.Entries == 0) return "what it holds: no files";
+  if (files.Entries > 1) return "what it holds: " + std::to_string(files.Entries) + " entries instead of one";
+  if (files.Paths.empty()) return "what it holds: no file of this machine";
+  return {};
+}
+
+void Folioweld::IgnoreDrop(const std::string& reason) {
+  LogLine(kLogPrefix, "Index: " + std::to_string(DropTarget) + " * the drop is ignored");
+  LogLine(kLogPrefix, "  because of " + reason);
+}
+
+void Folioweld::ProcessOLEDragDrop(int index, const DraggedFiles& files, bool allowed) {
+  DropTarget = static_cast<std::int16_t>(index);
+  const std::string reason = WhyIgnored(files, allowed && !Busy());
+  if (!reason.empty()) {
+    IgnoreDrop(reason);
+  } else if (IsFolder(files.Paths.front())) {
+    DropFolder(files.Paths.front());
+  } else {
+    DropFile(files.Paths.front());
+  }
+  if (Busy()) return;
   RefreshControls();
   FinishIfEnding();
 }
 
 void Folioweld::DropFolder(const std::string& folder) {
-  if (program_.Merge.LogEnabled) {
-    log_.AddLogLine(kLogPrefix + ("Index: " + std::to_string(DropTarget)) + " * directory name: <" + folder +
-                    "> has been stored for later use");
-  }
+  LogLine(kLogPrefix, "Index: " + std::to_string(DropTarget) + " * directory name: <" + folder +
+                          "> has been stored for later use");
   const CurrentDirectoryKeeper keeper(system_);
-  if (system_.SetCurrentDirectory(folder)) return;
+  if (const SystemError error = system_.SetCurrentDirectory(folder)) {
+    IgnoreDrop("\"" + folder + "\": " + error.Words());
+    return;
+  }
   const std::string directory = WithSeparator(folder);
   static_cast<void>(settings_.WriteSetting("MergeCurDir", directory));
   SetSortOrder(dialogs_.AskSortOrder(program_.SortOrder));
@@ -45,11 +81,9 @@ void Folioweld::DropFolder(const std::string& folder) {
 }
 
 void Folioweld::DropFile(const std::string& path) {
-  if (program_.Merge.LogEnabled) {
-    log_.AddLogLine(kLogPrefix + ("Index: " + std::to_string(DropTarget)) + " * file name: <" + path + ">");
-  }
+  LogLine(kLogPrefix, "Index: " + std::to_string(DropTarget) + " * file name: <" + path + ">");
   if (DropTarget == 0) {
-    if (IsThisDocumentApdf(files_, path)) {
+    if (Accepts(path, kLogPrefix)) {
       SetFileName(1, path);
     } else {
       CmdClr1_Click();
@@ -57,8 +91,12 @@ void Folioweld::DropFile(const std::string& path) {
   } else if (DropTarget == 1) {
     RefreshControls();
     if (!places_[1]->Select->isEnabled()) DropTarget = 0;
-    SetFileName(DropTarget + 1, IsThisDocumentApdf(files_, path) ? path : std::string());
-  } else if (DropTarget == 2 && !FileName(1).empty()) {
+    SetFileName(DropTarget + 1, Accepts(path, kLogPrefix) ? path : std::string());
+  } else if (DropTarget != 2) {
+    IgnoreDrop("where it fell: beside the places for files");
+  } else if (FileName(1).empty()) {
+    IgnoreDrop("the 1st input, which comes before the output");
+  } else {
     SetFileName(3, path);
   }
 }

@@ -9,6 +9,8 @@ namespace folioweld {
 
 namespace {
 
+constexpr char kOutputPrefix[] = "[Folioweld-cmdOutput_Click]=>";
+
 std::string Quoted(const std::string& name) {
   return "\"" + name + "\"";
 }
@@ -36,13 +38,25 @@ void Folioweld::ChooseInput(int slot, const std::string& ordinal) {
   const std::string name = dialogs_.AskOpenFile({"Folioweld - Please choose " + ordinal + " input file",
                                                  kDialogExtension, kDialogFilter, FileName(slot)});
   if (!name.empty()) {
-    if (IsThisDocumentApdf(files_, name)) {
+    if (Accepts(name, "[Folioweld-cmdInput" + std::to_string(slot) + "_Click]=>")) {
       SetFileName(slot, name);
     } else {
       Refuse(Quoted(name) + "\r\n is not a suitable PDF document for this program");
     }
   }
   RefreshControls();
+}
+
+void Folioweld::LogLine(const std::string& logPrefix, const std::string& line) {
+  if (program_.Merge.LogEnabled) log_.AddLogLine(logPrefix + line);
+}
+
+bool Folioweld::Accepts(const std::string& name, const std::string& logPrefix) {
+  PassFailure why;
+  if (IsThisDocumentApdf(files_, name, &why)) return true;
+  LogLine(logPrefix, "File: " + Quoted(name) + "  is not acceptable for merging");
+  LogLine(logPrefix, "  because of " + why.Sentence({}) + " (" + Quoted(name) + ")");
+  return false;
 }
 
 void Folioweld::cmdOutput_Click() {
@@ -85,6 +99,7 @@ bool Folioweld::IsInputFile(const std::string& name) {
 
 void Folioweld::TakeOutput(const std::string& name) {
   if (IsInputFile(name)) {
+    LogLine(kOutputPrefix, "The output file " + Quoted(name) + " is also an input file.");
     Refuse("The output file\r\n" + Quoted(name) +
            "\r\n is also an input file.\r\nI cannot do this operation!");
     return;
@@ -94,7 +109,9 @@ void Folioweld::TakeOutput(const std::string& name) {
   std::string folder;
   SplitPath(name, fileName, folder);
   const CurrentDirectoryKeeper keeper(system_);
-  if (system_.SetCurrentDirectory(WithSeparator(folder))) {
+  if (const SystemError error = system_.SetCurrentDirectory(WithSeparator(folder))) {
+    LogLine(kOutputPrefix, "The output file " + Quoted(name) + " cannot be created.");
+    LogLine(kOutputPrefix, "  because of " + error.Words() + " (" + Quoted(folder) + ")");
     Refuse("The output file\r\n" + Quoted(name) + "\r\n cannot be created.\r\nI cannot do this operation!");
     return;
   }

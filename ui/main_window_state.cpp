@@ -202,7 +202,7 @@ std::string Folioweld::BrowseForFolder(const FolderRequest& request) {
 void Folioweld::ShowOutput(const std::string& path) {
   MergeState& merge = program_.Merge;
   if (path.empty() || !merge.ShowOutputAfterMerge || merge.SilentMode || !ReaderAvailable || ending_) return;
-  Viewer::Process process = 0;
+  ViewerProcess process = 0;
   if (!viewer_.LaunchProcess(path, process)) return;
   program_.ExternalBusy = true;
   viewerWatched_ = true;

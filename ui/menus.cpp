@@ -1,5 +1,6 @@
 #include "ui/menus.h"
 
+#include <QActionGroup>
 #include <QCoreApplication>
 
 namespace folioweld {
@@ -34,6 +35,12 @@ QAction* AddItem(QMenu* menu, const char* name, const char* caption, bool checka
   return item;
 }
 
+/// One of them is always checked, which styles show by a round mark.
+void MakeExclusive(QMenu* menu, const QList<QAction*>& items) {
+  auto* group = new QActionGroup(menu);
+  for (QAction* item : items) group->addAction(item);
+}
+
 }  // namespace
 
 Menus::Menus(QMenuBar* bar) {
@@ -55,6 +62,10 @@ Menus::Menus(QMenuBar* bar) {
   MenuOptViewNo = AddItem(MenuOptViewOutput, "MenuOptViewNo", "Do not display", true);
   MenuTmp0 = AddItem(MenuOpt0, "MenuTmp0", "Select TMP directory");
   MenuDefaultTmp0 = AddItem(MenuOpt0, "MenuDefaultTmp0", "Set default TMP directory");
+
+  MakeExclusive(MenuSortOpt0, {MenuSortLexical, MenuSortLexicalRev, MenuSortByDate, MenuSortByDateRev});
+  MakeExclusive(ShowLogWindow, {MnuLogShow, MnuLogHide});
+  MakeExclusive(MenuOptViewOutput, {MenuOptViewYes, MenuOptViewNo});
 
   MenuAbout0 = AddMenu(bar, "MenuAbout0", "About");
   MenuAboutFolioweld = AddItem(MenuAbout0, "MenuAboutFolioweld", "Folioweld");

@@ -80,9 +80,14 @@ std::string QtDialogs::AskSaveFile(const FileRequest& request) {
 }
 
 std::string QtDialogs::AskFolder(const FolderRequest& request) {
-  QFileDialog dialog(owner_, ShownText(request.Title), PathForDialog(request.InitialFolder));
+  return BrowseForFolder(owner_, request.Title, request.InitialFolder, 0);
+}
+
+std::string QtDialogs::BrowseForFolder(QWidget* owner, const std::string& title,
+                                       const std::string& initialFolder, std::int16_t includeFiles) {
+  QFileDialog dialog(owner, ShownText(title), PathForDialog(initialFolder));
   dialog.setFileMode(QFileDialog::Directory);
-  dialog.setOption(QFileDialog::ShowDirsOnly);
+  dialog.setOption(QFileDialog::ShowDirsOnly, includeFiles <= 0);
   return Ask(dialog, {});
 }
 

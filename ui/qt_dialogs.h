@@ -23,6 +23,9 @@ class QtDialogs : public Dialogs {
   void CloseAll() override;
 
  private:
+  /// Files are listed beside the folders when `includeFiles` is positive; only a folder can be chosen.
+  [[nodiscard]] std::string BrowseForFolder(QWidget* owner, const std::string& title,
+                                            const std::string& initialFolder, std::int16_t includeFiles);
   [[nodiscard]] std::string Ask(QFileDialog& dialog, const std::string& initialName);
 
   QPointer<QWidget> owner_;

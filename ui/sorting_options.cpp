@@ -59,6 +59,12 @@ SortingOptions::SortingOptions(QWidget* parent) : QDialog(parent) {
   for (std::size_t i = 1; i < option1_.size(); ++i) setTabOrder(option1_[i - 1], option1_[i]);
   setTabOrder(option1_.back(), cmdOK_);
   setTabOrder(cmdOK_, cmdCancel_);
+  Form_Load();
+}
+
+void SortingOptions::Form_Load() {
+  activated_ = false;
+  inClick_ = false;
   Arrange();
 }
 
@@ -90,6 +96,10 @@ void SortingOptions::cmdCancel_Click() {
 
 void SortingOptions::showEvent(QShowEvent* event) {
   QDialog::showEvent(event);
+  Form_Activate();
+}
+
+void SortingOptions::Form_Activate() {
   if (activated_) return;
   activated_ = true;
   QRect place(QPoint(), frameGeometry().size());

@@ -25,6 +25,9 @@ class SortingOptions : public QDialog {
   void SetSortOption(std::int16_t value);
   [[nodiscard]] std::int16_t SortOption() const { return sorting_; }
 
+  void Form_Load();
+  /// Centres the window on its screen, the first time.
+  void Form_Activate();
   void Option1_Click(int index);
   void cmdOK_Click();
   void cmdCancel_Click();

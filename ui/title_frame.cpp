@@ -23,6 +23,12 @@ QColor LineColour(const QPalette& palette) {
 
 }  // namespace
 
+void TitleFrame::ShowMarked(bool marked) {
+  if (marked == marked_) return;
+  marked_ = marked;
+  update();
+}
+
 void TitleFrame::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   const QRect words = painter.fontMetrics().boundingRect(title());
@@ -34,7 +40,7 @@ void TitleFrame::paintEvent(QPaintEvent* /*event*/) {
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setClipPath(outside.subtracted(gap));
-  painter.setPen(LineColour(palette()));
+  painter.setPen(marked_ ? QPen(palette().color(QPalette::Highlight), 2) : QPen(LineColour(palette()), 1));
   painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, place.center().y() + 0.5, -0.5, -0.5), kCorner,
                           kCorner);
   painter.restore();

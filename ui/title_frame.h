@@ -12,8 +12,15 @@ class TitleFrame : public QGroupBox {
  public:
   using QGroupBox::QGroupBox;
 
+  /// Whether the line stands out, in the colour of what is selected.
+  void ShowMarked(bool marked);
+  [[nodiscard]] bool Marked() const { return marked_; }
+
  protected:
   void paintEvent(QPaintEvent* event) override;
+
+ private:
+  bool marked_ = false;
 };
 
 }  // namespace folioweld

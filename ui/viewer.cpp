@@ -5,7 +5,7 @@
 
 namespace folioweld {
 
-void Viewer::WaitForViewer(Process process, const std::function<Request()>& request,
+void Viewer::WaitForViewer(ViewerProcess process, const std::function<Request()>& request,
                            const std::function<void()>& idle) {
   while (StillRuns(process)) {
     idle();
@@ -19,18 +19,18 @@ void Viewer::WaitForViewer(Process process, const std::function<Request()>& requ
 
 bool Viewer::CollectEnded() {
   unobserved_.erase(std::remove_if(unobserved_.begin(), unobserved_.end(),
-                                   [this](Process process) { return !StillRuns(process); }),
+                                   [this](ViewerProcess process) { return !StillRuns(process); }),
                     unobserved_.end());
   return !unobserved_.empty();
 }
 
-bool Viewer::StillRuns(Process process) {
+bool Viewer::StillRuns(ViewerProcess process) {
   const auto running = system_.PollProcess(process);
   if (!running.Ok()) return running.Error().Code == EINTR;
   return running.Value();
 }
 
-void Viewer::Close(Process process) {
+void Viewer::Close(ViewerProcess process) {
   if (desktop_.CloseThreadWindows(process)) return;
   // No window that is known to be the viewer's. An error says that it has ended already, which is as good.
   static_cast<void>(system_.TerminateProcess(process));

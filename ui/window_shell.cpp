@@ -64,6 +64,8 @@ void WindowShell::LeaveRunningState() {
 }
 
 void WindowShell::ShowMessage(MessageIcon icon, const std::string& title, const std::string& text) {
+  // The box speaks of what the status lines have to show by then.
+  ShowChangedStatusTexts();
   window_.ShowMessage({BoxIconOf(icon), title, text});
 }
 

@@ -110,6 +110,11 @@ class Display {
   xcb_connection_t* connection_;
 };
 
+/// Asks one window of those looked through to close. False when it is not the process's, or cannot be asked.
+bool CloseWindowCallback(const Display& display, xcb_window_t window, int process) {
+  return display.BelongsTo(window, process) && display.RequestClose(window);
+}
+
 }  // namespace
 
 bool CloseX11Windows(int process) {
@@ -117,7 +122,7 @@ bool CloseX11Windows(int process) {
   if (!display.Open()) return false;
   bool asked = false;
   for (const xcb_window_t window : display.ManagedWindows()) {
-    if (display.BelongsTo(window, process) && display.RequestClose(window)) asked = true;
+    if (CloseWindowCallback(display, window, process)) asked = true;
   }
   display.Finish();
   return asked;

@@ -36,6 +36,13 @@ TEST(UriList, LeavesOutWhatIsNoFileOfThisMachine) {
   EXPECT_EQ(FilesOf("file://LOCALHOST/a\nFile://workbench/b\nfile:/c"), (Files{"/a", "/b", "/c"}));
 }
 
+TEST(UriList, CountsEveryAddressAndNoComment) {
+  EXPECT_EQ(CountOfUriList(""), 0U);
+  EXPECT_EQ(
+      CountOfUriList("# file:///comment\r\n\r\nfile:///a\r\nhttps://example.com/b\r\nfile://elsewhere/c"),
+      3U);
+}
+
 TEST(UriList, LeavesOutPathsThatNoFileCanHave) {
   EXPECT_EQ(FilesOf("file:///a%00b\nfile:relative\nfile://\nfile://localhost\nfile:%2Fa%00"), Files{});
   EXPECT_EQ(FilesOf(std::string_view("file:///a\0b\nfile:///c", 21)), Files{"/c"});

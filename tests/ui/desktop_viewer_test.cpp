@@ -41,7 +41,7 @@ class DesktopViewerTest : public ::testing::Test {
     fs::remove(Told());
   }
 
-  bool WaitForEnd(ViewerDesktop::Process process) {
+  bool WaitForEnd(ViewerProcess process) {
     return QTest::qWaitFor(
         [&] {
           const auto running = system_.PollProcess(process);
@@ -63,7 +63,7 @@ TEST_F(DesktopViewerTest, GivesNamesOfAnyBytesToTheReaderAsOneArgument) {
        {std::string("a plain.pdf"), std::string("-o $(touch x) `y` \"q\" 'a' %f %% ; & | > z.pdf"),
         std::string("line\nends\r.pdf"), std::string("\xFF\xFE no UTF-8 #?%41.pdf")}) {
     fs::remove(Told());
-    ViewerDesktop::Process process = 0;
+    ViewerProcess process = 0;
     ASSERT_TRUE(desktop_.LaunchProcess(home_->Write(name, "x"), process)) << name;
     ASSERT_TRUE(WaitForEnd(process)) << name;
     EXPECT_EQ(ReadFile(Told()), "1\n" + home_->File(name) + "\n");
@@ -75,7 +75,7 @@ TEST_F(DesktopViewerTest, GivesNamesOfAnyBytesToTheReaderAsOneArgument) {
 TEST_F(DesktopViewerTest, AReaderThatHasGoneSinceItWasFoundIsNobodyToWaitFor) {
   ASSERT_EQ(desktop_.FindPdfReader("pdf"), Program());
   fs::remove(Program());
-  ViewerDesktop::Process process = 4711;
+  ViewerProcess process = 4711;
   // The desktop's library may start a helper first, which then ends instead of becoming the reader.
   const bool started = desktop_.LaunchProcess(home_->Write("a.pdf", "x"), process);
   EXPECT_EQ(process > 0, started);
@@ -89,7 +89,7 @@ TEST_F(DesktopViewerTest, AReaderThatHasGoneSinceItWasFoundIsNobodyToWaitFor) {
 
 TEST_F(DesktopViewerTest, WithoutAReaderNothingIsFoundOrStarted) {
   EXPECT_EQ(desktop_.FindPdfReader("no such extension"), "");
-  ViewerDesktop::Process process = 4711;
+  ViewerProcess process = 4711;
   EXPECT_FALSE(desktop_.LaunchProcess(home_->Write("a.pdf", "x"), process));
   EXPECT_EQ(process, 0);
 }

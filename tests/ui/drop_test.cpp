@@ -37,9 +37,12 @@ class DropTest : public WindowFixture {
 
   /// Drops the files and waits until they were handled.
   void DropOn(const char* widget, const std::vector<std::string>& paths) {
-    QMimeData data;
     QList<QUrl> urls;
     for (const std::string& path : paths) urls.append(QUrl::fromEncoded(UrlOf(path)));
+    DropUrls(widget, urls);
+  }
+  void DropUrls(const char* widget, const QList<QUrl>& urls) {
+    QMimeData data;
     data.setUrls(urls);
     const bool offered = DragOver(widget, data) == Qt::CopyAction;
     QDropEvent drop(QPointF(5, 5), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
@@ -54,6 +57,21 @@ class DropTest : public WindowFixture {
 
   QWidget* Place(const char* name) {
     return std::string(name) == "Folioweld" ? &Window() : Find<QWidget>(name);
+  }
+
+  /// The places that show that they would take the drag.
+  [[nodiscard]] std::string Marked() {
+    std::string names;
+    for (const char* name : {"frameFileIn1", "frameFileIn2", "frameFileOut"}) {
+      if (Find<TitleFrame>(name)->Marked()) names += std::string(names.empty() ? "" : " ") + name;
+    }
+    return names;
+  }
+  void ExpectIgnored(int index, const std::string& reason) {
+    const std::string prefix = "[Folioweld-ProcessOLEDragDrop]=>";
+    EXPECT_THAT(LogText(), ::testing::EndsWith(prefix + "Index: " + std::to_string(index) +
+                                               " * the drop is ignored\r\n" + prefix + "  because of " +
+                                               reason + "\r\n"));
   }
 
   [[nodiscard]] std::string LogText() { return Window().Log().LogText(); }
@@ -88,6 +106,9 @@ TEST_F(DropTest, WhileBusyNothingIsOfferedAndADropDoesNothing) {
   DropOn("frameFileIn1", {path});
   Window().Program().ExternalBusy = false;
   EXPECT_EQ(FileName(1), "");
+  Window().ProcessOLEDragDrop(0, {1, {path}}, false);
+  EXPECT_EQ(FileName(1), "");
+  ExpectIgnored(0, "a merge, a viewer or a question that comes first");
 }
 
 TEST_F(DropTest, ADocumentOnTheFirstPlaceIsTaken) {
@@ -110,6 +131,10 @@ TEST_F(DropTest, ARefusedFileOnTheFirstPlaceClearsItAndMovesTheSecondUp) {
   EXPECT_EQ(FileName(1), folder_.File("second.pdf"));
   EXPECT_EQ(FileName(2), "");
   EXPECT_TRUE(dialogs_.Boxes.empty());
+  EXPECT_THAT(LogText(),
+              ::testing::HasSubstr("[Folioweld-ProcessOLEDragDrop]=>File: \"" + folder_.File("bad.pdf") +
+                                   "\"  is not acceptable for merging\r\n"
+                                   "[Folioweld-ProcessOLEDragDrop]=>  because of "));
 }
 
 TEST_F(DropTest, OnTheSecondPlaceWhileTheFirstIsEmptyTheFirstIsFilled) {
@@ -130,6 +155,7 @@ TEST_F(DropTest, ARefusedFileOnTheSecondPlaceEmptiesIt) {
   DropOn("frameFileIn2", {folder_.Write("bad.pdf", "no")});
   EXPECT_EQ(FileName(1), folder_.File("first.pdf"));
   EXPECT_EQ(FileName(2), "");
+  EXPECT_THAT(LogText(), ::testing::HasSubstr("  because of "));
 }
 
 TEST_F(DropTest, ARefusedFileMeantForTheSecondPlaceEmptiesTheFirst) {
@@ -147,16 +173,76 @@ TEST_F(DropTest, AnyFileOnTheOutputPlaceBecomesTheOutputEvenAnInput) {
 TEST_F(DropTest, OnTheOutputPlaceWithoutAFirstInputNothingHappens) {
   DropOn("frameFileOut", {Document("a.pdf")});
   EXPECT_EQ(FileName(3), "");
+  ExpectIgnored(2, "the 1st input, which comes before the output");
 }
 
 TEST_F(DropTest, TwoFilesAtOnceDoNothing) {
   DropOn("frameFileIn1", {Document("a.pdf"), Document("b.pdf")});
   EXPECT_EQ(FileName(1), "");
+  ExpectIgnored(0, "what it holds: 2 entries instead of one");
+}
+
+TEST_F(DropTest, AFileAndAWebAddressAreTwoAndDoNothing) {
+  DropUrls("frameFileIn1",
+           {QUrl::fromEncoded(UrlOf(Document("a.pdf"))), QUrl(QStringLiteral("https://example.com/b.pdf"))});
+  EXPECT_EQ(FileName(1), "");
+  ExpectIgnored(0, "what it holds: 2 entries instead of one");
+}
+
+TEST_F(DropTest, WhatIsNoFileOfThisMachineIsIgnoredShouldItBeDroppedAllTheSame) {
+  Window().ProcessOLEDragDrop(1, {1, {}}, true);
+  ExpectIgnored(1, "what it holds: no file of this machine");
+  Window().ProcessOLEDragDrop(0, {0, {}}, true);
+  ExpectIgnored(0, "what it holds: no files");
+}
+
+TEST_F(DropTest, ThePathAndTheStatusOfAPlaceTakeDropsForIt) {
+  DropOn("txtFileName0", {Document("a.pdf")});
+  DropOn("txtDoing1", {Document("b.pdf")});
+  EXPECT_EQ(FileName(1), folder_.File("a.pdf"));
+  EXPECT_EQ(FileName(2), folder_.File("b.pdf"));
+}
+
+TEST_F(DropTest, APlaceShowsThatItWouldTakeTheDrag) {
+  QMimeData one;
+  one.setUrls({QUrl::fromEncoded(UrlOf(Document("a.pdf")))});
+  DragOver("frameFileIn2", one);
+  EXPECT_EQ(Marked(), "frameFileIn2");
+  const QImage marked = Find<QWidget>("frameFileIn2")->grab().toImage();
+  QDragLeaveEvent leave;
+  QApplication::sendEvent(Place("frameFileIn2"), &leave);
+  EXPECT_EQ(Marked(), "");
+  EXPECT_NE(Find<QWidget>("frameFileIn2")->grab().toImage(), marked);
+  DragOver("txtDoing0", one);
+  EXPECT_EQ(Marked(), "frameFileIn1");
+  DropOn("frameFileIn1", {folder_.File("a.pdf")});
+  EXPECT_EQ(Marked(), "");
+}
+
+TEST_F(DropTest, NoPlaceShowsThatItTakesADragThatWouldBeIgnored) {
+  QMimeData one;
+  one.setUrls({QUrl::fromEncoded(UrlOf(Document("a.pdf")))});
+  DragOver("frameFileOut", one);
+  EXPECT_EQ(Marked(), "") << "there is no first input";
+  DragOver("Folioweld", one);
+  EXPECT_EQ(Marked(), "") << "beside the places";
+  QMimeData two;
+  two.setUrls({one.urls().first(), one.urls().first()});
+  DragOver("frameFileIn1", two);
+  EXPECT_EQ(Marked(), "");
+}
+
+TEST_F(DropTest, EveryPlaceShowsThatAFolderIsTakenAnywhere) {
+  QMimeData folder;
+  folder.setUrls({QUrl::fromEncoded(UrlOf(folder_.MakeFolder("documents")))});
+  DragOver("Folioweld", folder);
+  EXPECT_EQ(Marked(), "frameFileIn1 frameFileIn2 frameFileOut");
 }
 
 TEST_F(DropTest, AFileBesideThePlacesDoesNothing) {
   DropOn("Folioweld", {Document("a.pdf")});
   EXPECT_EQ(FileName(1) + FileName(2) + FileName(3), "");
+  ExpectIgnored(-1, "where it fell: beside the places for files");
 }
 
 TEST_F(DropTest, AFolderIsMergedInTheOrderChosenWithoutAFolderPicker) {
@@ -190,6 +276,7 @@ TEST_F(DropTest, AFolderOnAPlaceIsMergedToo) {
 TEST_F(DropTest, AFolderThatCannotBeEnteredIsIgnored) {
   system_.Decide = FaultingSystem::Failing("SetCurrentDirectory", EACCES);
   DropOn("Folioweld", {folder_.MakeFolder("closed")});
+  ExpectIgnored(-1, "\"" + folder_.File("closed") + "\": Permission denied");
   EXPECT_TRUE(dialogs_.SortQuestions.empty());
   EXPECT_TRUE(dialogs_.Boxes.empty());
   system_.Decide = nullptr;
@@ -200,7 +287,9 @@ TEST(DraggedFiles, KeepsTheBytesOfLocalFilesOnly) {
   data.setUrls({QUrl::fromEncoded("file:///tmp/%FF%20%23.pdf"), QUrl::fromEncoded("file://localhost/b"),
                 QUrl::fromEncoded("https://example.com/c"), QUrl::fromEncoded("file://elsewhere.invalid/d"),
                 QUrl::fromEncoded("file:///e%00f")});
-  EXPECT_EQ(DraggedFiles(&data), (std::vector<std::string>{"/tmp/\xFF #.pdf", "/b"}));
+  EXPECT_EQ(FilesOf(&data).Paths, (std::vector<std::string>{"/tmp/\xFF #.pdf", "/b"}));
+  EXPECT_EQ(FilesOf(&data).Entries, 5U);
+  EXPECT_EQ(FilesOf(nullptr).Entries, 0U);
 }
 
 }  // namespace

@@ -63,6 +63,47 @@ TEST_F(FileSelectionTest, ARefusedDocumentIsToldAndTheOldOneStays) {
   EXPECT_EQ(Merge().MergeStatus, -1);
 }
 
+TEST_F(FileSelectionTest, TheLogSaysWhyADocumentIsRefused) {
+  Open();
+  ChooseAll();
+  const std::string bad = folder_.Write("bad.pdf", "no document");
+  for (const int slot : {1, 2}) {
+    const std::string place = std::to_string(slot);
+    dialogs_.OpenAnswers = {bad};
+    Click(("cmdInput" + place).c_str());
+    const std::string prefix = "[Folioweld-cmdInput" + place + "_Click]=>";
+    EXPECT_THAT(Window().Log().LogText(),
+                ::testing::HasSubstr(prefix + "File: \"" + bad + "\"  is not acceptable for merging\r\n" +
+                                     prefix + "  because of "));
+  }
+  EXPECT_THAT(Window().Log().LogText(), ::testing::EndsWith(" (\"" + bad + "\")\r\n"));
+}
+
+TEST_F(FileSelectionTest, TheLogSaysWhyAnOutputIsRefused) {
+  Open();
+  ChooseAll();
+  dialogs_.SaveAnswers = {FileName(2), folder_.File("missing/out.pdf")};
+  Click("cmdOutput");
+  Click("cmdOutput");
+  const std::string prefix = "[Folioweld-cmdOutput_Click]=>";
+  EXPECT_THAT(Window().Log().LogText(), ::testing::HasSubstr(prefix + "The output file \"" + FileName(2) +
+                                                             "\" is also an input file."));
+  EXPECT_THAT(
+      Window().Log().LogText(),
+      ::testing::HasSubstr(prefix + "The output file \"" + folder_.File("missing/out.pdf") +
+                           "\" cannot be created.\r\n" + prefix +
+                           "  because of No such file or directory (\"" + folder_.File("missing") + "\")"));
+}
+
+TEST_F(FileSelectionTest, ARefusalIsNotLoggedWhileTheLogIsOff) {
+  Open();
+  Item("MnuLogHide")->trigger();
+  const int before = Window().Log().LogIndex();
+  dialogs_.OpenAnswers = {folder_.Write("bad.pdf", "no")};
+  Click("cmdInput1");
+  EXPECT_EQ(Window().Log().LogIndex(), before);
+}
+
 TEST_F(FileSelectionTest, CancellingADialogChangesNothing) {
   Open();
   ChooseAll();
@@ -283,7 +324,7 @@ TEST_F(FileSelectionTest, NoHandlerChangesAFileNameWhileBusy) {
   Window().PictToggle_Click();
   Window().cmdOK_Click();
   Window().MenuPdfMergeDir_Click();
-  Window().ProcessOLEDragDrop(0, {folder_.File("second.pdf")});
+  Window().ProcessOLEDragDrop(0, {1, {folder_.File("second.pdf")}}, true);
   EXPECT_EQ(FileName(1), folder_.File("first.pdf"));
   EXPECT_EQ(FileName(2), folder_.File("second.pdf"));
   EXPECT_EQ(FileName(3), folder_.File("joined.pdf"));

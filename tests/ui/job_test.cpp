@@ -164,6 +164,9 @@ TEST_F(JobTest, AnOutputThatCannotBeOpenedIsToldWithTheRunningLookLifted) {
     EXPECT_FALSE(Running());
     EXPECT_EQ(Window().cursor().shape(), Qt::ArrowCursor);
     EXPECT_EQ(EnabledButtons(), "");
+    EXPECT_THAT(Label("txtDoing0"), ::testing::EndsWith("   -> OK"));
+    EXPECT_THAT(Label("txtDoing1"), ::testing::EndsWith("   -> OK"));
+    EXPECT_THAT(Label("txtDoing2"), HasSubstr("Pass #3")) << "the state that the box speaks of";
   };
   Click("cmdOK");
   ASSERT_EQ(dialogs_.Boxes.size(), 1U);

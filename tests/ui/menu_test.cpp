@@ -1,5 +1,6 @@
 // The menu tree, the options and the ways out.
 
+#include <QActionGroup>
 #include <QLayout>
 #include <QMenuBar>
 #include <gmock/gmock.h>
@@ -52,6 +53,17 @@ TEST_F(MenuTest, HasItsTree) {
             "MenuDefaultTmp0=Set default TMP directory]; "
             "MenuAbout0=About [MenuAboutFolioweld=Folioweld; MenuVarnel=Ambrose Varnel; "
             "MenuPdfReader=My portable document reader]");
+}
+
+TEST_F(MenuTest, ChoicesOfWhichOneAlwaysHoldsAreExclusiveMarks) {
+  Open();
+  for (const char* name : {"MenuSortLexical", "MenuSortLexicalRev", "MenuSortByDate", "MenuSortByDateRev",
+                           "MnuLogShow", "MnuLogHide", "MenuOptViewYes", "MenuOptViewNo"}) {
+    ASSERT_NE(Item(name)->actionGroup(), nullptr) << name;
+    EXPECT_TRUE(Item(name)->actionGroup()->isExclusive()) << name;
+  }
+  EXPECT_EQ(Item("MenuSortLexical")->actionGroup(), Item("MenuSortByDateRev")->actionGroup());
+  EXPECT_NE(Item("MnuLogShow")->actionGroup(), Item("MenuOptViewYes")->actionGroup());
 }
 
 TEST_F(MenuTest, AFirstStartStoresTheDefaultsAndChecksThem) {

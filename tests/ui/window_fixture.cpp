@@ -52,7 +52,7 @@ SystemResult<bool> WindowSystem::PollProcess(Process child) {
   return ViewerRuns;
 }
 
-SystemError WindowSystem::TerminateProcess(Process process) {
+SystemError WindowSystem::TerminateProcess(ViewerProcess process) {
   Terminated.push_back(process);
   return SystemError{Count("TerminateProcess").Error};
 }
@@ -62,14 +62,14 @@ std::string FakeDesktop::FindPdfReader(const std::string& extension) {
   return Reader;
 }
 
-bool FakeDesktop::LaunchProcess(const std::string& document, Process& process) {
+bool FakeDesktop::LaunchProcess(const std::string& document, ViewerProcess& process) {
   Launched.push_back(document);
   process = WindowSystem::kViewer;
   system_.ViewerRuns = Starts && !EndsAtOnce;
   return Starts;
 }
 
-bool FakeDesktop::CloseThreadWindows(Process process) {
+bool FakeDesktop::CloseThreadWindows(ViewerProcess process) {
   Asked.push_back(process);
   return HasWindows;
 }

@@ -58,14 +58,14 @@ class WindowSystem : public FaultingSystem {
     return FastClock ? now_ += 100 : FaultingSystem::MillisecondsNow();
   }
   SystemResult<bool> PollProcess(Process child) override;
-  SystemError TerminateProcess(Process process) override;
+  SystemError TerminateProcess(ViewerProcess process) override;
 
   static constexpr Process kViewer = 4711;
 
   bool FastClock = true;
   bool ViewerRuns = false;
   int Polls = 0;
-  std::vector<Process> Terminated;
+  std::vector<ViewerProcess> Terminated;
 
  private:
   std::int64_t now_ = 1000;
@@ -76,8 +76,8 @@ class FakeDesktop : public ViewerDesktop {
   explicit FakeDesktop(WindowSystem& system) : system_(system) {}
 
   std::string FindPdfReader(const std::string& extension) override;
-  bool LaunchProcess(const std::string& document, Process& process) override;
-  bool CloseThreadWindows(Process process) override;
+  bool LaunchProcess(const std::string& document, ViewerProcess& process) override;
+  bool CloseThreadWindows(ViewerProcess process) override;
 
   std::string Reader = "/usr/bin/some reader";
   bool Starts = true;
@@ -85,7 +85,7 @@ class FakeDesktop : public ViewerDesktop {
   bool HasWindows = true;
   std::vector<std::string> Extensions;
   std::vector<std::string> Launched;
-  std::vector<Process> Asked;
+  std::vector<ViewerProcess> Asked;
 
  private:
   WindowSystem& system_;
