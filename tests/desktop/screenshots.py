@@ -113,7 +113,7 @@ class Photographer:
 
     def refusal(self):
         window = self.open(log=True)
-        self.fill(window, DOCUMENTS / "form.pdf", DOCUMENTS / "report.pdf", DOCUMENTS / "joined.pdf")
+        self.fill(window, DOCUMENTS / "form.pdf", DOCUMENTS / "report.pdf", DOCUMENTS / "joined-form.pdf")
         self.press_on(window, GO)
         wait_for(lambda: "The merge failed" in (window.log_text() or ""), "the log says why the merge failed")
         wait_for(lambda: window.is_enabled(select(FIRST)), "the merge has ended")
