@@ -33,6 +33,7 @@ ExitStatus RunBatch(WindowsAPI& system, const std::string& commandLine) {
                     outcome == CommandLineOutcome::OutputNotReached
                         ? "the folder in which the program was started cannot be had"
                         : "the folder \"" + program.Merge.DocFileName(1) + "\" cannot be entered");
+  shell.Notice("[Folioweld-ProcessCommandLine]=>  because of " + program.CommandLineError.Words());
   return kNoOutput;
 }
 

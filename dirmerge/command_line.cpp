@@ -1,5 +1,7 @@
 #include "dirmerge/command_line.h"
 
+#include <cerrno>
+
 #include "dirmerge/paths.h"
 #include "engine/lexer.h"
 
@@ -13,14 +15,18 @@ bool HoldsBar(const std::string& text) {
   return text.find(kBar) != std::string::npos;
 }
 
-/// Enters the folder as it stands, or trimmed when that does not exist; the name that worked, or nothing.
-std::string EnterFolder(WindowsAPI& system, const std::string& text) {
+/// Enters the folder as it stands, or trimmed when that does not exist; the name that worked, or why none
+/// did.
+SystemResult<std::string> EnterFolder(WindowsAPI& system, const std::string& text) {
   const std::string trimmed(kSpaceSet.Trim(text));
+  SystemError error{ENOENT};
   for (const std::string& folder : {text, trimmed}) {
     std::string full = FullPath(system, folder);
-    if (!full.empty() && !system.SetCurrentDirectory(full)) return full;
+    if (full.empty()) continue;
+    error = system.SetCurrentDirectory(full);
+    if (!error) return full;
   }
-  return {};
+  return error;
 }
 
 }  // namespace
@@ -55,11 +61,15 @@ CommandLineOutcome ProcessCommandLine(ProgramState& program, FileModule& files, 
   // Taken from here and not from the folder that is entered below.
   const std::string output = FullPath(system, program.CommandLine.substr(0, bar));
   program.Merge.DocFileName(1) = program.CommandLine.substr(bar + 1);
-  if (output.empty() && bar > 0) return CommandLineOutcome::OutputNotReached;
-  const std::string folder = EnterFolder(system, program.Merge.DocFileName(1));
-  if (folder.empty()) return CommandLineOutcome::FolderNotReached;
+  if (output.empty() && bar > 0) {
+    program.CommandLineError = system.GetCurrentDirectory().Error();
+    return CommandLineOutcome::OutputNotReached;
+  }
+  const auto folder = EnterFolder(system, program.Merge.DocFileName(1));
+  program.CommandLineError = folder.Error();
+  if (!folder.Ok()) return CommandLineOutcome::FolderNotReached;
   program.CommandLineOutput = output;
-  program.CommandLineDirectory = WithSeparator(folder);
+  program.CommandLineDirectory = WithSeparator(folder.Value());
   static_cast<void>(settings.WriteSetting("MergeCurDir", program.CommandLineDirectory));
   program.Merge.DocFileName(1).clear();
   merge.MenuPdfMergeDir_Click();

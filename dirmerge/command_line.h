@@ -33,7 +33,7 @@ void LogCommandLine(const ProgramState& program, ActivityLog& log);
 
 /// Runs `ProgramState::CommandLine` when it has the form "output|folder". Relative parts are taken from the
 /// current folder. The folder is stored as "MergeCurDir". Whenever it is not Done, `CommandLineOutput` and
-/// `CommandLineDirectory` are empty afterwards.
+/// `CommandLineDirectory` are empty afterwards, and `CommandLineError` says why something was not reached.
 CommandLineOutcome ProcessCommandLine(ProgramState& program, FileModule& files, SettingsStore& settings,
                                       DirectoryMerge& merge);
 

@@ -11,6 +11,7 @@
 #include "dirmerge/output_probe.h"
 #include "dirmerge/paths.h"
 #include "dirmerge/tmp_directory.h"
+#include "engine/output_refusal.h"
 
 namespace folioweld {
 
@@ -64,8 +65,8 @@ class DirectoryJob {
   }
 
   void Run(const std::string& directory) {
-    if (files_.System().SetCurrentDirectory(directory)) {
-      ShowFolderFailure();
+    if (const SystemError error = files_.System().SetCurrentDirectory(directory)) {
+      ShowFolderFailure(error);
       return;
     }
     shell_.EnterRunningState();
@@ -79,6 +80,7 @@ class DirectoryJob {
       shell_.ShowMessage(
           MessageIcon::Exclamation, kTitle,
           "The output file\r\n" + output + "\r\n cannot be created.\r\nI cannot do this operation!");
+      TellReason(WhyNoOutput(files_.System(), output, probe.Error(), Named(documents)));
       return;
     }
     Join(directory, documents.Names, output);
@@ -98,9 +100,21 @@ class DirectoryJob {
                   [&](const std::string& name) { return IdentityOf(directory + name) == identity; });
   }
 
-  void ShowFolderFailure() {
+  void ShowFolderFailure(SystemError error) {
     shell_.ShowMessage(MessageIcon::Critical, kDirectoryTitle,
                        "Merge of documents ABORTed\r(could not reach intput directory)");
+    TellReason(error.Words());
+  }
+
+  /// After a message whose text is fixed and gives no cause.
+  void TellReason(const std::string& reason) { logging_.Notice("  because of " + reason); }
+
+  [[nodiscard]] static std::vector<NamedDocument> Named(const DocumentList& documents) {
+    std::vector<NamedDocument> named;
+    for (std::size_t i = 0; i < documents.Names.size(); ++i) {
+      named.push_back({documents.Identities[i], documents.Names[i]});
+    }
+    return named;
   }
 
   /// Fills the list; false when the job ends here.
@@ -110,7 +124,7 @@ class DirectoryJob {
     report_.RefusedDocuments = documents.RefusedDocuments;
     if (outcome == ListOutcome::TooMany) logging_.Notice("Out of memory - Could not extend filesToMerge()");
     // A listing that broke off would give an output that silently lacks documents.
-    if (outcome == ListOutcome::FolderFailed) ShowFolderFailure();
+    if (outcome == ListOutcome::FolderFailed) ShowFolderFailure(documents.FolderError);
     if (outcome != ListOutcome::Complete) return false;
     if (!documents.Names.empty()) return true;
     shell_.ShowMessage(MessageIcon::Exclamation, kTitle, "NO INPUT FILE!  I DIDN'T DO ANYTHING");
@@ -199,9 +213,9 @@ void DirectoryMerge::MenuPdfMergeDir_Click() {
   MergeDirectory(directory);
 }
 
-void DirectoryMerge::TellExhaustion() {
+void DirectoryMerge::TellAtTheEnd(std::function<void(const std::string&)> Logging::*where, const char* line) {
   try {
-    LoggingOf(program_, shell_, log_).Notice("out of memory");
+    (LoggingOf(program_, shell_, log_).*where)(line);
   } catch (const std::exception&) {
     // Nor is there memory for the news; the report tells all the same.
   }
@@ -214,8 +228,10 @@ void DirectoryMerge::MergeDirectory(const std::string& directory) {
   } catch (const std::exception&) {
     // Memory is all that can run out here; the job has cleaned up on its way.
     report_.OutputWritten = false;
-    TellExhaustion();
+    TellAtTheEnd(&Logging::Notice, "out of memory");
   }
+  // A windowless run is cancelled by a signal, and says itself by which one it ends.
+  if (report_.Cancelled && !report_.OutputWritten) TellAtTheEnd(&Logging::Log, "The merge was cancelled");
 }
 
 }  // namespace folioweld

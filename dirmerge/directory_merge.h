@@ -1,8 +1,10 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "dirmerge/directory_merge_report.h"
+#include "dirmerge/logging.h"
 #include "dirmerge/program_state.h"
 #include "engine/activity_log.h"
 #include "engine/file_module.h"
@@ -31,7 +33,7 @@ class DirectoryMerge {
   [[nodiscard]] const DirectoryMergeReport& Report() const { return report_; }
 
  private:
-  void TellExhaustion();
+  void TellAtTheEnd(std::function<void(const std::string&)> Logging::*where, const char* line);
 
   ProgramState& program_;
   FileModule& files_;

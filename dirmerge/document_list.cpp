@@ -63,16 +63,21 @@ class Listing {
 
   ListOutcome Run() {
     const auto search = RetryInterrupted([&] { return files_.System().FindFirstFile(folder_); });
-    if (!search.Ok()) return ListOutcome::FolderFailed;
+    if (!search.Ok()) return Failed(search.Error());
     const OpenSearch open(files_.System(), search.Value());
     return TakeAll(search.Value());
   }
 
  private:
+  [[nodiscard]] ListOutcome Failed(SystemError error) {
+    list_.FolderError = error;
+    return ListOutcome::FolderFailed;
+  }
+
   ListOutcome TakeAll(WindowsAPI::Search search) {
     for (;;) {
       const auto next = RetryInterrupted([&] { return files_.System().FindNextFile(search); });
-      if (!next.Ok()) return ListOutcome::FolderFailed;
+      if (!next.Ok()) return Failed(next.Error());
       if (!next.Value()) return ListOutcome::Complete;
       if (!Take(*next.Value())) return ListOutcome::TooMany;
       if (YieldAndCheckAbort(shell_, state_)) return ListOutcome::Cancelled;

@@ -17,6 +17,7 @@ struct DocumentList {
   std::vector<std::string> Names;             ///< accepted files, without the folder
   std::vector<FileIdentity> Identities;       ///< of the accepted files, in the same order
   std::vector<std::string> RefusedDocuments;  ///< names of files that look like documents and were refused
+  SystemError FolderError;                    ///< why the folder could not be listed to its end
 };
 
 enum class ListOutcome { Complete, Cancelled, TooMany, FolderFailed };

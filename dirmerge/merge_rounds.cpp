@@ -41,12 +41,13 @@ void MergeRounds::Run(const std::string& directory, const std::vector<std::strin
     results_.assign(static_cast<std::size_t>(round.iLastIndex) + 1, {});
     const bool goOn = RunRound(round, temporaries);
     const bool last = round.iNumFilesToMerge < 3;
-    if (last) NoteOutput();
-    if (!goOn || last) break;
+    if (last || !goOn) {
+      NoteOutput(last ? results_[0] : Piece());
+      return;
+    }
     filesToMerge_ = std::exchange(results_, {});
     round = Round{round.iLastIndex + 1, round.indBaseTmp + round.iLastIndex + 1};
   }
-  report_->Cancelled = report_->Cancelled || program_.Merge.AbortRequested || program_.Merge.CancelSeen;
 }
 
 bool MergeRounds::RunRound(const Round& round, TemporaryFiles& temporaries) {
@@ -92,9 +93,11 @@ bool MergeRounds::GrowTo(int index, TemporaryFiles& temporaries) {
 
 bool MergeRounds::MakeTemporary(int index, TemporaryFiles& temporaries) {
   if (!GrowTo(index, temporaries)) return false;
-  std::string name = MakeTempFileName(files_.System(), tmpFolder_, "Pdf", "");
+  SystemError error;
+  std::string name = MakeTempFileName(files_.System(), tmpFolder_, "Pdf", "", &error);
   if (name.empty()) {
     logging_.Notice(" Temporary file allocation problem!");
+    logging_.Notice("  because of " + error.Words() + " (\"" + tmpFolder_ + "\")");
     return false;
   }
   temporaries.SetCreated(index, std::move(name));
@@ -125,11 +128,12 @@ void MergeRounds::Merge(const Piece& first, const Piece* second, const std::stri
   result.Documents = std::move(state.DocSources(3));
 }
 
-/// The last round wrote the output, or failed to; says what is not in it, and what is not as it was.
-void MergeRounds::NoteOutput() {
-  const Piece& whole = results_[0];
+/// Says what is not in the output, and what is not as it was. After a failure that may be all of it; what a
+/// cancel leaves out needs no list.
+void MergeRounds::NoteOutput(const Piece& whole) {
   report_->OutputWritten = !whole.Documents.empty();
-  if (!report_->OutputWritten) return;
+  report_->Cancelled = report_->Cancelled || program_.Merge.AbortRequested || program_.Merge.CancelSeen;
+  if (!report_->OutputWritten && report_->Cancelled) return;
   std::map<std::string, bool> altered;
   for (const SourceDocument& document : whole.Documents) {
     altered[document.Name] = !document.Alterations.empty();

@@ -40,7 +40,7 @@ class MergeRounds {
   [[nodiscard]] bool MakeTemporary(int index, TemporaryFiles& temporaries);
   [[nodiscard]] bool GrowTo(int index, TemporaryFiles& temporaries);
   void Merge(const Piece& first, const Piece* second, const std::string& output, Piece& result);
-  void NoteOutput();
+  void NoteOutput(const Piece& whole);
   [[nodiscard]] std::string FullName(const std::string& name) const;
 
   ProgramState& program_;

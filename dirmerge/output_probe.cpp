@@ -21,10 +21,12 @@ bool OutputProbe::Open(const std::vector<FileIdentity>& inputs) {
   const auto before = system.GetLinkAttributes(path_);
   const bool missing = !before.Ok() && before.Error().Code == ENOENT;
   const auto file = RetryInterrupted([&] { return system.CreateFile(path_, OpenMode::WriteKeep); });
+  error_ = file.Error();
   if (!file.Ok()) return false;
   const auto information = system.GetFileInformationByHandle(file.Value());
   static_cast<void>(system.CloseHandle(file.Value()));
   if (!information.Ok()) {
+    error_ = information.Error();
     if (missing) files_.DeleteFile(path_);
     return false;
   }

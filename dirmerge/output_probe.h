@@ -20,11 +20,15 @@ class OutputProbe {
   /// whatever name.
   [[nodiscard]] bool Open(const std::vector<FileIdentity>& inputs);
 
+  /// The system's error of an `Open` that failed; none where it broke a rule.
+  [[nodiscard]] SystemError Error() const { return error_; }
+
  private:
   FileModule& files_;
   std::string path_;
   bool created_ = false;
   FileIdentity identity_;
+  SystemError error_;
 };
 
 }  // namespace folioweld

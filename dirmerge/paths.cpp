@@ -20,21 +20,23 @@ std::string FourHexDigits(std::uint32_t number) {
   return text;
 }
 
-/// Creates prefix, four digits, ".tmp" under a name that is not taken; empty when the system refuses.
-std::string CreateTempFile(WindowsAPI& system, const std::string& folder, const std::string& prefix) {
+/// Creates prefix, four digits, ".tmp" under a name that is not taken.
+SystemResult<std::string> CreateTempFile(WindowsAPI& system, const std::string& folder,
+                                         const std::string& prefix) {
   const auto number = RetryInterrupted([&] { return system.RandomNumber(); });
-  if (!number.Ok()) return {};
+  if (!number.Ok()) return number.Error();
   for (std::uint32_t i = 0; i < kNames; ++i) {
     std::string path = WithSeparator(folder) + prefix + FourHexDigits(number.Value() + i) + ".tmp";
     const auto file = RetryInterrupted([&] { return system.CreateFile(path, OpenMode::CreateNewPrivate); });
     if (file.Ok()) {
-      if (!system.CloseHandle(file.Value())) return path;
+      const SystemError error = system.CloseHandle(file.Value());
+      if (!error) return path;
       static_cast<void>(system.DeleteFile(path));
-      return {};
+      return error;
     }
-    if (file.Error().Code != EEXIST) return {};
+    if (file.Error().Code != EEXIST) return file.Error();
   }
-  return {};
+  return SystemError{EEXIST};
 }
 
 std::string WithExtension(const std::string& path, const std::string& extension) {
@@ -75,16 +77,23 @@ std::string GetSystemTempFolder(WindowsAPI& system) {
 }
 
 std::string MakeTempFileName(WindowsAPI& system, const std::string& folder, const std::string& prefix,
-                             const std::string& extension) {
+                             const std::string& extension, SystemError* why) {
   const std::string fullFolder = folder.empty() ? GetSystemTempFolder(system) : FullPath(system, folder);
-  if (fullFolder.empty()) return {};
+  if (fullFolder.empty()) {
+    if (why != nullptr) *why = system.GetCurrentDirectory().Error();
+    return {};
+  }
   const std::string usedPrefix = prefix.empty() ? std::string("KEM") : prefix.substr(0, 3);
   for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
-    std::string created = CreateTempFile(system, fullFolder, usedPrefix);
-    if (created.empty() || extension.empty()) return created;
-    std::string renamed = WithExtension(created, extension);
-    if (renamed == created || !system.MoveFile(created, renamed, WindowsAPI::Replace::No)) return renamed;
-    static_cast<void>(system.DeleteFile(created));
+    const auto created = CreateTempFile(system, fullFolder, usedPrefix);
+    if (!created.Ok() && why != nullptr) *why = created.Error();
+    if (!created.Ok() || extension.empty()) return created.Value();
+    std::string renamed = WithExtension(created.Value(), extension);
+    if (renamed == created.Value()) return renamed;
+    const SystemError taken = system.MoveFile(created.Value(), renamed, WindowsAPI::Replace::No);
+    if (!taken) return renamed;
+    if (why != nullptr) *why = taken;
+    static_cast<void>(system.DeleteFile(created.Value()));
   }
   return {};
 }

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "engine/merge_state.h"
+#include "platform/system_result.h"
 
 namespace folioweld {
 
@@ -20,6 +21,7 @@ struct ProgramState {
   std::string CommandLine;           ///< as given at the start
   std::string CommandLineOutput;     ///< what stands before the first "|", as a full path
   std::string CommandLineDirectory;  ///< what stands after it
+  SystemError CommandLineError;      ///< why one of them was not reached
 };
 
 }  // namespace folioweld

@@ -2,12 +2,14 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "engine/activity_log.h"
 #include "engine/document_check.h"
 #include "engine/file_module.h"
 #include "engine/merge_shell.h"
 #include "engine/merge_state.h"
+#include "engine/output_refusal.h"
 #include "engine/pdf_reader.h"
 
 namespace folioweld {
@@ -49,6 +51,7 @@ class MergeJob {
 
   [[nodiscard]] bool BuildOutput();
   [[nodiscard]] bool OpenOutput();
+  [[nodiscard]] std::vector<NamedDocument> InputDocuments();
   [[nodiscard]] bool WriteOutput();
   [[nodiscard]] bool NothingChangedMeanwhile();
   [[nodiscard]] bool FinishOutput(std::int32_t written);

@@ -22,11 +22,22 @@ bool MergeJob::OpenOutput() {
   if (path.empty()) return true;
   state_.DocFileNumber(3) = files_.OpenForBinaryWrite(path);
   if (state_.DocFileNumber(3) >= 1) return true;
-  LogFailure({3, -1, -1, "the output cannot be opened: " + files_.LastError().Words()});
+  const std::string reason = WhyNoOutput(files_.System(), path, files_.LastError(), InputDocuments());
+  LogFailure({3, -1, -1, "the output cannot be opened"});
   // Told already.
   state_.Failure = {};
   ShowWarning("Could not open output file: " + path);
+  Report("  because of " + reason);
   return false;
+}
+
+std::vector<NamedDocument> MergeJob::InputDocuments() {
+  std::vector<NamedDocument> documents;
+  for (const std::int16_t slot : {std::int16_t{1}, std::int16_t{2}}) {
+    const auto input = files_.System().GetFileAttributes(state_.DocFileName(slot));
+    if (input.Ok()) documents.push_back({input.Value().Identity, state_.DocFileName(slot)});
+  }
+  return documents;
 }
 
 bool MergeJob::WriteOutput() {

@@ -58,14 +58,18 @@ TEST_F(BatchRun, SignalThatCameBeforeTheStartStopsItBeforeAnythingIsWritten) {
 
 TEST_F(BatchRun, FolderThatCannotBeEnteredIsAMessage) {
   EXPECT_EQ(RunBatch(system_, "out.pdf|no such\nfolder"), kNoOutput);
-  EXPECT_EQ(system_.Written, "folioweld: the folder \"no such folder\" cannot be entered\n");
+  EXPECT_EQ(system_.Written,
+            "folioweld: the folder \"no such folder\" cannot be entered\n"
+            "[Folioweld-ProcessCommandLine]=>  because of No such file or directory\n");
 }
 
 TEST_F(BatchRun, RelativeOutputWithoutACurrentFolderIsAMessage) {
   folder_.Write("docs/a", SimpleDocument(1));
   system_.Decide = FaultingSystem::Failing("GetCurrentDirectory", ENOENT);
   EXPECT_EQ(RunBatch(system_, "out.pdf|" + folder_.File("docs")), kNoOutput);
-  EXPECT_EQ(system_.Written, "folioweld: the folder in which the program was started cannot be had\n");
+  EXPECT_EQ(system_.Written,
+            "folioweld: the folder in which the program was started cannot be had\n"
+            "[Folioweld-ProcessCommandLine]=>  because of No such file or directory\n");
   EXPECT_FALSE(Exists(folder_.File("docs/out.pdf")));
 }
 

@@ -89,7 +89,8 @@ TEST_F(MixedFolder, FolderThatMayBeEnteredButNotListedIsAMessage) {
   ASSERT_EQ(::chmod(folder_.File("docs").c_str(), 0100), 0);
   RunWithoutPrivileges();
   ExpectRun({"out.pdf", "docs"}, 1,
-            "folioweld: Merge of documents ABORTed (could not reach intput directory)\n");
+            "folioweld: Merge of documents ABORTed (could not reach intput directory)\n"
+            "[Folioweld-MergeDirectory]=>  because of Permission denied\n");
   EXPECT_FALSE(Exists(folder_.File("out.pdf")));
 }
 
@@ -100,7 +101,8 @@ TEST_F(MixedFolder, OutputFolderThatMayNotBeWrittenIsAMessage) {
   RunWithoutPrivileges();
   ExpectRun({"closed/out.pdf", "docs"}, 1,
             "folioweld: The output file " + folder_.File("closed/out.pdf") +
-                " cannot be created. I cannot do this operation!\n");
+                " cannot be created. I cannot do this operation!\n"
+                "[Folioweld-MergeDirectory]=>  because of Permission denied\n");
 }
 
 TEST_F(MixedFolder, FolderForTemporaryFilesThatMayNotBeWrittenIsTold) {
@@ -109,7 +111,13 @@ TEST_F(MixedFolder, FolderForTemporaryFilesThatMayNotBeWrittenIsTold) {
   RunWithoutPrivileges();
   ExpectRun({"out.pdf", "docs"}, 1,
             "[Folioweld-MergeDirectory]=> Temporary file allocation problem!\n"
-            "folioweld: Unable to Merge and Create " +
+            "[Folioweld-MergeDirectory]=>  because of Permission denied (\"" +
+                folder_.File("tmp/") +
+                "\")\n"
+                "[Folioweld-MergeDirectory]=>File: \"a\"  is missing in the output\n"
+                "[Folioweld-MergeDirectory]=>File: \"b\"  is missing in the output\n"
+                "[Folioweld-MergeDirectory]=>File: \"c\"  is missing in the output\n"
+                "folioweld: Unable to Merge and Create " +
                 folder_.File("out.pdf") + "\n");
   EXPECT_FALSE(Exists(folder_.File("out.pdf")));
 }
@@ -127,7 +135,8 @@ TEST_F(MixedFolder, OutputThatIsALinkIsRefusedAndItsTargetStays) {
   std::filesystem::create_symlink("target", folder_.File("out.pdf"));
   ExpectRun({"out.pdf", "docs"}, 1,
             "folioweld: The output file " + folder_.File("out.pdf") +
-                " cannot be created. I cannot do this operation!\n");
+                " cannot be created. I cannot do this operation!\n"
+                "[Folioweld-MergeDirectory]=>  because of it is a link\n");
   EXPECT_EQ(ReadFile(folder_.File("target")), "target");
 }
 

@@ -103,7 +103,8 @@ TEST_F(OddlyNamed, MessageKeepsTheBytesOfAName) {
   AddDocument("a");
   ExpectRun({"\xFF/out\n.pdf", "docs"}, 1,
             "folioweld: The output file " + folder_.Path() +
-                "/\xFF/out .pdf cannot be created. I cannot do this operation!\n");
+                "/\xFF/out .pdf cannot be created. I cannot do this operation!\n"
+                "[Folioweld-MergeDirectory]=>  because of No such file or directory\n");
 }
 
 TEST_F(OddlyNamed, FolderForTemporaryFilesIsUsed) {

@@ -110,17 +110,23 @@ TEST_F(ProgramStatus, IsOneWhenThereIsNoDocument) {
 }
 
 TEST_F(ProgramStatus, IsOneWhenTheFolderCannotBeEntered) {
-  ExpectRun({"out.pdf", "missing"}, 1, "folioweld: the folder \"missing\" cannot be entered\n");
-  ExpectRun({"out.pdf", ""}, 1, "folioweld: the folder \"\" cannot be entered\n");
+  const std::string reason = "[Folioweld-ProcessCommandLine]=>  because of No such file or directory\n";
+  ExpectRun({"out.pdf", "missing"}, 1, "folioweld: the folder \"missing\" cannot be entered\n" + reason);
+  ExpectRun({"out.pdf", ""}, 1, "folioweld: the folder \"\" cannot be entered\n" + reason);
   EXPECT_FALSE(Exists(folder_.File("out.pdf")));
 }
 
 TEST_F(ProgramStatus, IsOneWhenTheOutputCannotBeCreated) {
   AddDocument("a");
-  const std::string refused = " cannot be created. I cannot do this operation!\n";
+  const std::string refused =
+      " cannot be created. I cannot do this operation!\n[Folioweld-MergeDirectory]=>  because of ";
   ExpectRun({"missing/out.pdf", "docs"}, 1,
-            "folioweld: The output file " + folder_.File("missing/out.pdf") + refused);
-  ExpectRun({"docs", "docs"}, 1, "folioweld: The output file " + folder_.File("docs") + refused);
+            "folioweld: The output file " + folder_.File("missing/out.pdf") + refused +
+                "No such file or directory\n");
+  ExpectRun({"docs", "docs"}, 1,
+            "folioweld: The output file " + folder_.File("docs") + refused + "it is a folder\n");
+  ExpectRun({"/dev/null", "docs"}, 1,
+            "folioweld: The output file /dev/null" + refused + "it is a device, a pipe or a socket\n");
 }
 
 TEST_F(ProgramStatus, IsOneWhenTheOutputIsADocumentOfTheFolder) {
@@ -130,7 +136,8 @@ TEST_F(ProgramStatus, IsOneWhenTheOutputIsADocumentOfTheFolder) {
   const std::string before = ReadFile(Doc("a"));
   ExpectRun({"out.pdf", "docs"}, 1,
             "folioweld: The output file " + folder_.File("out.pdf") +
-                " cannot be created. I cannot do this operation!\n");
+                " cannot be created. I cannot do this operation!\n"
+                "[Folioweld-MergeDirectory]=>  because of it is the document \"a\"\n");
   EXPECT_EQ(ReadFile(Doc("a")), before);
 }
 
@@ -187,7 +194,8 @@ TEST_F(ProgramStatus, OutputInTheMergedFolderIsNoInputAtTheFirstRunAndRefusedAtT
   const std::string before = ReadFile(Doc("out.pdf"));
   ExpectRun({"docs/out.pdf", "docs"}, 1,
             "folioweld: The output file " + folder_.File("docs/out.pdf") +
-                " cannot be created. I cannot do this operation!\n");
+                " cannot be created. I cannot do this operation!\n"
+                "[Folioweld-MergeDirectory]=>  because of it is the document \"out.pdf\"\n");
   EXPECT_EQ(ReadFile(Doc("out.pdf")), before);
 }
 
@@ -217,7 +225,8 @@ TEST_F(ProgramStatus, RunWhoseFolderWasRemovedSaysSo) {
   setup_.Folder = folder_.File("gone");
   setup_.BeforeStart = [path = folder_.File("gone")] { ::rmdir(path.c_str()); };
   ExpectRun({"out.pdf", folder_.File("docs")}, 1,
-            "folioweld: the folder in which the program was started cannot be had\n");
+            "folioweld: the folder in which the program was started cannot be had\n"
+            "[Folioweld-ProcessCommandLine]=>  because of No such file or directory\n");
 }
 
 TEST_F(ProgramStatus, WorksWithClosedStandardStreams) {

@@ -163,9 +163,11 @@ TEST_F(OnTerminal, MessageStandsWhereTheLinesWere) {
   Screen screen(10000);
   screen.Feed(program.Errors());
   const auto rows = screen.Rows();
-  ASSERT_EQ(rows.size(), 2U);
+  ASSERT_EQ(rows.size(), 4U);
   EXPECT_EQ(rows[0].rfind("[Folioweld-cmdOK]=>The merge failed: ", 0), 0U) << rows[0];
-  EXPECT_EQ(rows[1], "folioweld: Unable to Merge and Create " + folder_.File("out.pdf"));
+  EXPECT_EQ(rows[1], "[Folioweld-MergeDirectory]=>File: \"a\"  is missing in the output");
+  EXPECT_EQ(rows[2], "[Folioweld-MergeDirectory]=>File: \"b\"  is missing in the output");
+  EXPECT_EQ(rows[3], "folioweld: Unable to Merge and Create " + folder_.File("out.pdf"));
 }
 
 TEST_F(OnTerminal, NameOfAFileNeverCommandsTheTerminal) {
@@ -182,7 +184,8 @@ TEST_F(OnTerminal, OnlyMessagesAreShownWhenNothingIsJoined) {
   setup_.Arguments = {"docs", "docs"};
   ChildProgram program(setup_);
   EXPECT_EQ(program.Wait(), 1);
-  EXPECT_EQ(program.Errors(), CannotBeCreated() + "\r\n");
+  EXPECT_EQ(program.Errors(),
+            CannotBeCreated() + "\r\n[Folioweld-MergeDirectory]=>  because of it is a folder\r\n");
 }
 
 }  // namespace

@@ -46,8 +46,8 @@ TEST_F(ExhaustedMerge, ListOfTemporariesThatCannotGrowGoesToCleanUp) {
     if (rounds && ++looks == 2) failing.emplace(sizeof(std::string), sizeof(std::string));
   };
   EXPECT_FALSE(Merge().OutputWritten);
-  EXPECT_EQ(MergeLines().back(), " Memory allocation problem!");
-  EXPECT_EQ(shell_.Notices, Names{"[Folioweld-MergeDirectory]=> Memory allocation problem!"});
+  EXPECT_EQ(shell_.Notices[0], "[Folioweld-MergeDirectory]=> Memory allocation problem!");
+  EXPECT_EQ(MergeLines().back(), "File: \"c\"  is missing in the output");
   EXPECT_EQ(MessageTexts(), Names{"Unable to Merge and Create " + Output()});
   ExpectIdle();
 }

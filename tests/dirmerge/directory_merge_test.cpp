@@ -52,7 +52,8 @@ TEST_F(DirectoryMergeTest, FolderThatCannotBeEnteredIsACriticalMessage) {
   merge_.MergeDirectory(folder_.File("missing/"));
   ExpectUnreachable();
   EXPECT_FALSE(merge_.Report().OutputWritten);
-  EXPECT_TRUE(LogLines().empty());
+  EXPECT_EQ(MergeLines(), Names{"  because of No such file or directory"});
+  EXPECT_EQ(shell_.Notices, Names{"[Folioweld-MergeDirectory]=>  because of No such file or directory"});
   ExpectIdle();
 }
 

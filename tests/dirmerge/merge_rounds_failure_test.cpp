@@ -68,7 +68,9 @@ TEST_F(FailingRounds, FailedPairOfTwoLeavesNoOutput) {
   AddBrokenDocument("b");
   const DirectoryMergeReport& report = Merge();
   EXPECT_FALSE(report.OutputWritten);
-  EXPECT_TRUE(report.MissingDocuments.empty()) << "they are named only where there is an output";
+  EXPECT_EQ(report.MissingDocuments, (Names{"a", "b"}));
+  EXPECT_TRUE(Noticed("[Folioweld-MergeDirectory]=>File: \"a\"  is missing in the output"));
+  EXPECT_TRUE(Noticed("[Folioweld-MergeDirectory]=>File: \"b\"  is missing in the output"));
   EXPECT_FALSE(Exists(Output()));
   ExpectIdle();
 }

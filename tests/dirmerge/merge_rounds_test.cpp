@@ -158,10 +158,15 @@ TEST_F(MergeRoundsTest, FailureToMakeATemporaryGoesToCleanUp) {
     return FaultingSystem::Fault{second ? EIO : 0, 0};
   };
   EXPECT_FALSE(Merge().OutputWritten);
-  EXPECT_EQ(RoundLines(), (Names{"iNumFilesToMerge: 5   indBaseTmp: 0   iLastIndex: 2   indMaxTmp: -1",
-                                 "sPdfM(1)= \"a\"  +  sPdfM(2)= \"b\"  -> sPdfM(3)= \"T0\"",
-                                 " Temporary file allocation problem!", " Kill \"T0\""}));
-  EXPECT_EQ(shell_.Notices, Names{"[Folioweld-MergeDirectory]=> Temporary file allocation problem!"});
+  EXPECT_EQ(RoundLines(),
+            (Names{"iNumFilesToMerge: 5   indBaseTmp: 0   iLastIndex: 2   indMaxTmp: -1",
+                   "sPdfM(1)= \"a\"  +  sPdfM(2)= \"b\"  -> sPdfM(3)= \"T0\"",
+                   " Temporary file allocation problem!", "  because of Input/output error (\"\")",
+                   "File: \"a\"  is missing in the output", "File: \"b\"  is missing in the output",
+                   "File: \"c\"  is missing in the output", "File: \"d\"  is missing in the output",
+                   "File: \"e\"  is missing in the output", " Kill \"T0\""}));
+  ASSERT_EQ(shell_.Notices.size(), 7U);
+  EXPECT_EQ(shell_.Notices[0], "[Folioweld-MergeDirectory]=> Temporary file allocation problem!");
   EXPECT_EQ(MessageTexts(), Names{"Unable to Merge and Create " + Output()});
   ExpectIdle();
 }

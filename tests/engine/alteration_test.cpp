@@ -137,8 +137,9 @@ TEST(AlterationsOfAJob, AreNotToldWhereThereIsNoOutput) {
   run.State.DocFileName(3) = run.Folder.File("missing/out.pdf");
   run.Run();
   EXPECT_TRUE(run.Failed());
-  ASSERT_EQ(run.LogLines().size(), 1U);
+  ASSERT_EQ(run.LogLines().size(), 2U);
   EXPECT_NE(run.LogLines()[0].find("The merge failed: "), std::string::npos);
+  EXPECT_EQ(run.LogLines()[1], "[Folioweld-cmdOK]=>  because of No such file or directory");
 }
 
 TEST(AlterationsOfAJob, AreToldAnewByEveryJob) {

@@ -193,13 +193,17 @@ TEST_F(MergeJobFailureTest, OfAStreamBeyondTheEndOfItsFileBeforeTheOutputIsOpene
 
 class OutputOpenTest : public MergeJobFailureTest {
  protected:
+  OutputOpenTest() { logLines_ = 2; }
+
   void ExpectMessage(const std::string& path, const std::string& words) {
     ASSERT_EQ(run_.Shell.Messages.size(), 1U);
     EXPECT_EQ(run_.Shell.Messages[0].Title, "Folioweld");
     EXPECT_EQ(run_.Shell.Messages[0].Icon, MessageIcon::Exclamation);
     EXPECT_EQ(run_.Shell.Messages[0].Text, "Could not open output file: " + path);
     EXPECT_EQ(run_.Status(2), kBuilt) << "every pass has its outcome already";
-    ExpectLogged("\"" + path + "\": the output cannot be opened: " + words);
+    EXPECT_EQ(run_.LogLines(),
+              (Events{"[Folioweld-cmdOK]=>The merge failed: \"" + path + "\": the output cannot be opened",
+                      "[Folioweld-cmdOK]=>  because of " + words}));
   }
 };
 
