@@ -19,7 +19,10 @@ enum class AlterationKind : std::uint8_t {
   PageTreeHasParent,     ///< the root of the page tree, which gets a /Parent, has one
   StartXrefDisputed,     ///< others take another one of two "startxref"
   TrailerReadOtherwise,  ///< others read another value in the trailer
-  KeyRepeated            ///< of the trailer, the catalog or the root of the page tree
+  KeyRepeated,           ///< of the trailer, the catalog or the root of the page tree
+  LayersShown,           ///< the lost catalog hides layers
+  OutputIntentLost,      ///< the lost catalog has a printing condition
+  FieldsDrawnOtherwise   ///< the lost catalog's form decides how a field is drawn
 };
 
 /// All places of one kind in one document.

@@ -32,6 +32,7 @@ void FindAlterations(MergeState& state, PdfReader& reader, MergeShell& shell) {
     CheckInformation(input);
     if (state.DocUsed(2)) CheckPageTree(input, shell);
   }
+  if (state.DocUsed(2)) CheckCatalog({state, reader, 2}, {state, reader, 1}, shell);
 }
 
 }  // namespace folioweld

@@ -26,4 +26,12 @@ void CheckInformation(const ReadInput& input);
 /// Whether the pages that the root of the page tree counts are those that its kids lead to.
 void CheckPageTree(const ReadInput& input, MergeShell& shell);
 
+/// What the pages of the second input show by its catalog, which the output does not have: layers that are
+/// hidden, colours of a printing condition, fields of a form. `first` is the input whose catalog stays.
+void CheckCatalog(const ReadInput& input, const ReadInput& first, MergeShell& shell);
+
+/// The part of it about forms; both are what the catalogs give as /AcroForm.
+void CheckForm(const ReadInput& input, std::string_view form, const ReadInput& first,
+               std::string_view firstForm, MergeShell& shell);
+
 }  // namespace folioweld

@@ -32,6 +32,12 @@ const char* Words(AlterationKind kind) {
       return "other programs read another value in the trailer";
     case AlterationKind::KeyRepeated:
       return "a key is given twice, and programs differ in which one they take";
+    case AlterationKind::LayersShown:
+      return "layers that its catalog hides are shown";
+    case AlterationKind::OutputIntentLost:
+      return "the printing condition of its catalog is lost, and colours can look otherwise";
+    case AlterationKind::FieldsDrawnOtherwise:
+      return "a field is drawn by the form in its catalog, which is lost, and can look otherwise or empty";
   }
   return "";
 }

@@ -27,10 +27,7 @@ class PageTreeWalk {
     while (!open_.empty()) {
       const std::int32_t node = open_.back();
       open_.pop_back();
-      std::string_view kids = ReadObject(input_, node).Value("/Kids");
-      const std::int32_t array = ReferencedNumber(kids);
-      if (array >= 0) kids = ReadObject(input_, array).Text();
-      ReachAll(kids, node);
+      ReachAll(TextAt(input_, ReadObject(input_, node).Value("/Kids")), node);
     }
     return pages_;
   }

@@ -73,4 +73,15 @@ std::int32_t ReferencedNumber(std::string_view text) {
   return ReadNumberPair(text, 0, kReferenceKeyword, found) ? found.Number : -1;
 }
 
+std::int32_t DictionaryAt(const ReadInput& input, std::string_view value) {
+  const std::int32_t number = ReferencedNumber(value);
+  if (number >= 0) return ReadObject(input, number).FirstRow();
+  return value.empty() ? -1 : ParseAsOthersDo(input, value);
+}
+
+std::string_view TextAt(const ReadInput& input, std::string_view value) {
+  const std::int32_t number = ReferencedNumber(value);
+  return number >= 0 ? ReadObject(input, number).Text() : value;
+}
+
 }  // namespace folioweld

@@ -58,4 +58,8 @@ class ReadObject {
 /// The number of the reference with which the text begins; -1 when it begins with none.
 [[nodiscard]] std::int32_t ReferencedNumber(std::string_view text);
 
+/// What a value is, or what it refers to: the first row of a dictionary (-1 = it is none), and the text.
+[[nodiscard]] std::int32_t DictionaryAt(const ReadInput& input, std::string_view value);
+[[nodiscard]] std::string_view TextAt(const ReadInput& input, std::string_view value);
+
 }  // namespace folioweld

@@ -158,6 +158,32 @@ class Alterations(unittest.TestCase):
             self.assertNotEqual(0, run(["qpdf", "--check", first]).returncode, spelling)
             self.assertEqual(0, run(["qpdf", "--check", output]).returncode, spelling)
 
+    def test_field_that_the_form_draws(self):
+        entries = "/AcroForm<</Fields[5 0 R]/DA(/Helv 12 Tf 0 g)/DR<</Font<</Helv<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>>>>>>>"
+        field = "<</Type/Annot/Subtype/Widget/FT/Tx/T(t)/V(field)/F 4/Rect[100 5 190 25]>>"
+        form = plain("b") | {1: f"<</Type/Catalog/Pages 2 0 R{entries}>>", 3: page(4, "/Annots[5 0 R]"), 5: field}
+        first, second, output = self.joined("a field is drawn by the form", document(plain("a")), document(form))
+        self.assertEqual((["b", "field"], ["a", "b"]), (self.texts(second), self.texts(output)))
+
+    def test_layer_that_is_hidden(self):
+        entries = "/OCProperties<</OCGs[5 0 R]/D<</OFF[5 0 R]>>>>"
+        hidden = plain("b") | {1: f"<</Type/Catalog/Pages 2 0 R{entries}>>", 5: "<</Type/OCG/Name(a)>>"}
+        hidden[3] = page(4).replace("/Resources<<", "/Resources<</Properties<</L 5 0 R>>")
+        hidden[4] = stream("/OC /L BDC 0 0 50 50 re f EMC")
+        first, second, output = self.joined("layers that its catalog hides", document(plain("a")), document(hidden))
+        self.assertNotEqual(self.pixels(second, 1), self.pixels(output, 2))
+
+    def test_printing_condition(self):
+        intent = "/OutputIntents[<</S/GTS_PDFX/OutputConditionIdentifier(FOGRA39)/DestOutputProfile 5 0 R>>]"
+        press = plain("b") | {1: f"<</Type/Catalog/Pages 2 0 R{intent}>>", 5: stream("profile", "/N 4")}
+        first, second, output = self.joined("the printing condition", document(plain("a")), document(press))
+        self.assertIn("/OutputIntents", str(self.catalog(second)))
+        self.assertNotIn("/OutputIntents", str(self.catalog(output)))
+
+    def catalog(self, path):
+        objects = self.qpdf(path)
+        return objects["obj:" + objects["trailer"]["value"]["/Root"]]
+
     def qpdf_texts(self, path):
         """The texts of the pages that qpdf sees."""
         return self.texts(self.file("seen.pdf", run(["qpdf", path, "-"]).stdout))

@@ -8,7 +8,7 @@ from dataclasses import dataclass
 import rules_model
 
 REFUSED, ACCEPTED, ENCRYPTED = "refused", "accepted", "encrypted"
-COLUMNS = ("file", "verdict", "stage", "object", "rule", "words", "differs", "why")
+COLUMNS = ("file", "verdict", "stage", "object", "rule", "words", "differs", "why", "warns")
 
 
 @dataclass
@@ -29,6 +29,11 @@ class Document:
             if item.startswith(kind + ":"):
                 return item.partition(":")[2]
         return ""
+
+    @property
+    def known_warning(self):
+        """What is warned of when the document comes after one without a form: "fields", or nothing."""
+        return self.expected.get("warns", "")
 
     @property
     def form_pages(self):

@@ -10,6 +10,7 @@ Checks: table      expectations.tsv, the documents and the rules of rules_model.
         folder     every acceptable document of the corpus in one run
         refused    what cannot be joined is refused, by name and with a reason
         encrypted  what readers can no longer read is joined object by object, and said to be so
+        warnings   every document alone, first and second: the warnings of the table and no other, and all are true
 
 Exit status 0: everything holds; 1: something does not; 77: there is no corpus, nothing was checked.
 """
@@ -26,6 +27,7 @@ from dataclasses import dataclass, field
 import documents as corpus_documents
 import object_values
 import readers
+import warned
 from documents import ACCEPTED, COLUMNS, ENCRYPTED, REFUSED
 from program import World
 
@@ -165,11 +167,9 @@ def join_pair(session, first, second):
         named = [("1-" + first.name, first.path), ("2-" + second.name, second.path)]
         outcome = world.join(session.options.program, named)
         yield from outcome.problems
-        if outcome.status != 0 or not outcome.written:
-            yield f"status {outcome.status}, stderr {outcome.stderr!r}"
+        yield from warned.pair_problems(outcome, first, second)
+        if not outcome.written:
             return
-        if outcome.stderr:
-            yield f"nothing is wrong, but stderr says {outcome.stderr!r}"
         yield from compare_with_documents(session, outcome.output, [first, second])
         yield from accepted_again(session, outcome.output)
 
@@ -196,25 +196,25 @@ def check_chain(session):
 def chain(session, first, second, third):
     with session.world() as world:
         joined = world.join(session.options.program, [("1.pdf", first.path), ("2.pdf", second.path)])
-        if joined.status != 0 or not joined.written:
-            yield f"status {joined.status}, stderr {joined.stderr!r}"
+        yield from warned.pair_problems(joined, first, second)
+        if not joined.written:
             return
         orders = {
-            "first": ([joined.output, third.path], [first, second, third]),
-            "second": ([third.path, joined.output], [third, first, second]),
-            "both": ([joined.output, joined.output], [first, second, first, second]),
+            "first": ([joined.output, third.path], [first, third], [first, second, third]),
+            "second": ([third.path, joined.output], [third, first], [third, first, second]),
+            "both": ([joined.output, joined.output], [first, first], [first, second, first, second]),
         }
-        for place, (paths, order) in orders.items():
-            for problem in chain_link(session, paths, order):
+        for place, (paths, heads, order) in orders.items():
+            for problem in chain_link(session, paths, heads, order):
                 yield f"as {place}: {problem}"
 
 
-def chain_link(session, paths, order):
+def chain_link(session, paths, heads, order):
     with session.world() as world:
         outcome = world.join(session.options.program, [(f"{i}.pdf", path) for i, path in enumerate(paths)])
         yield from outcome.problems
-        if outcome.status != 0 or not outcome.written:
-            yield f"status {outcome.status}, stderr {outcome.stderr!r}"
+        yield from warned.pair_problems(outcome, *heads)
+        if not outcome.written:
             return
         yield from compare_with_documents(session, outcome.output, order)
 
@@ -237,13 +237,15 @@ def rounds(session, first, beside):
     with session.world() as last_world:
         for number, document in enumerate(beside, 1):
             ahead = number % 2 == 0
+            heads = [document, order[0]] if ahead else [order[0], document]
             order = [document, *order] if ahead else [*order, document]
             paths = [document.path, path] if ahead else [path, document.path]
             with session.world() as world:
                 outcome = world.join(session.options.program, [("1.pdf", paths[0]), ("2.pdf", paths[1])])
                 yield from (f"round {number}: {problem}" for problem in outcome.problems)
-                if outcome.status != 0 or not outcome.written or outcome.stderr:
-                    yield f"round {number}: status {outcome.status}, stderr {outcome.stderr!r}"
+                problems = list(warned.pair_problems(outcome, *heads))
+                yield from (f"round {number}: {problem}" for problem in problems)
+                if problems:
                     return
                 path = last_world.path(f"round-{number}.pdf")
                 shutil.copyfile(outcome.output, path)
@@ -272,7 +274,7 @@ def join_everything(session, chosen):
         for document in chosen:
             if document.verdict == REFUSED and document.begins_as_pdf:
                 yield from refusal_words(document, document.name, outcome.stderr)
-            elif document.name in outcome.stderr:
+            elif document.name in outcome.stderr and not (document.verdict == ACCEPTED and document.has_form):
                 yield f"{document.name} was joined, but stderr names it"
         yield from compare_with_documents(session, outcome.output, [d for d in chosen if d.verdict == ACCEPTED])
 
@@ -352,6 +354,43 @@ def join_encrypted(session, document):
             yield f"as {place}: {problem}"
 
 
+def check_warnings(session):
+    for document in session.chosen(session.documents):
+        if document.verdict in (ACCEPTED, ENCRYPTED):
+            yield document.name, lambda d=document: warn(session, d)
+
+
+def warn(session, document):
+    partner = session.partner()
+    mine, other = (document.name, document.path), (partner.name, partner.path)
+    for place, (sources, second) in {
+        "alone": ([mine], None),
+        "first": ([("1-" + mine[0], mine[1]), ("2-" + other[0], other[1])], partner),
+        "second": ([("1-" + other[0], other[1]), ("2-" + mine[0], mine[1])], document),
+    }.items():
+        with session.world() as world:
+            outcome = world.join(session.options.program, sources)
+            for problem in judge_warnings(session, document, second, outcome):
+                yield f"{place}: {problem}"
+
+
+def judge_warnings(session, document, second, outcome):
+    encrypted = [line for line in outcome.stderr.splitlines() if line.endswith("is encrypted: " + warned.NOT_READABLE)]
+    others = [line for line in outcome.stderr.splitlines() if line not in encrypted]
+    if bool(encrypted) != (document.verdict == ENCRYPTED):
+        yield f"stderr says {outcome.stderr!r} of encryption"
+    wanted = 1 if second and second.known_warning else 0
+    if len(others) != wanted or not all(warned.WARNING.search(line) for line in others):
+        yield f"stderr says {others}"
+    if outcome.status != (3 if encrypted or others else 0) or not outcome.written:
+        yield f"status {outcome.status}, stderr {outcome.stderr!r}"
+    elif others and not encrypted:
+        before = len(session.library.reading(session.partner().path).pages)
+        reading, joined = session.library.reading(document.path), readers.read_document(outcome.output)
+        if not warned.is_true(outcome.output, document, reading, joined, before):
+            yield f"no program sees a field otherwise, but stderr says {outcome.stderr!r}"
+
+
 def check_table(session):
     for document in session.documents:
         yield document.name, lambda d=document: compare_row(session, d)
@@ -399,6 +438,7 @@ CHECKS = {
     "folder": check_folder,
     "refused": check_refused,
     "encrypted": check_encrypted,
+    "warnings": check_warnings,
 }
 
 

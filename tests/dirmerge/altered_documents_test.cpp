@@ -71,6 +71,23 @@ TEST_F(AlteredDocuments, AreCountedForTheWholeFolder) {
   EXPECT_NE(shell_.StatusText(2).find("   -> OK\r\n3 warnings, see the log\r\n"), std::string::npos);
 }
 
+/// The catalog of the first document of a pair is lost when the pair becomes a second input.
+TEST_F(AlteredDocuments, AreNamedWhereTheyShowInALaterRoundOnly) {
+  for (const char* name : {"a", "b", "d"}) AddDocument(name);
+  DocumentBuilder builder;
+  builder.Object(1, "<</Type/Catalog/Pages 2 0 R/AcroForm<</Fields[4 0 R]>>>>")
+      .Object(2, "<</Type/Pages/Kids[3 0 R]/Count 1>>")
+      .Object(3, "<</Type/Page/Parent 2 0 R/MediaBox[0 0 9 9]/Annots[4 0 R]>>")
+      .Object(4, "<</Subtype/Widget/FT/Tx/V(a)/Rect[0 0 9 9]>>");
+  folder_.Write("docs/c", builder.Build());
+  EXPECT_EQ(Merge().AlteredDocuments, Names{"c"});
+  ASSERT_EQ(shell_.Notices.size(), 1U);
+  EXPECT_EQ(shell_.Notices[0],
+            "[Folioweld-cmdOK]=>\"" + Doc("c") +
+                "\", object 4: a field is drawn by the form in its catalog, which is lost, and can look "
+                "otherwise or empty");
+}
+
 TEST_F(AlteredDocuments, LeaveNothingBehindForTheNextMerge) {
   AddAltered("a");
   Merge();
