@@ -40,11 +40,6 @@ class Document:
         return {int(page) for page in self.known("form").split(",") if page}
 
     @functools.cached_property
-    def begins_as_pdf(self):
-        """Only then is a refused file counted among the documents; any other file of a folder is passed over."""
-        return contents(self).startswith(b"%PDF-")
-
-    @functools.cached_property
     def has_form(self):
         return rules_model.Document(contents(self)).in_catalog(b"/AcroForm")
 

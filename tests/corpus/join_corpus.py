@@ -272,7 +272,7 @@ def join_everything(session, chosen):
             yield f"status {outcome.status} instead of 3, stderr {outcome.stderr!r}"
             return
         for document in chosen:
-            if document.verdict == REFUSED and document.begins_as_pdf:
+            if document.verdict == REFUSED:
                 yield from refusal_words(document, document.name, outcome.stderr)
             elif document.name in outcome.stderr and not (document.verdict == ACCEPTED and document.has_form):
                 yield f"{document.name} was joined, but stderr names it"
@@ -301,11 +301,10 @@ def judge_refusal(session, document, name, outcome, partner):
     while it is read takes its pair with it."""
     yield from outcome.problems
     survives = partner is not None and document.expected["stage"] == "acceptance"
-    wanted = (3 if document.begins_as_pdf else 0) if survives else 1
+    wanted = 3 if survives else 1
     if outcome.status != wanted:
         yield f"status {outcome.status} instead of {wanted}, stderr {outcome.stderr!r}"
-    if document.begins_as_pdf:
-        yield from refusal_words(document, name, outcome.stderr)
+    yield from refusal_words(document, name, outcome.stderr)
     if outcome.written != survives:
         yield "an output is there" if outcome.written else "no output is there"
     elif survives:
