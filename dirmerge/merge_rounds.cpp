@@ -32,8 +32,7 @@ void MergeRounds::Run(const std::string& directory, const std::vector<std::strin
   filesToMerge_.clear();
   for (const std::string& name : names) filesToMerge_.push_back({name, {{FullName(name), 0, false, {}}}});
 
-  TemporaryFiles temporaries(files_,
-                             [this](const std::string& name) { logging_.Log(" Kill \"" + name + "\""); });
+  TemporaryFiles temporaries(files_, logging_);
   for (Round round{static_cast<int>(names.size()), 0};;) {
     logging_.Log("iNumFilesToMerge: " + std::to_string(round.iNumFilesToMerge) + "   indBaseTmp: " +
                  std::to_string(round.indBaseTmp) + "   iLastIndex: " + std::to_string(round.iLastIndex) +
@@ -94,13 +93,14 @@ bool MergeRounds::GrowTo(int index, TemporaryFiles& temporaries) {
 bool MergeRounds::MakeTemporary(int index, TemporaryFiles& temporaries) {
   if (!GrowTo(index, temporaries)) return false;
   SystemError error;
-  std::string name = MakeTempFileName(files_.System(), tmpFolder_, "Pdf", "", &error);
+  FileInformation made;
+  std::string name = MakeTempFileName(files_.System(), tmpFolder_, "Pdf", "", &error, &made);
   if (name.empty()) {
     logging_.Notice(" Temporary file allocation problem!");
     logging_.Notice("  because of " + error.Words() + " (\"" + tmpFolder_ + "\")");
     return false;
   }
-  temporaries.SetCreated(index, std::move(name));
+  temporaries.SetCreated(index, std::move(name), made);
   return true;
 }
 

@@ -20,18 +20,34 @@ std::string FourHexDigits(std::uint32_t number) {
   return text;
 }
 
+/// Whether nobody but its owner can get at it, which not every file system grants.
+bool IsPrivate(const FileInformation& file) {
+  return file.Kind == FileKind::Regular && file.Links == 1 && file.Mode == 0600;
+}
+
+/// Takes a new file back, unless something else has its name by now.
+void RemoveMade(WindowsAPI& system, const std::string& path, const SystemResult<FileInformation>& made) {
+  const auto now = system.GetLinkAttributes(path);
+  if (!now.Ok() || now.Value().Kind != FileKind::Regular || now.Value().Size > 0) return;
+  if (!made.Ok() || now.Value().Identity == made.Value().Identity) static_cast<void>(system.DeleteFile(path));
+}
+
 /// Creates prefix, four digits, ".tmp" under a name that is not taken.
 SystemResult<std::string> CreateTempFile(WindowsAPI& system, const std::string& folder,
-                                         const std::string& prefix) {
+                                         const std::string& prefix, FileInformation& made) {
   const auto number = RetryInterrupted([&] { return system.RandomNumber(); });
   if (!number.Ok()) return number.Error();
   for (std::uint32_t i = 0; i < kNames; ++i) {
     std::string path = WithSeparator(folder) + prefix + FourHexDigits(number.Value() + i) + ".tmp";
     const auto file = RetryInterrupted([&] { return system.CreateFile(path, OpenMode::CreateNewPrivate); });
     if (file.Ok()) {
-      const SystemError error = system.CloseHandle(file.Value());
+      const auto information = system.GetFileInformationByHandle(file.Value());
+      SystemError error = system.CloseHandle(file.Value());
+      if (!information.Ok()) error = information.Error();
+      made = information.Value();
+      if (!error && !IsPrivate(made)) error = {EPERM};
       if (!error) return path;
-      static_cast<void>(system.DeleteFile(path));
+      RemoveMade(system, path, information);
       return error;
     }
     if (file.Error().Code != EEXIST) return file.Error();
@@ -77,7 +93,7 @@ std::string GetSystemTempFolder(WindowsAPI& system) {
 }
 
 std::string MakeTempFileName(WindowsAPI& system, const std::string& folder, const std::string& prefix,
-                             const std::string& extension, SystemError* why) {
+                             const std::string& extension, SystemError* why, FileInformation* made) {
   const std::string fullFolder = folder.empty() ? GetSystemTempFolder(system) : FullPath(system, folder);
   if (fullFolder.empty()) {
     if (why != nullptr) *why = system.GetCurrentDirectory().Error();
@@ -85,7 +101,9 @@ std::string MakeTempFileName(WindowsAPI& system, const std::string& folder, cons
   }
   const std::string usedPrefix = prefix.empty() ? std::string("KEM") : prefix.substr(0, 3);
   for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
-    const auto created = CreateTempFile(system, fullFolder, usedPrefix);
+    FileInformation information;
+    const auto created = CreateTempFile(system, fullFolder, usedPrefix, information);
+    if (made != nullptr) *made = information;
     if (!created.Ok() && why != nullptr) *why = created.Error();
     if (!created.Ok() || extension.empty()) return created.Value();
     std::string renamed = WithExtension(created.Value(), extension);

@@ -28,10 +28,11 @@ void SplitPath(const std::string& fullName, std::string& fileName, std::string& 
 ///
 /// An empty folder means the system's temporary folder; an empty prefix means "KEM", and three characters of
 /// it are used. The name is the prefix, four hexadecimal digits and ".tmp", or the given extension, with or
-/// without its ".", in place of the latter. The system's error of a failure goes to `why`.
+/// without its ".", in place of the latter. The system's error of a failure goes to `why`, and
+/// what it says of the new file to `made`.
 [[nodiscard]] std::string MakeTempFileName(WindowsAPI& system, const std::string& folder,
                                            const std::string& prefix, const std::string& extension,
-                                           SystemError* why = nullptr);
+                                           SystemError* why = nullptr, FileInformation* made = nullptr);
 
 /// Goes back, at the end of its life, to the folder that was the current one at its beginning.
 class CurrentDirectoryKeeper {

@@ -1,14 +1,26 @@
 #include "dirmerge/temporary_files.h"
 
-#include <exception>
 #include <limits>
 #include <new>
 #include <utility>
 
 namespace folioweld {
 
-TemporaryFiles::TemporaryFiles(FileModule& files, std::function<void(const std::string&)> killed)
-    : files_(files), killed_(std::move(killed)) {}
+namespace {
+
+/// The files go even when there is no memory left to tell so.
+void Tell(const std::function<void(const std::string&)>& tell, const char* before, const std::string& name,
+          const char* after) {
+  try {
+    tell(before + name + after);
+  } catch (const std::bad_alloc&) {
+  }
+}
+
+}  // namespace
+
+TemporaryFiles::TemporaryFiles(FileModule& files, const Logging& logging)
+    : module_(files), logging_(logging) {}
 
 TemporaryFiles::~TemporaryFiles() {
   DeleteAll();
@@ -17,23 +29,28 @@ TemporaryFiles::~TemporaryFiles() {
 bool TemporaryFiles::Grow(int index) {
   if (index > std::numeric_limits<std::int16_t>::max()) return false;
   try {
-    names_.resize(static_cast<std::size_t>(index) + 1);
+    files_.resize(static_cast<std::size_t>(index) + 1);
   } catch (const std::bad_alloc&) {
     return false;
   }
   return true;
 }
 
+void TemporaryFiles::SetCreated(int index, std::string name, const FileInformation& made) {
+  Temporary& file = files_.at(static_cast<std::size_t>(index));
+  file = {std::move(name), made};
+  module_.Own().Add(file.Name, made);
+}
+
 void TemporaryFiles::DeleteAll() {
-  for (std::string& name : names_) {
-    if (name.empty()) continue;
-    try {
-      killed_(name);
-    } catch (const std::exception&) {
-      // The file goes even when there is no memory left to tell so.
+  for (Temporary& file : files_) {
+    if (file.Name.empty()) continue;
+    Tell(logging_.Log, " Kill \"", file.Name, "\"");
+    if (module_.DeleteOwn(file.Name, file.Made) == OwnDeletion::Another) {
+      Tell(logging_.Notice, " Another file has taken the place of \"", file.Name, "\" and is left alone");
     }
-    files_.DeleteFile(name);
-    name.clear();
+    module_.Own().Remove(file.Name);
+    file.Name.clear();
   }
 }
 

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
+#include "dirmerge/logging.h"
 #include "engine/file_module.h"
 
 namespace folioweld {
@@ -14,8 +13,9 @@ namespace folioweld {
 /// input that is carried over, stays empty.
 class TemporaryFiles {
  public:
-  /// `killed` is told the name of every file just before it is deleted.
-  TemporaryFiles(FileModule& files, std::function<void(const std::string&)> killed);
+  /// Each deletion is logged before it happens, and it is noticed when another file has taken the place of
+  /// one of these, which is then left alone.
+  TemporaryFiles(FileModule& files, const Logging& logging);
   TemporaryFiles(const TemporaryFiles&) = delete;
   TemporaryFiles& operator=(const TemporaryFiles&) = delete;
   ~TemporaryFiles();
@@ -24,24 +24,27 @@ class TemporaryFiles {
   /// when there is no memory for it.
   [[nodiscard]] bool Grow(int index);
   /// The highest index, -1 at first.
-  [[nodiscard]] int Highest() const { return static_cast<int>(names_.size()) - 1; }
+  [[nodiscard]] int Highest() const { return static_cast<int>(files_.size()) - 1; }
 
-  /// Takes over the file made for the result at the index. Asks for no memory, so that no file is ever left
-  /// without an owner.
-  void SetCreated(int index, std::string name) {
-    names_.at(static_cast<std::size_t>(index)) = std::move(name);
-  }
+  /// Takes over the file made for the result at the index, and from here on no other file passes for it. It
+  /// is deleted at the end also when the memory for that runs out here.
+  void SetCreated(int index, std::string name, const FileInformation& made);
   [[nodiscard]] const std::string& Name(int index) const {
-    return names_.at(static_cast<std::size_t>(index));
+    return files_.at(static_cast<std::size_t>(index)).Name;
   }
 
   /// Deletes the files now.
   void DeleteAll();
 
  private:
-  FileModule& files_;
-  std::function<void(const std::string&)> killed_;
-  std::vector<std::string> names_;
+  struct Temporary {
+    std::string Name;
+    FileInformation Made;
+  };
+
+  FileModule& module_;
+  const Logging& logging_;
+  std::vector<Temporary> files_;
 };
 
 }  // namespace folioweld

@@ -163,7 +163,7 @@ bool IsThisDocumentApdf(FileModule& files, const std::string& sFileSpecif, PassF
   if (sFileSpecif.empty()) {
     reason.Rule = "no file is named";
   } else if (fileNumber < 1) {
-    reason.Rule = "the file cannot be opened: " + files.LastError().Words();
+    reason.Rule = "the file cannot be opened: " + files.LastReason();
   } else {
     MergeState untouched;
     CheckDocumentStructure(untouched, files, fileNumber, -1, result, reason);

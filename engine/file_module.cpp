@@ -27,10 +27,15 @@ FileModule::~FileModule() {
 }
 
 std::int16_t FileModule::OpenForBinaryRead(const std::string& path) {
-  const auto handle = RetryInterrupted([&] { return system_.CreateFile(path, OpenMode::ReadExisting); });
-  if (!handle.Ok()) return Refuse(-1, handle.Error());
+  const FileInformation* const own = own_.Find(path);
+  const OpenMode mode = own == nullptr ? OpenMode::ReadExisting : OpenMode::ReadUnlinked;
+  const auto handle = RetryInterrupted([&] { return system_.CreateFile(path, mode); });
+  if (!handle.Ok()) return Refuse(-1, handle.Error(), own);
   const auto information = system_.GetFileInformationByHandle(handle.Value());
   if (!information.Ok()) return Refuse(handle.Value(), information.Error());
+  if (own != nullptr && !IsUntouched(*own, information.Value())) {
+    return Refuse(handle.Value(), SystemError{ESTALE}, own);
+  }
   if (information.Value().Kind == FileKind::Directory) return Refuse(handle.Value(), SystemError{EISDIR});
   if (information.Value().Kind != FileKind::Regular) return Refuse(handle.Value(), SystemError{EINVAL});
   auto file = std::make_unique<OpenFile>();
@@ -45,12 +50,17 @@ std::int16_t FileModule::OpenForBinaryWrite(const std::string& path) {
 }
 
 std::int16_t FileModule::OpenOutput(const std::string& path, bool mayReplace) {
-  const auto handle = RetryInterrupted([&] { return system_.CreateFile(path, OpenMode::WriteKeep); });
-  if (!handle.Ok()) return Refuse(-1, handle.Error());
+  const FileInformation* const own = own_.Find(path);
+  const OpenMode mode = own == nullptr ? OpenMode::WriteKeep : OpenMode::ReadWriteExisting;
+  const auto handle = RetryInterrupted([&] { return system_.CreateFile(path, mode); });
+  if (!handle.Ok()) return Refuse(-1, handle.Error(), own);
   const auto information = system_.GetFileInformationByHandle(handle.Value());
   if (!information.Ok()) {
-    RemoveEmpty(path);
+    if (own == nullptr) RemoveEmpty(path);
     return Refuse(handle.Value(), information.Error());
+  }
+  if (own != nullptr && !IsUntouched(*own, information.Value())) {
+    return Refuse(handle.Value(), SystemError{ESTALE}, own);
   }
   if (information.Value().Kind != FileKind::Regular) return Refuse(handle.Value(), SystemError{EINVAL});
   if (IsOpenInput(information.Value().Identity)) return Refuse(handle.Value(), SystemError{EBUSY});
@@ -167,10 +177,12 @@ std::int16_t FileModule::Store(std::unique_ptr<OpenFile> file) {
   return static_cast<std::int16_t>(place - files_.begin() + 1);
 }
 
-std::int16_t FileModule::Refuse(WindowsAPI::Handle handle, SystemError error) {
+std::int16_t FileModule::Refuse(WindowsAPI::Handle handle, SystemError error, const FileInformation* own) {
   // Closing cannot lose anything here: nothing was written.
   if (handle >= 0) static_cast<void>(system_.CloseHandle(handle));
   lastError_ = error;
+  // A link in its place is refused by the system already.
+  replaced_ = own != nullptr && (error.Code == ESTALE || error.Code == ELOOP);
   return -1;
 }
 
@@ -181,8 +193,13 @@ void FileModule::RemoveEmpty(const std::string& path) {
   static_cast<void>(system_.DeleteFile(path));
 }
 
+std::string FileModule::LastReason() const {
+  return replaced_ ? "another file has taken its place" : lastError_.Words();
+}
+
 bool FileModule::Fail(SystemError error) {
   lastError_ = error;
+  replaced_ = false;
   return false;
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "engine/file_buffer.h"
+#include "engine/own_files.h"
 #include "platform/windows_api.h"
 
 namespace folioweld {
@@ -22,6 +23,12 @@ enum FileReadCode : std::int32_t {
   kNoLength = -4,      ///< the file's length could not be had, or is above 2,147,483,647
   kSeekFailed = -5,
   kReadFailed = -6
+};
+
+/// What there was to delete.
+enum class OwnDeletion {
+  Itself,   ///< the file that was made, or nothing any longer
+  Another,  ///< something else under its name
 };
 
 /// Open files by number, positioned reads of lines and blocks, gathered writes, and a few whole-file
@@ -116,6 +123,8 @@ class FileModule {
   /// a link, and a file with further names keeps its mode and its contents. No result: ask `FileExists` where
   /// it matters.
   void DeleteFile(const std::string& path);
+  /// Deletes a file that the job made, or empties it; whatever else has its name by now is left alone.
+  [[nodiscard]] OwnDeletion DeleteOwn(const std::string& path, const FileInformation& made);
   /// Empties an existing file; true when that worked.
   bool TruncateFile(const std::string& path);
   /// Sets the end of an existing file.
@@ -125,6 +134,11 @@ class FileModule {
 
   /// The system's error of the last failed operation.
   [[nodiscard]] SystemError LastError() const { return lastError_; }
+  /// The same in words.
+  [[nodiscard]] std::string LastReason() const;
+  /// What is known of the files that the job made for itself. Such a path is opened only as long as it leads
+  /// to the file that was made, untouched; it is never created anew, and only that file is deleted.
+  [[nodiscard]] OwnFiles& Own() { return own_; }
   [[nodiscard]] WindowsAPI& System() { return system_; }
 
   /// Where the line reader's warnings go; may be null.
@@ -138,7 +152,9 @@ class FileModule {
   std::int16_t OpenOutput(const std::string& path, bool mayReplace);
   std::int16_t ReplaceName(const std::string& path, WindowsAPI::Handle handle);
   std::int16_t Store(std::unique_ptr<OpenFile> file);
-  std::int16_t Refuse(WindowsAPI::Handle handle, SystemError error);
+  /// `own` is the file that was expected, if it was one of the job's own.
+  std::int16_t Refuse(WindowsAPI::Handle handle, SystemError error, const FileInformation* own = nullptr);
+  SystemResult<FileInformation> Look(const std::string& path);
   void RemoveEmpty(const std::string& path);
   bool Fail(SystemError error);
   [[nodiscard]] bool IsOpenInput(const FileIdentity& identity) const;
@@ -152,6 +168,8 @@ class FileModule {
   WindowsAPI& system_;
   ActivityLog* log_ = nullptr;
   SystemError lastError_;
+  bool replaced_ = false;  ///< whether it says that one of the job's own files is another one now
+  OwnFiles own_;
   SpareFileBuffers spareBuffers_;
   std::vector<std::unique_ptr<OpenFile>> files_;
 };

@@ -40,7 +40,7 @@ bool MergeJob::OpenInput(std::int16_t slot, PassFailure& why) {
   if (state_.DocFileName(slot).empty()) return false;
   const std::int16_t fileNumber = files_.OpenForBinaryRead(state_.DocFileName(slot));
   if (fileNumber < 1) {
-    why = {slot, -1, -1, "the file cannot be opened: " + files_.LastError().Words()};
+    why = {slot, -1, -1, "the file cannot be opened: " + files_.LastReason()};
     return false;
   }
   state_.DocFileNumber(slot) = fileNumber;

@@ -22,7 +22,9 @@ bool MergeJob::OpenOutput() {
   if (path.empty()) return true;
   state_.DocFileNumber(3) = files_.OpenForBinaryWrite(path);
   if (state_.DocFileNumber(3) >= 1) return true;
-  const std::string reason = WhyNoOutput(files_.System(), path, files_.LastError(), InputDocuments());
+  const std::string reason = files_.LastError().Code == ESTALE
+                                 ? files_.LastReason()
+                                 : WhyNoOutput(files_.System(), path, files_.LastError(), InputDocuments());
   LogFailure({3, -1, -1, "the output cannot be opened"});
   // Told already.
   state_.Failure = {};

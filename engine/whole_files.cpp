@@ -16,7 +16,43 @@ bool FileModule::FileExists(const std::string& path) {
   return information.Ok() && information.Value().Kind != FileKind::Directory;
 }
 
+/// What stands under the name now, looked at without opening it if that can be done: nothing lies then
+/// between the look and a deletion.
+SystemResult<FileInformation> FileModule::Look(const std::string& path) {
+  const auto named = system_.GetLinkAttributes(path);
+  if (named.Ok() || named.Error().Code == ENOENT) return named;
+  const auto handle = RetryInterrupted([&] { return system_.CreateFile(path, OpenMode::ReadUnlinked); });
+  if (!handle.Ok()) return handle.Error();
+  auto information = system_.GetFileInformationByHandle(handle.Value());
+  static_cast<void>(system_.CloseHandle(handle.Value()));
+  return information;
+}
+
+OwnDeletion FileModule::DeleteOwn(const std::string& path, const FileInformation& made) {
+  const auto now = Look(path);
+  if (!now.Ok()) return OwnDeletion::Itself;
+  if (!IsSameFile(made, now.Value())) return OwnDeletion::Another;
+  const SystemError error = RetryInterrupted([&] { return system_.DeleteFile(path); });
+  if (!error) return OwnDeletion::Itself;
+  lastError_ = error;
+  // What cannot be deleted is emptied, and that not by its name.
+  const auto handle = RetryInterrupted([&] { return system_.CreateFile(path, OpenMode::ReadWriteExisting); });
+  if (!handle.Ok()) return OwnDeletion::Itself;
+  const auto information = system_.GetFileInformationByHandle(handle.Value());
+  if (information.Ok() && IsUntouched(made, information.Value())) {
+    static_cast<void>(RetryInterrupted([&] { return system_.SetEndOfFile(handle.Value(), 0); }));
+  }
+  static_cast<void>(system_.CloseHandle(handle.Value()));
+  // What kept the name may have been over in a moment.
+  static_cast<void>(system_.DeleteFile(path));
+  return OwnDeletion::Itself;
+}
+
 void FileModule::DeleteFile(const std::string& path) {
+  if (const FileInformation* const own = own_.Find(path)) {
+    static_cast<void>(DeleteOwn(path, *own));
+    return;
+  }
   const auto information = system_.GetLinkAttributes(path);
   if (information.Ok()) {
     const bool oneName = information.Value().Links == 1;

@@ -40,6 +40,8 @@ int FlagsFor(OpenMode mode) {
   switch (mode) {
     case OpenMode::ReadExisting:
       return kAlways | O_RDONLY;
+    case OpenMode::ReadUnlinked:
+      return kAlways | O_RDONLY | O_NOFOLLOW;
     case OpenMode::WriteKeep:
       return kAlways | O_WRONLY | O_CREAT | O_NOFOLLOW;
     case OpenMode::ReadWriteExisting:
@@ -76,6 +78,9 @@ FileInformation FromStat(const struct stat& status) {
   information.ChangeNanoseconds = status.st_ctim.tv_nsec;
   information.Links = status.st_nlink;
   information.OwnerCanWrite = (status.st_mode & S_IWUSR) != 0;
+  information.Owner = status.st_uid;
+  information.Group = status.st_gid;
+  information.Mode = status.st_mode & 07777U;
   return information;
 }
 

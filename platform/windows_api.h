@@ -16,6 +16,7 @@ namespace folioweld {
 /// that is opened for writing is reached through a symbolic link in the last component of its path.
 enum class OpenMode {
   ReadExisting,           ///< reading, existing files only
+  ReadUnlinked,           ///< the same, but not through a symbolic link
   WriteKeep,              ///< writing, created when missing (mode 0666 less the umask), contents kept
   ReadWriteExisting,      ///< reading and writing, existing files only
   TruncateExisting,       ///< writing, existing files only, emptied by the open
@@ -44,6 +45,9 @@ struct FileInformation {
   std::int64_t ChangeNanoseconds = 0;
   std::uint64_t Links = 1;  ///< how many names the file has
   bool OwnerCanWrite = true;
+  std::uint32_t Owner = 0;  ///< user id
+  std::uint32_t Group = 0;  ///< group id
+  std::uint32_t Mode = 0;   ///< permissions, with the sticky bit
 };
 
 /// What the signals that ask a program to end do while they are caught.

@@ -37,13 +37,14 @@ TEST_F(ExhaustedMerge, FolderOfMoreFilesThanSixteenBitsCountIsLoggedAndLeft) {
 TEST_F(ExhaustedMerge, ListOfTemporariesThatCannotGrowGoesToCleanUp) {
   for (const char* name : {"a", "b", "c"}) AddDocument(name);
   // The list's first entry is asked for right after the second look at Cancel before the first pair.
+  constexpr std::size_t kEntry = sizeof(std::string) + sizeof(FileInformation);
   std::optional<testing::FailingMemory> failing;
   int looks = 0;
   shell_.OnYield = [&] {
     failing.reset();
     const Names lines = MergeLines();
     const bool rounds = !lines.empty() && lines.back().rfind("iNumFilesToMerge: 3", 0) == 0;
-    if (rounds && ++looks == 2) failing.emplace(sizeof(std::string), sizeof(std::string));
+    if (rounds && ++looks == 2) failing.emplace(kEntry, kEntry);
   };
   EXPECT_FALSE(Merge().OutputWritten);
   EXPECT_EQ(shell_.Notices[0], "[Folioweld-MergeDirectory]=> Memory allocation problem!");

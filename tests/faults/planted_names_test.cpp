@@ -1,5 +1,6 @@
 // Somebody else puts files, links and pipes where the program is going to make its own.
 
+#include <fcntl.h>
 #include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
@@ -143,6 +144,76 @@ TEST_F(PlantedNames, InPlaceOfATemporaryAtAnyMomentReachNothing) {
         EXPECT_GT(site, 100U);
         break;
       }
+    }
+  }
+}
+
+/// Somebody else who can write to the folder for temporaries: another document, readable for all, takes the
+/// place of the first temporary file that is found, while the one who put it there keeps it open.
+class Intruder {
+ public:
+  explicit Intruder(const testing::TempFolder& folder)
+      : folder_(folder), path_(folder.Write("foreign", testing::SimpleDocument(1, "foreign text"))) {
+    EXPECT_EQ(::chmod(path_.c_str(), 0644), 0);
+    bytes_ = ReadFile(path_);
+    file_ = ::open(path_.c_str(), O_RDONLY | O_CLOEXEC);
+  }
+  Intruder(const Intruder&) = delete;
+  Intruder& operator=(const Intruder&) = delete;
+  ~Intruder() { ::close(file_); }
+
+  /// Takes the place if there is one to take; from then on nothing more.
+  void Act() {
+    if (!place_.empty()) return;
+    for (const auto& entry : fs::directory_iterator(folder_.File("tmp"))) {
+      place_ = entry.path().string();
+      fs::rename(path_, place_);
+      return;
+    }
+  }
+
+  [[nodiscard]] bool HasActed() const { return !place_.empty(); }
+  [[nodiscard]] bool StillStands() const { return Exists(place_) && ReadFile(place_) == bytes_; }
+  /// Whether what it keeps open is what it put there.
+  [[nodiscard]] bool HasLearntNothing() const {
+    std::string now(bytes_.size() + 1, '\0');
+    const ssize_t size = ::pread(file_, now.data(), now.size(), 0);
+    return size == static_cast<ssize_t>(bytes_.size()) && now.compare(0, bytes_.size(), bytes_) == 0;
+  }
+
+ private:
+  const testing::TempFolder& folder_;
+  std::string path_;
+  std::string bytes_;
+  std::string place_;
+  int file_ = -1;
+};
+
+TEST_F(PlantedNames, AnotherDocumentInATemporarysPlaceAtAnyMomentIsNeitherReadNorWrittenNorDeleted) {
+  for (std::size_t site = 0;; site += stride_) {
+    Intruder intruder(folder_);
+    testing::QuietSystem system;
+    std::string call;
+    system.Decide = [&](const testing::FaultingSystem::Call& next, std::size_t index) {
+      if (index < site || intruder.HasActed()) return testing::FaultingSystem::Fault{};
+      intruder.Act();
+      call = next.Name;
+      return testing::FaultingSystem::Fault{};
+    };
+    const ExitStatus status = Run(system);
+    EXPECT_TRUE(intruder.HasLearntNothing());
+    if (Exists(Output())) {
+      EXPECT_EQ(ReadFile(Output()).find("foreign text"), std::string::npos);
+      EXPECT_TRUE(status == kJoinedWithLosses || ReadFile(Output()) == whole_) << status;
+    }
+    // A name can be taken between the last look and the deletion.
+    EXPECT_TRUE(!intruder.HasActed() || intruder.StillStands() || call == "DeleteFile");
+    Clear("tmp");
+    fs::remove(Output());
+    ASSERT_FALSE(HasFailure()) << "at call " << site << ", " << call << ": " << system.Said;
+    if (!intruder.HasActed()) {
+      EXPECT_GT(site, 100U);
+      break;
     }
   }
 }

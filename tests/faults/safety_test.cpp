@@ -110,7 +110,10 @@ TEST_F(Safety, ALinkPlantedForATemporaryAtAnyMomentReachesNothing) {
     };
     static_cast<void>(Run(system, folder_.File("out.pdf"), folder_.File("docs")));
     ASSERT_EQ(ReadFile(victim), "precious") << "planted at call " << site;
-    ASSERT_TRUE(fs::is_empty(folder_.File("tmp"))) << "planted at call " << site;
+    for (const auto& entry : fs::directory_iterator(folder_.File("tmp"))) {
+      ASSERT_TRUE(entry.is_symlink()) << "planted at call " << site;
+      fs::remove(entry);
+    }
     if (!planted) {
       EXPECT_GT(site, 100U);
       return;
@@ -144,7 +147,7 @@ TEST_F(Safety, NothingInAFolderBlocksTheMerge) {
     testing::QuietSystem system;
     return static_cast<int>(Run(system, folder_.File("out.pdf"), docs));
   });
-  EXPECT_EQ(end.Status, kEverythingJoined);
+  EXPECT_EQ(end.Status, kJoinedWithLosses) << "the empty document is named";
   const std::string output = ReadFile(folder_.File("out.pdf"));
   for (const char* text : {"text of a", "text of b", "text of c"}) {
     EXPECT_NE(output.find(text), std::string::npos);
