@@ -143,9 +143,13 @@ class DirectoryJob {
     const std::int16_t sortOrder = program_.SortOrder;
     if (!ordering.Order(names, sortOrder)) return;
     TmpDirectory tmp(files_.System(), settings_, shell_);
-    const std::string tmpFolder = names.size() > 2 ? tmp.RequireTmpDirectory() : tmp.GetTmpDirectory();
+    // Two documents need no temporary file; the setting gets its default all the same.
+    std::string why;
+    const std::string tmpFolder =
+        names.size() > 2 ? tmp.SafeTmpDirectory(logging_.Notice, why) : tmp.GetTmpDirectory();
     if (names.size() > 2 && tmpFolder.empty()) {
       logging_.Notice("Unable to get a temporary directory");
+      TellReason(why);
       return;
     }
     JoinInRounds(directory, names, output, tmpFolder);

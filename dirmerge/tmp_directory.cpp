@@ -1,5 +1,6 @@
 #include "dirmerge/tmp_directory.h"
 
+#include "dirmerge/folder_safety.h"
 #include "dirmerge/paths.h"
 #include "engine/lexer.h"
 
@@ -43,6 +44,27 @@ std::string TmpDirectory::ChooseTmpDirectory() {
 std::string TmpDirectory::RequireTmpDirectory() {
   std::string folder = GetTmpDirectory();
   return folder.empty() ? ChooseTmpDirectory() : folder;
+}
+
+std::string TmpDirectory::SafeTmpDirectory(const std::function<void(const std::string&)>& tell,
+                                           std::string& why) {
+  std::string folder = RequireTmpDirectory();
+  if (folder.empty()) {
+    why = "the system names no folder for temporary files";
+    return {};
+  }
+  why = WhyFolderIsUnsafe(system_, folder);
+  if (why.empty()) return folder;
+  const std::string instead = SystemFolder();
+  if (instead == folder || instead.empty()) {
+    why += " (\"" + folder + "\")";
+    return {};
+  }
+  tell("The folder for temporary files \"" + folder + "\" is not used: " + why);
+  why = WhyFolderIsUnsafe(system_, instead);
+  if (why.empty()) return instead;
+  why += " (\"" + instead + "\")";
+  return {};
 }
 
 std::string TmpDirectory::SystemFolder() {

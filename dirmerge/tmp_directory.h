@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "engine/merge_shell.h"
@@ -25,6 +26,12 @@ class TmpDirectory {
 
   /// The stored folder, or the user's pick when it cannot be entered.
   [[nodiscard]] std::string RequireTmpDirectory();
+
+  /// The folder that temporary files are made in: the one of `RequireTmpDirectory`, or the system's where
+  /// that is not safe, which `tell` is told and which is not stored. Empty, with the reason in `why`, when
+  /// none is safe.
+  [[nodiscard]] std::string SafeTmpDirectory(const std::function<void(const std::string&)>& tell,
+                                             std::string& why);
 
  private:
   [[nodiscard]] std::string SystemFolder();

@@ -221,6 +221,16 @@ std::optional<std::string> PosixApi::GetEnvironmentVariable(const std::string& n
   return std::string(value);
 }
 
+UserIds PosixApi::GetUserIds() {
+  constexpr std::uint32_t kUsualOverflowUser = 65534;
+  std::array<char, 16> text{};
+  const int file = ::open("/proc/sys/kernel/overflowuid", O_RDONLY | O_CLOEXEC);
+  const bool known = file >= 0 && ::read(file, text.data(), text.size() - 1) > 0;
+  if (file >= 0) ::close(file);
+  const auto overflow = static_cast<std::uint32_t>(std::strtoul(text.data(), nullptr, 10));
+  return {::geteuid(), ::getegid(), known ? overflow : kUsualOverflowUser};
+}
+
 SystemResult<std::uint32_t> PosixApi::RandomNumber() {
   std::uint32_t number = 0;
   const ssize_t count = ::getrandom(&number, sizeof number, 0);

@@ -36,6 +36,7 @@ class PosixApi : public WindowsAPI {
   SystemError SetCurrentDirectory(const std::string& folder) override;
 
   std::optional<std::string> GetEnvironmentVariable(const std::string& name) override;
+  UserIds GetUserIds() override;
   SystemResult<std::uint32_t> RandomNumber() override;
   SystemResult<LocalTime> FileTimeToLocalTime(std::int64_t seconds) override;
   std::int64_t MillisecondsNow() override;

@@ -50,6 +50,13 @@ struct FileInformation {
   std::uint32_t Mode = 0;   ///< permissions, with the sticky bit
 };
 
+/// As whom the program acts.
+struct UserIds {
+  std::uint32_t User = 0;
+  std::uint32_t Group = 0;         ///< the primary one
+  std::uint32_t OverflowUser = 0;  ///< stands for owners that this process has no id for, as in a container
+};
+
 /// What the signals that ask a program to end do while they are caught.
 enum class StopRule {
   Remember,  ///< SIGINT, SIGTERM and SIGHUP are remembered, the last of them; no call notices
@@ -125,6 +132,7 @@ class WindowsAPI {
 
   // The process and its surroundings.
   virtual std::optional<std::string> GetEnvironmentVariable(const std::string& name) = 0;
+  virtual UserIds GetUserIds() = 0;
   virtual SystemResult<std::uint32_t> RandomNumber() = 0;
   virtual SystemResult<LocalTime> FileTimeToLocalTime(std::int64_t seconds) = 0;
   /// Monotonic.

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/stat.h>
 #include <utility>
 #include <vector>
 
@@ -159,6 +160,63 @@ TEST_F(TmpDirectoryTest, RequireTakesTheSystemsFolderWhereNobodyAnswers) {
   Store(folder_.File("vanished"));
   EXPECT_EQ(tmp_.RequireTmpDirectory(), Tmp());
   EXPECT_EQ(Stored(), Tmp());
+}
+
+class SafeTmpDirectoryTest : public TmpDirectoryTest {
+ protected:
+  std::string Safe() {
+    return tmp_.SafeTmpDirectory([this](const std::string& line) { told_.push_back(line); }, why_);
+  }
+  void Open(const std::string& folder, unsigned mode) { ASSERT_EQ(::chmod(folder.c_str(), mode), 0); }
+
+  std::vector<std::string> told_;
+  std::string why_;
+  const std::string open_ = "everybody may write to the folder and it has no sticky bit";
+};
+
+TEST_F(SafeTmpDirectoryTest, IsTheStoredOneWhenThatIsSafe) {
+  const std::string mine = Made("mine");
+  Store(mine);
+  EXPECT_EQ(Safe(), mine + "/");
+  EXPECT_EQ(why_, "");
+  EXPECT_TRUE(told_.empty());
+}
+
+TEST_F(SafeTmpDirectoryTest, IsTheSystemsOneWhereOthersCanWriteToTheStoredOneWhichStaysStored) {
+  const std::string mine = Made("mine") + "/";
+  Store(mine);
+  Open(mine, 0777);
+  EXPECT_EQ(Safe(), Tmp());
+  EXPECT_EQ(Stored(), mine);
+  EXPECT_EQ(told_, std::vector<std::string>{"The folder for temporary files \"" + mine +
+                                            "\" is not used: " + open_});
+  Open(mine, 01777);
+  EXPECT_EQ(Safe(), mine);
+  EXPECT_EQ(told_.size(), 1U);
+}
+
+TEST_F(SafeTmpDirectoryTest, IsNoneWhenTheSystemsOneIsNoBetter) {
+  const std::string mine = Made("mine") + "/";
+  Store(mine);
+  Open(mine, 0777);
+  Open(Tmp(), 0777);
+  EXPECT_EQ(Safe(), "");
+  EXPECT_EQ(told_.size(), 1U);
+  EXPECT_EQ(why_, open_ + " (\"" + Tmp() + "\")");
+  EXPECT_EQ(Stored(), mine);
+}
+
+TEST_F(SafeTmpDirectoryTest, IsNoneWhenTheSystemsOneIsTheStoredOne) {
+  Open(Tmp(), 0777);
+  EXPECT_EQ(Safe(), "");
+  EXPECT_TRUE(told_.empty());
+  EXPECT_EQ(why_, open_ + " (\"" + Tmp() + "\")");
+}
+
+TEST_F(SafeTmpDirectoryTest, IsNoneWhenTheSystemsOneCannotBeEntered) {
+  system_.Environment[1].second = folder_.File("gone");
+  EXPECT_EQ(Safe(), "");
+  EXPECT_EQ(why_, "No such file or directory (\"" + folder_.File("gone") + "/\")");
 }
 
 }  // namespace
