@@ -43,10 +43,9 @@ class Dialogs {
 
   /// True when the answer was Yes; a box without a question gives false.
   virtual bool ShowBox(const BoxRequest& request) = 0;
-  /// An existing file.
+  /// An existing file. A name without an extension stands for one with it where there is no such file.
   virtual std::string AskOpenFile(const FileRequest& request) = 0;
-  /// A file to be written, as typed: no extension is added. Where that file exists, the dialog has asked
-  /// whether it may be overwritten.
+  /// A file to be written, as typed: no extension is added, and nothing is asked when the file exists.
   virtual std::string AskSaveFile(const FileRequest& request) = 0;
   virtual std::string AskFolder(const FolderRequest& request) = 0;
   /// The order of a directory merge (1, -1, 2 or -2), preset with the current one.

@@ -56,10 +56,12 @@ QString ShownText(std::string_view bytes) {
   return text;
 }
 
-QString ShownPath(std::string_view path, int mostCharacters) {
-  std::u32string codes = ShownText(path).toStdU32String();
-  std::replace_if(codes.begin(), codes.end(), IsControl, char32_t{kReplacement});
-  return QString::fromStdU32String(ShortenPath(codes, mostCharacters));
+QString ShownPath(const std::string& path, int mostBytes) {
+  QString shown = ShownText(ShortenPath(path, mostBytes));
+  for (QChar& character : shown) {
+    if (IsControl(character.unicode())) character = QChar(kReplacement);
+  }
+  return shown;
 }
 
 QString ShownLogLine(std::string_view line) {

@@ -13,8 +13,8 @@ namespace folioweld {
 [[nodiscard]] QString ShownText(std::string_view bytes);
 
 /// A path for a label: as `ShownText`, on one line, and its two ends around " ... " when it is longer than
-/// `mostCharacters`.
-[[nodiscard]] QString ShownPath(std::string_view path, int mostCharacters);
+/// `mostBytes`.
+[[nodiscard]] QString ShownPath(const std::string& path, int mostBytes);
 
 /// A line of the activity log: UTF-8 when the whole line is valid, else one character a byte. Then everything
 /// that could disturb a text box or that lies outside Latin-1 becomes U+00BF.

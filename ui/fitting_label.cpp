@@ -1,18 +1,31 @@
 #include "ui/fitting_label.h"
 
 #include <QPainter>
+#include <QPixmap>
+#include <QTextDocument>
 #include <QTextOption>
 
 namespace folioweld {
 
 namespace {
 
-constexpr int kSmallestPercent = 75;
-constexpr int kPercentStep = 5;
+/// Broken between words, and within one that is longer than a line.
+QTextOption Wrapped() {
+  QTextOption option(Qt::AlignLeft | Qt::AlignTop);
+  option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  return option;
+}
 
 /// Line ends as the toolkit knows them.
 QString WithPlainLineEnds(QString text) {
   return text.remove(u'\r');
+}
+
+/// As a tooltip shows it: the toolkit would take some names for its markup.
+QString AsToolTip(const QString& text) {
+  if (!Qt::mightBeRichText(text)) return text;
+  return QStringLiteral("<span style=\"white-space:pre-wrap\">") + text.toHtmlEscaped() +
+         QStringLiteral("</span>");
 }
 
 }  // namespace
@@ -24,11 +37,41 @@ FittingLabel::FittingLabel(const QString& controlName, const QString& purpose, L
   setAccessibleName(purpose);
 }
 
-void FittingLabel::SetCaption(const QString& caption) {
-  if (caption == text()) return;
+void FittingLabel::SetCaption(const QString& caption, const QString& whole) {
+  const QString all = whole.isEmpty() ? caption : whole;
+  if (caption == text() && all == whole_) return;
   setText(caption);
+  whole_ = all;
   setAccessibleName(
       caption.isEmpty() ? purpose_ : purpose_ + QStringLiteral(": ") + WithPlainLineEnds(caption).trimmed());
+  RefreshToolTip();
+}
+
+void FittingLabel::resizeEvent(QResizeEvent* event) {
+  QLabel::resizeEvent(event);
+  RefreshToolTip();
+}
+
+void FittingLabel::RefreshToolTip() {
+  const bool fits = lines_ == Lines::Single ? fontMetrics().horizontalAdvance(text()) <= width()
+                                            : NeededHeight() <= height();
+  const QString tip = fits && whole_ == text() ? QString() : WithPlainLineEnds(whole_).trimmed();
+  setToolTip(AsToolTip(tip));
+  setAccessibleDescription(tip);
+}
+
+QString FittingLabel::ShownLines() const {
+  QString shown = WithPlainLineEnds(text());
+  // The end of the last line needs no room of its own.
+  while (shown.endsWith(u'\n')) shown.chop(1);
+  return shown;
+}
+
+qreal FittingLabel::NeededHeight() const {
+  QPixmap nowhere(1, 1);
+  QPainter painter(&nowhere);
+  painter.setFont(font());
+  return painter.boundingRect(QRectF(0, 0, width(), 0), ShownLines(), Wrapped()).height();
 }
 
 void FittingLabel::paintEvent(QPaintEvent* /*event*/) {
@@ -42,42 +85,15 @@ void FittingLabel::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void FittingLabel::PaintSingle(QPainter& painter) {
-  int percent = 100;
-  while (percent > kSmallestPercent && QFontMetrics(Smaller(percent)).horizontalAdvance(text()) > width()) {
-    percent -= kPercentStep;
-  }
-  painter.setFont(Smaller(percent));
   painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-                   painter.fontMetrics().elidedText(text(), Qt::ElideMiddle, width()));
+                   fontMetrics().elidedText(text(), Qt::ElideMiddle, width()));
 }
 
 void FittingLabel::PaintSeveral(QPainter& painter) {
-  QString shown = WithPlainLineEnds(text());
-  // The end of the last line needs no room of its own.
-  while (shown.endsWith(u'\n')) shown.chop(1);
-  QTextOption option(Qt::AlignLeft | Qt::AlignTop);
-  option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-  QRectF needed;
-  for (int percent = 100; percent >= kSmallestPercent; percent -= kPercentStep) {
-    painter.setFont(Smaller(percent));
-    needed = painter.boundingRect(QRectF(0, 0, width(), 0), shown, option);
-    if (needed.height() <= height()) break;
-  }
-  QRectF place(0, 0, width(), qMax<qreal>(needed.height(), height()));
+  QRectF place(0, 0, width(), qMax<qreal>(NeededHeight(), height()));
   // The end of the text is what happens now.
   place.moveBottom(height());
-  painter.drawText(place, shown, option);
-}
-
-QFont FittingLabel::Smaller(int percent) const {
-  QFont smaller = font();
-  if (percent == 100) return smaller;
-  if (smaller.pointSizeF() > 0) {
-    smaller.setPointSizeF(smaller.pointSizeF() * percent / 100);
-  } else {
-    smaller.setPixelSize(qMax(1, smaller.pixelSize() * percent / 100));
-  }
-  return smaller;
+  painter.drawText(place, ShownLines(), Wrapped());
 }
 
 }  // namespace folioweld

@@ -4,8 +4,7 @@
 
 namespace folioweld {
 
-/// A label of fixed size whose text can be read in full: it is drawn smaller where it does not fit. What is
-/// still too long loses its middle on a single line, and its beginning on several lines.
+/// A label of fixed size. What does not fit leaves in the middle of a single line and at the top of several.
 class FittingLabel : public QLabel {
   Q_OBJECT
 
@@ -15,17 +14,23 @@ class FittingLabel : public QLabel {
   /// `purpose` is what the label shows, as a screen reader says it in front of the text.
   FittingLabel(const QString& controlName, const QString& purpose, Lines lines, QWidget* parent);
 
-  void SetCaption(const QString& caption);
+  /// The caption, and what it stands for where that is more. The whole of it is shown as a tooltip where it
+  /// cannot be read in full.
+  void SetCaption(const QString& caption, const QString& whole = {});
 
  protected:
   void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   void PaintSingle(QPainter& painter);
   void PaintSeveral(QPainter& painter);
-  [[nodiscard]] QFont Smaller(int percent) const;
+  [[nodiscard]] QString ShownLines() const;
+  [[nodiscard]] qreal NeededHeight() const;
+  void RefreshToolTip();
 
   QString purpose_;
+  QString whole_;
   Lines lines_;
 };
 

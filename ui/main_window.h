@@ -146,8 +146,8 @@ class Folioweld : public QMainWindow, private JobWindow {
   [[nodiscard]] bool Accepts(const std::string& name, const std::string& logPrefix);
   void LogLine(const std::string& logPrefix, const std::string& line);
   [[nodiscard]] bool IsInputFile(const std::string& name);
-  /// The save dialog with everything that belongs to it: the default extension, and the question whether a
-  /// name that the dialog did not ask about may be overwritten. Empty when the user cancelled.
+  /// The save dialog with what belongs to it: the default extension, and the question whether an existing
+  /// file may be replaced. Empty when the user cancelled.
   [[nodiscard]] std::string ChooseOutputFile(FileRequest request);
   [[nodiscard]] bool MayReplace(const std::string& name);
   void TakeOutput(const std::string& name);

@@ -72,8 +72,8 @@ std::string Folioweld::ChooseOutputFile(FileRequest request) {
     const std::string typed = dialogs_.AskSaveFile(request);
     if (typed.empty()) return {};
     std::string name = WithDefaultExtension(typed, request.DefaultExtension);
-    // Refused by the caller, so there is nothing to be asked.
-    if (name == typed || IsInputFile(name) || MayReplace(name)) return name;
+    // An input is refused by the caller, so there is nothing to be asked.
+    if (IsInputFile(name) || MayReplace(name)) return name;
     if (ending_) return {};
     request.InitialName = name;
   }

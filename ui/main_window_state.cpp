@@ -59,8 +59,7 @@ void Folioweld::RefreshMark(int index, const QString& mark) {
 void Folioweld::ShowSlotFileName(int index) {
   FittingLabel* label = places_[static_cast<std::size_t>(index)]->txtFileName;
   const std::string& name = FileName(index + 1);
-  label->SetCaption(ShownPath(name, kLongestShownPath));
-  label->setToolTip(ShownPath(name, static_cast<int>(name.size())).toHtmlEscaped());
+  label->SetCaption(ShownPath(name, kLongestShownPath), ShownPath(name, static_cast<int>(name.size())));
 }
 
 void Folioweld::ResetSlots() {

@@ -1,8 +1,10 @@
 #include "ui/qt_dialogs.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QMessageBox>
 
 #include "ui/file_names.h"
@@ -34,6 +36,44 @@ QString BoxText(const std::string& text) {
   return shown.replace(u'\r', u'\n');
 }
 
+constexpr QChar kBreak(0x200B);
+/// A word of more characters than this is broken, so that a box does not grow as wide as the screen.
+constexpr qsizetype kLongestWord = 60;
+
+/// With a place, of no width, where a long word may be broken.
+QString WithBreaks(const QString& text) {
+  QString broken;
+  qsizetype length = 0;
+  for (const QChar character : text) {
+    length = character.isSpace() ? 0 : length + 1;
+    if (length > kLongestWord && !character.isLowSurrogate()) {
+      broken += kBreak;
+      length = 1;
+    }
+    broken += character;
+  }
+  return broken;
+}
+
+/// While a box is open: what is copied out of its text is without the breaks.
+class CleanCopies : public QObject {
+ public:
+  explicit CleanCopies(const QString& text) : text_(text) {
+    connect(QApplication::clipboard(), &QClipboard::changed, this, &CleanCopies::Clean);
+  }
+
+ private:
+  void Clean(QClipboard::Mode mode) {
+    const QString copied = QApplication::clipboard()->text(mode);
+    QString clean = copied;
+    clean.remove(kBreak);
+    const bool ours = text_.contains(clean) || clean.contains(text_);
+    if (ours && clean != copied) QApplication::clipboard()->setText(clean, mode);
+  }
+
+  const QString text_;
+};
+
 /// "A (*.a)|*.a|All (*.*)|*.*" as Qt's list of filters. Here "*.*" would hide the names without a dot.
 QStringList NameFilters(const std::string& filter) {
   const QStringList parts = ShownText(filter).split(u'|');
@@ -45,6 +85,31 @@ QStringList NameFilters(const std::string& filter) {
   return filters;
 }
 
+/// An open dialog that finds "letter.pdf" when "letter" is typed and there is no such file.
+class OpenDialog : public QFileDialog {
+ public:
+  OpenDialog(QWidget* owner, const FileRequest& request)
+      : QFileDialog(owner, ShownText(request.Title)), suffix_(u'.' + ShownText(request.DefaultExtension)) {
+    setAcceptMode(QFileDialog::AcceptOpen);
+    setFileMode(QFileDialog::ExistingFile);
+    setNameFilters(NameFilters(request.Filter));
+  }
+
+ protected:
+  void accept() override {
+    auto* field = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    if (field != nullptr && !field->text().isEmpty()) {
+      const QFileInfo typed(directory(), field->text());
+      const QFileInfo meant(typed.filePath() + suffix_);
+      if (!typed.exists() && meant.exists()) field->setText(field->text() + suffix_);
+    }
+    QFileDialog::accept();
+  }
+
+ private:
+  const QString suffix_;
+};
+
 }  // namespace
 
 bool QtDialogs::ShowBox(const BoxRequest& request) {
@@ -54,26 +119,26 @@ bool QtDialogs::ShowBox(const BoxRequest& request) {
   box.setIcon(IconOf(request.Icon));
   box.setWindowTitle(ShownText(request.Title));
   box.setTextFormat(Qt::PlainText);
-  box.setText(BoxText(request.Text));
+  box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  box.setText(WithBreaks(BoxText(request.Text)));
   if (request.YesNo) {
     box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
     box.setDefaultButton(QMessageBox::No);
     box.setEscapeButton(QMessageBox::No);
   }
+  const CleanCopies copies(BoxText(request.Text));
   return box.exec() == QMessageBox::Yes;
 }
 
 std::string QtDialogs::AskOpenFile(const FileRequest& request) {
-  QFileDialog dialog(owner_, ShownText(request.Title));
-  dialog.setAcceptMode(QFileDialog::AcceptOpen);
-  dialog.setFileMode(QFileDialog::ExistingFile);
-  dialog.setNameFilters(NameFilters(request.Filter));
+  OpenDialog dialog(owner_, request);
   return Ask(dialog, request.InitialName);
 }
 
 std::string QtDialogs::AskSaveFile(const FileRequest& request) {
   QFileDialog dialog(owner_, ShownText(request.Title));
   dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setOption(QFileDialog::DontConfirmOverwrite);
   dialog.setFileMode(QFileDialog::AnyFile);
   dialog.setNameFilters(NameFilters(request.Filter));
   return Ask(dialog, request.InitialName);

@@ -68,8 +68,9 @@ void TogglePicture::DrawToggle(bool pressed) {
 
 void TogglePicture::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
-  painter.fillRect(rect(), palette().color(QPalette::Button));
+  // What lies below shows through: the picture vanishes into its frame.
   if (!isEnabled()) return;
+  painter.fillRect(rect(), palette().color(QPalette::Button));
   painter.setRenderHint(QPainter::Antialiasing);
   painter.save();
   painter.scale(width() / kSide, height() / kSide);

@@ -195,14 +195,32 @@ class Swapping(DesktopTest):
         window.fill(LETTER)
         window.click(select(OUTPUT))
         window.answer_file(CHOOSE[OUTPUT], LETTER)
-        # Qt's dialog asks first whether the file may be replaced.
-        window.press_in(window.dialog(CHOOSE[OUTPUT], "alert message"), "Yes")
         self.assertEqual(window.box_text("Folioweld"), ["The output file", f'"{LETTER}"', " is also an input file.",
                                                         "I cannot do this operation!"])
         self.screen.press("Enter")
         window.wait_no_dialog()
         self.assertTrue(LETTER.exists())
         self.assertEqual(window.path(OUTPUT), "")
+
+    def test_an_existing_output_is_asked_about_once(self):
+        old = self.folder / "old.pdf"
+        old.write_bytes(b"old")
+        window = self.open()
+        window.fill(LETTER)
+        window.click(select(OUTPUT))
+        window.answer_file(CHOOSE[OUTPUT], old)
+        self.assertIn(" exists already.", window.box_text("Folioweld"))
+        window.press_in(window.dialog("Folioweld"), "Yes")
+        window.wait_path(OUTPUT, old)
+        self.assertFalse(old.exists())
+
+    def test_a_document_is_found_without_its_extension(self):
+        letter = self.folder / "letter.pdf"
+        letter.write_bytes(LETTER.read_bytes())
+        window = self.open()
+        window.click(select(FIRST))
+        window.answer_file(CHOOSE[FIRST], self.folder / "letter")
+        window.wait_path(FIRST, letter)
 
 
 if __name__ == "__main__":

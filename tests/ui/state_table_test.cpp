@@ -1,5 +1,7 @@
 // The controls as a function of the three file names.
 
+#include <QTextDocument>
+
 #include "tests/ui/window_fixture.h"
 
 namespace folioweld::testing {
@@ -98,12 +100,55 @@ TEST_F(WindowTest, APathOf117CharactersIsShownAsItsFirstAndLast55) {
   EXPECT_EQ(Label("txtFileName0"), FileName(1).substr(0, 55) + " ... " + FileName(1).substr(62));
 }
 
-TEST_F(WindowTest, ThePlacesAreCountedInCharactersAndNotInBytes) {
+TEST_F(WindowTest, ALongPathIsNeverCutInsideACharacter) {
   Open();
   FileName(1) = "/";
-  for (int i = 0; i < 115; ++i) FileName(1) += "\xC3\xA9";
+  for (int i = 0; i < 100; ++i) FileName(1) += "\xC3\xA9";
   Window().RefreshControls();
-  EXPECT_EQ(Label("txtFileName0"), FileName(1));
+  EXPECT_EQ(Label("txtFileName0"), FileName(1).substr(0, 55) + " ... " + FileName(1).substr(201 - 54));
+}
+
+TEST_F(WindowTest, TheToolTipOfALongPathIsThePathAsItIs) {
+  Open();
+  FileName(1) = "/A & B " + std::string(120, 'x') + ".pdf";
+  Window().RefreshControls();
+  EXPECT_EQ(Find<QLabel>("txtFileName0")->toolTip().toStdString(), FileName(1));
+  EXPECT_EQ(Find<QLabel>("txtFileName0")->accessibleDescription().toStdString(), FileName(1));
+}
+
+TEST_F(WindowTest, TheToolTipOfAPathThatLooksLikeMarkupShowsItsLetters) {
+  Open();
+  FileName(1) = "/<b>bold</b> " + std::string(120, 'x') + ".pdf";
+  Window().RefreshControls();
+  QTextDocument shown;
+  shown.setHtml(Find<QLabel>("txtFileName0")->toolTip());
+  EXPECT_EQ(shown.toPlainText().toStdString(), FileName(1));
+  EXPECT_EQ(Find<QLabel>("txtFileName0")->accessibleDescription().toStdString(), FileName(1));
+}
+
+TEST_F(WindowTest, APathThatCanBeReadHasNoToolTip) {
+  Open();
+  FileName(1) = "/a.pdf";
+  Window().RefreshControls();
+  EXPECT_EQ(Find<QLabel>("txtFileName0")->toolTip(), QString());
+}
+
+TEST_F(WindowTest, AStatusThatDoesNotFitKeepsItsEndAndStandsInTheToolTip) {
+  Open();
+  auto* status = Find<FittingLabel>("txtDoing0");
+  const auto picture = [&](const QString& text) {
+    status->SetCaption(text);
+    return status->grab().toImage();
+  };
+  QString lines;
+  for (int i = 0; i < 12; ++i) lines += QStringLiteral("line %1\r\n").arg(i);
+  const QImage all = picture(lines);
+  EXPECT_EQ(status->toolTip(), QString(lines).remove(u'\r').trimmed());
+  // The size of the letters does not depend on what stands above.
+  const QImage last = picture(QStringLiteral("line 11"));
+  EXPECT_EQ(status->toolTip(), QString());
+  const int line = status->fontMetrics().height();
+  EXPECT_EQ(all.copy(0, all.height() - line, all.width(), line), last.copy(0, 0, last.width(), line));
 }
 
 TEST_F(WindowTest, ANameThatIsNoUtf8IsShownAndKeepsItsBytes) {

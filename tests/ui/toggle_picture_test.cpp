@@ -66,6 +66,20 @@ TEST_F(TogglePictureTest, IsErasedWhileDisabled) {
   EXPECT_EQ(colours.size(), 1U);
 }
 
+TEST_F(TogglePictureTest, VanishesIntoItsFrameWhileDisabledOnEveryPalette) {
+  QWidget frame;
+  QPalette palette;
+  palette.setColor(QPalette::Window, QColor(42, 46, 50));
+  palette.setColor(QPalette::Button, QColor(49, 54, 59));
+  frame.setPalette(palette);
+  frame.resize(75, 75);
+  TogglePicture picture(&frame);
+  picture.setGeometry(10, 10, 55, 55);
+  picture.setEnabled(false);
+  const QImage image = frame.grab().toImage();
+  for (int i = 0; i < 75; ++i) EXPECT_EQ(image.pixelColor(i, i), QColor(42, 46, 50)) << i;
+}
+
 TEST_F(TogglePictureTest, FollowsADarkPalette) {
   QPalette dark;
   dark.setColor(QPalette::Button, QColor(40, 40, 40));
