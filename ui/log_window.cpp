@@ -2,22 +2,17 @@
 
 #include <QCloseEvent>
 #include <QScreen>
-#include <QVBoxLayout>
 #include <utility>
 
 #include "ui/file_names.h"
+#include "ui/log_place.h"
 
 namespace folioweld {
 
 namespace {
 
 constexpr int kTickMillis = 500;
-constexpr int kWidth = 754;
-constexpr int kHeight = 220;
-constexpr int kLeastHeight = 120;
-/// Room for the title bars between two windows.
-constexpr int kGap = 40;
-
+constexpr QSize kUsualFrame(4, 40);
 }  // namespace
 
 LogWindow::LogWindow(ActivityLog& log, std::function<void()> hide)
@@ -31,30 +26,43 @@ LogWindow::LogWindow(ActivityLog& log, std::function<void()> hide)
   // A read-only box takes the focus all the same, so that the log can be scrolled and copied by keyboard.
   logText_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   logText_->setTabChangesFocus(true);
-  auto* layout = new QVBoxLayout(this);
-  layout->setContentsMargins(0, 0, 0, 0);
-  layout->addWidget(logText_);
+  setCentralWidget(logText_);
   timerLog1_->setObjectName(QStringLiteral("timerLog1"));
   timerLog1_->setInterval(kTickMillis);
   connect(timerLog1_, &QTimer::timeout, this, &LogWindow::timerLog1_Timer);
 }
 
-void LogWindow::ShowLog(const QRect& above) {
-  if (isVisible()) return;
+void LogWindow::ShowLog(const QMainWindow& mainWindow) {
+  if (isVisible()) {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    raise();
+    return;
+  }
   ClearLogScreen();
   log_.LogBusy = false;
   log_.LogPainting = false;
   log_.LogShownIndex = log_.LogIndex();
   timerLog1_->start();
-  const QRect desk = screen()->availableGeometry();
-  const int top = above.bottom() + kGap;
-  const int height = qMin(kHeight, desk.bottom() - top);
-  if (height >= kLeastHeight) {
-    setGeometry(above.left(), top, above.width(), height);
+  if (lastPlace_.isNull()) {
+    PlaceBeside(mainWindow);
   } else {
-    setGeometry(desk.left(), desk.top() + kGap, kWidth, kHeight);
+    move(lastPlace_.topLeft());
+    resize(lastPlace_.size());
   }
+  setWindowState(windowState() & ~Qt::WindowMinimized);
   show();
+}
+
+void LogWindow::PlaceBeside(const QMainWindow& mainWindow) {
+  if (!lastPlace_.isNull() || (!firstPlace_.isNull() && QRect(pos(), size()) != firstPlace_)) return;
+  // Both windows have the same kind of frame, which may not be known yet.
+  QSize frame = mainWindow.frameGeometry().size() - mainWindow.size();
+  if (frame.isNull()) frame = kUsualFrame;
+  const QRect place = LogPlace(mainWindow.screen()->availableGeometry(),
+                               {mainWindow.frameGeometry().topLeft(), mainWindow.size() + frame});
+  move(place.topLeft());
+  resize(place.size() - frame);
+  firstPlace_ = QRect(place.topLeft(), size());
 }
 
 void LogWindow::ExitLogWindow() {
@@ -82,6 +90,7 @@ void LogWindow::ShowLogText(const std::string& text) {
 }
 
 void LogWindow::closeEvent(QCloseEvent* event) {
+  lastPlace_ = QRect(pos(), size());
   event->accept();
   if (!unloading_) hide_();
 }

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <QMainWindow>
 #include <QPlainTextEdit>
 #include <QTimer>
-#include <QWidget>
 #include <functional>
 
 #include "engine/activity_log.h"
@@ -11,16 +11,18 @@ namespace folioweld {
 
 /// `LogWindow`: shows the activity log's ring, looked at twice a second. One multi-line text box, `logText`,
 /// and one timer, `timerLog1`.
-class LogWindow : public QWidget {
+class LogWindow : public QMainWindow {
   Q_OBJECT
 
  public:
   /// `hide` is called when the user closes the window by its close box.
   LogWindow(ActivityLog& log, std::function<void()> hide);
 
-  /// Loads the window, with an empty log, and shows it without taking the focus; does nothing when it is
-  /// shown already. It is placed at or below the bottom edge of `above` where the screen has room there.
-  void ShowLog(const QRect& above);
+  /// Loads the window, with an empty log, and shows it without taking the focus: where it was before it was
+  /// hidden, and at first beside the main window. Brings one that is shown already to the front.
+  void ShowLog(const QMainWindow& mainWindow);
+  /// Moves it to its first place, as long as nobody has moved it.
+  void PlaceBeside(const QMainWindow& mainWindow);
   /// Closes and unloads the window.
   void ExitLogWindow();
   /// Empties the ring and the text box.
@@ -39,6 +41,8 @@ class LogWindow : public QWidget {
   QPlainTextEdit* logText_;
   QTimer* timerLog1_;
   bool unloading_ = false;
+  QRect firstPlace_;  ///< given by `PlaceBeside`: position of the frame, size without it
+  QRect lastPlace_;   ///< the same when the window was hidden; null = not yet
 };
 
 }  // namespace folioweld

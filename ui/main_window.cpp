@@ -6,9 +6,11 @@
 #include <QKeyEvent>
 #include <QLayout>
 #include <QScreen>
+#include <QScrollArea>
 #include <QSessionManager>
 #include <QShortcut>
 #include <QSocketNotifier>
+#include <QStyle>
 #include <utility>
 
 #include "dirmerge/start_settings.h"
@@ -20,6 +22,13 @@ namespace {
 
 constexpr int kCollectMillis = 500;
 constexpr char kTitle[] = "Folioweld (version " FOLIOWELD_VERSION ")";
+// The design's client area, in twips.
+constexpr int kClientWidth = 11310;
+constexpr int kClientHeight = 6840;
+/// What a window manager puts around the window at most.
+constexpr int kFrameWidth = 12;
+constexpr int kFrameHeight = 40;
+constexpr int kSmallestFont = 8;  ///< in pixels
 
 QString Name(const char* controlName) {
   return QString::fromLatin1(controlName);
@@ -73,8 +82,8 @@ Folioweld::~Folioweld() {
 }
 
 void Folioweld::BuildControls() {
-  auto* client = new QWidget(this);
-  setCentralWidget(client);
+  client_ = new QWidget(this);
+  setCentralWidget(client_);
   const FilePlace::Names names[] = {{0, Name("frameFileIn1"), tr("1st input file "), Name("cmdInput1"),
                                      Name("CmdClr1"), tr("1st input file")},
                                     {1, Name("frameFileIn2"), tr("2nd input file"), Name("cmdInput2"),
@@ -82,7 +91,7 @@ void Folioweld::BuildControls() {
                                     {2, Name("frameFileOut"), tr("Output (result) file"), Name("cmdOutput"),
                                      Name("CmdClrOut"), tr("output file")}};
   for (std::size_t i = 0; i < places_.size(); ++i) {
-    places_[i] = new FilePlace(names[i], client);
+    places_[i] = new FilePlace(names[i], client_);
     for (QWidget* target : {static_cast<QWidget*>(places_[i]), static_cast<QWidget*>(places_[i]->txtFileName),
                             static_cast<QWidget*>(places_[i]->txtDoing)}) {
       drops_.Watch(target, static_cast<int>(i));
@@ -90,8 +99,8 @@ void Folioweld::BuildControls() {
   }
   drops_.Watch(this, -1);
   pictToggle_ = new TogglePicture(places_[0]);
-  cmdOK_ = new CaptionButton(Name("cmdOK"), tr("Go! (launch PDF merge)"), client);
-  cmdCancel_ = new CaptionButton(Name("cmdCancel"), tr("Exit"), client);
+  cmdOK_ = new CaptionButton(Name("cmdOK"), tr("Go! (launch PDF merge)"), client_);
+  cmdCancel_ = new CaptionButton(Name("cmdCancel"), tr("Exit"), client_);
 }
 
 void Folioweld::ConnectControls() {
@@ -143,29 +152,70 @@ void Folioweld::SetTabOrder() {
   for (std::size_t i = 1; i < std::size(order); ++i) setTabOrder(order[i - 1], order[i]);
 }
 
+bool Folioweld::Fits(const TwipGrid& grid) const {
+  for (const FilePlace* place : places_) {
+    if (!place->Fits(grid)) return false;
+  }
+  for (const QString& caption : {tr("Exit"), tr("CANCEL (abort)"), tr("Close display window")}) {
+    if (!cmdCancel_->Fits(caption, grid.Size(1065, 700))) return false;
+  }
+  return cmdOK_->Fits(cmdOK_->text(), grid.Size(10000, 700));
+}
+
+/// What the screen leaves for the client area.
+QSize Folioweld::RoomForClient() const {
+  const QSize desk = screen()->availableGeometry().size();
+  return desk - QSize(kFrameWidth, kFrameHeight + menuBar()->sizeHint().height());
+}
+
+/// The window grows with the font until every caption fits. On a screen that is too small for that the font
+/// gets smaller instead, and on one that is too small for the design the client area scrolls.
 void Folioweld::Arrange() {
-  const QStringList captions{tr("Exit"), tr("CANCEL (abort)"), tr("Close display window")};
-  const TwipGrid grid = TwipGrid::Fitting([&](const TwipGrid& tried) {
-    for (const FilePlace* place : places_) {
-      if (!place->Fits(tried)) return false;
-    }
-    for (const QString& caption : captions) {
-      if (!cmdCancel_->Fits(caption, tried.Size(1065, 700))) return false;
-    }
-    return cmdOK_->Fits(cmdOK_->text(), tried.Size(10000, 700));
-  });
+  const QSize room = RoomForClient();
+  const double largest = qMax(1.0, TwipGrid::kTwipsPerPixel * qMin(room.width() / double{kClientWidth},
+                                                                   room.height() / double{kClientHeight}));
+  QFont font = this->font();
+  client_->setFont(font);
+  TwipGrid grid = TwipGrid::Fitting([this](const TwipGrid& tried) { return Fits(tried); }, largest);
+  for (int pixels = QFontInfo(font).pixelSize() - 1; !Fits(grid) && pixels >= kSmallestFont; --pixels) {
+    font.setPixelSize(pixels);
+    client_->setFont(font);
+  }
   for (FilePlace* place : places_) place->Arrange(grid);
   pictToggle_->setGeometry(grid.Rect(10140, 990, 825, 825));
   cmdOK_->setGeometry(grid.Rect(60, 6000, 10000, 700));
   cmdCancel_->setGeometry(grid.Rect(10100, 6000, 1065, 700));
-  centralWidget()->setFixedSize(grid.Size(11310, 6840));
+  client_->setFixedSize(grid.Size(kClientWidth, kClientHeight));
+  ScrollWhereNeeded(room);
   layout()->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+void Folioweld::ScrollWhereNeeded(QSize room) {
+  const QSize size = client_->size();
+  if (size.width() <= room.width() && size.height() <= room.height() && centralWidget() == client_) return;
+  auto* scroll = qobject_cast<QScrollArea*>(centralWidget());
+  if (scroll == nullptr) {
+    scroll = new QScrollArea(this);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    takeCentralWidget();
+    scroll->setWidget(client_);
+    setCentralWidget(scroll);
+  }
+  const int bar = scroll->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+  const bool high = size.height() > room.height();
+  const bool wide = size.width() > room.width() - (high ? bar : 0);
+  scroll->setFixedSize(qMin(size.width() + (high ? bar : 0), room.width()),
+                       qMin(size.height() + (wide ? bar : 0), room.height()));
 }
 
 void Folioweld::CentreOnScreen() {
   QRect place(QPoint(), QSize(DesignWidth, DesignHeight) / TwipGrid::kTwipsPerPixel);
   place.moveCenter(screen()->geometry().center());
-  move(place.topLeft());
+  // The frame may not be known yet.
+  const QRect desk = screen()->availableGeometry();
+  const int lowest = desk.bottom() + 1 - kFrameHeight - height();
+  move(place.left(), qMax(desk.top(), qMin(place.top(), lowest)));
 }
 
 void Folioweld::CatchSystemEnd() {
@@ -222,6 +272,7 @@ void Folioweld::Form_Activate() {
   DesignWidth = frameGeometry().width() * TwipGrid::kTwipsPerPixel;
   DesignHeight = frameGeometry().height() * TwipGrid::kTwipsPerPixel;
   CentreOnScreen();
+  if (program_.Merge.LogEnabled) logWindow_.PlaceBeside(*this);
   logWindow_.ClearLogScreen();
   program_.Merge.MergeStatus = 2;
   LogCommandLine(program_, log_);

@@ -125,7 +125,10 @@ class Folioweld : public QMainWindow, private JobWindow {
   void ConnectControls();
   void ConnectMenus();
   void SetTabOrder();
+  [[nodiscard]] bool Fits(const TwipGrid& grid) const;
+  [[nodiscard]] QSize RoomForClient() const;
   void Arrange();
+  void ScrollWhereNeeded(QSize room);
   void CentreOnScreen();
   void RunCommandLine();
   void CatchSystemEnd();
@@ -197,6 +200,7 @@ class Folioweld : public QMainWindow, private JobWindow {
 
   Menus menus_;
   LogWindow logWindow_;
+  QWidget* client_ = nullptr;
   std::array<FilePlace*, 3> places_{};
   TogglePicture* pictToggle_ = nullptr;
   CaptionButton* cmdOK_ = nullptr;

@@ -72,7 +72,7 @@ void Folioweld::ApplyLogWindowOption() {
     logWindow_.ExitLogWindow();
     return;
   }
-  logWindow_.ShowLog(frameGeometry());
+  logWindow_.ShowLog(*this);
   if (!isVisible()) return;
   raise();
   activateWindow();

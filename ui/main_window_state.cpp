@@ -109,7 +109,7 @@ void Folioweld::SetEnabled(QWidget* control, bool enabled) {
 /// The client area has no use for a key. A window without any focus would be given one by Qt when it is
 /// activated.
 void Folioweld::FocusNothing() {
-  centralWidget()->setFocus();
+  client_->setFocus();
 }
 
 void Folioweld::FocusGo() {

@@ -5,17 +5,18 @@ import unittest
 from pathlib import Path
 
 from accessible import AccessibilityBus, Gone
-from desktop import Desktop, wait_for
+from desktop import SCREEN, Desktop, wait_for
 from screen import Screen
 from window import TITLE, Window
 
 
 class DesktopTest(unittest.TestCase):
     tests = 0
+    screen_size = SCREEN
 
     @classmethod
     def setUpClass(cls):
-        cls.desktop = Desktop()
+        cls.desktop = Desktop(cls.screen_size)
         cls.addClassCleanup(cls.desktop.close)
         cls.screen = Screen(cls.desktop.display)
         cls.addClassCleanup(cls.screen.close)

@@ -79,7 +79,7 @@ class Window:
 
     def _main_node(self):
         try:
-            return next((node for node in self.root.children if node.role == "frame"), None)
+            return next((node for node in self.root.children if (node.role, node.name) == ("frame", TITLE)), None)
         except Gone:
             return None
 
