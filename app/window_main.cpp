@@ -3,10 +3,24 @@
 #include <string>
 #include <vector>
 
+#include "app/answers.h"
+#include "batch/error_output.h"
+#include "dirmerge/arguments.h"
+#include "dirmerge/source_list.h"
+#include "platform/windows_api.h"
 #include "ui/window_program.h"
 
 int main(int argc, char** argv) {
-  // Taken before the toolkit removes its own options: all of them belong to the command line's text.
-  const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
-  return folioweld::RunWindowProgram(argc, argv, arguments);
+  using namespace folioweld;
+  WindowsAPI& system = RealSystem();
+  Arguments arguments = ParseArguments(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
+  if (const auto status = Answer(system, arguments)) return *status;
+  std::string problem;
+  if (!ReadSourceNames(system, arguments, problem)) {
+    WriteError(system, "folioweld: " + problem + "\n");
+    return kNoOutput;
+  }
+  // The toolkit gets no arguments: an option of its own would be taken from among the documents.
+  argc = argc > 0 ? 1 : 0;
+  return RunWindowProgram(argc, argv, arguments);
 }

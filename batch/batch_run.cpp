@@ -1,8 +1,10 @@
 #include "batch/batch_run.h"
 
 #include "batch/batch_shell.h"
+#include "batch/error_output.h"
 #include "dirmerge/command_line.h"
 #include "dirmerge/directory_merge.h"
+#include "dirmerge/source_list.h"
 #include "dirmerge/start_settings.h"
 #include "engine/activity_log.h"
 #include "engine/file_module.h"
@@ -10,31 +12,53 @@
 
 namespace folioweld {
 
-ExitStatus RunBatch(WindowsAPI& system, const std::string& commandLine) {
+namespace {
+
+std::string ProblemOf(CommandLineOutcome outcome, const ProgramState& program) {
+  if (outcome == CommandLineOutcome::OutputNotReached) {
+    return "the folder in which the program was started cannot be had";
+  }
+  return "the folder \"" + program.Merge.DocFileName(1) + "\" cannot be entered";
+}
+
+}  // namespace
+
+ExitStatus RunBatch(WindowsAPI& system, Arguments arguments) {
+  std::string problem;
+  if (!ReadSourceNames(system, arguments, problem)) {
+    WriteError(system, "folioweld: " + problem + "\n");
+    return kNoOutput;
+  }
   ProgramState program;
-  program.CommandLine = commandLine;
+  program.CommandLine = arguments.Text;
   // A signal that cannot be caught still ends the program, only without the clean-up.
   static_cast<void>(system.CatchStopSignals(StopRule::EndByIt));
-  BatchShell shell(system, program.Merge);
+  BatchShell shell(system, program.Merge, arguments);
   ActivityLog log(shell);
   FileModule files(system);
   files.SetLog(&log);
   SettingsStore settings(system);
   ReadStartSettings(program, settings);
+  TakeChoices(arguments, program);
   settings.TellTo([&](const std::string& line) {
     if (program.Merge.LogEnabled) log.AddLogLine(line);
     shell.Notice(line);
   });
   DirectoryMerge merge(program, files, settings, shell, log);
   LogCommandLine(program, log);
-  const CommandLineOutcome outcome = ProcessCommandLine(program, files, settings, merge);
-  if (outcome == CommandLineOutcome::Done) return StatusOf(merge.Report());
-  shell.ShowMessage(MessageIcon::Exclamation, "Folioweld",
-                    outcome == CommandLineOutcome::OutputNotReached
-                        ? "the folder in which the program was started cannot be had"
-                        : "the folder \"" + program.Merge.DocFileName(1) + "\" cannot be entered");
-  shell.Notice("[Folioweld-ProcessCommandLine]=>  because of " + program.CommandLineError.Words());
-  return kNoOutput;
+  const CommandLineOutcome outcome = ProcessCommandLine(arguments, program, files, settings, merge);
+  ExitStatus status = kNoOutput;
+  if (outcome == CommandLineOutcome::Done) {
+    status = StatusOf(merge.Report());
+  } else {
+    shell.ShowMessage(MessageIcon::Exclamation, "Folioweld", ProblemOf(outcome, program));
+    const std::string reason =
+        "[Folioweld-ProcessCommandLine]=>  because of " + program.CommandLineError.Words();
+    if (program.Merge.LogEnabled) log.AddLogLine(reason);
+    shell.Notice(reason);
+  }
+  if (status != kEverythingJoined) shell.PrintKeptNotices();
+  return status;
 }
 
 }  // namespace folioweld

@@ -1,13 +1,12 @@
 #pragma once
 
-#include <string>
-
+#include "dirmerge/arguments.h"
 #include "dirmerge/directory_merge_report.h"
 #include "platform/windows_api.h"
 
 namespace folioweld {
 
-/// Runs the command line's directory merge without a window, with the order kept in the settings.
-[[nodiscard]] ExitStatus RunBatch(WindowsAPI& system, const std::string& commandLine);
+/// Joins what the arguments name without a window, in the order kept in the settings unless they choose one.
+[[nodiscard]] ExitStatus RunBatch(WindowsAPI& system, Arguments arguments);
 
 }  // namespace folioweld

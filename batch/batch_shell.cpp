@@ -1,11 +1,17 @@
 #include "batch/batch_shell.h"
 
+#include <utility>
+
 #include "batch/error_output.h"
 
 namespace folioweld {
 
-BatchShell::BatchShell(WindowsAPI& system, MergeState& state)
-    : system_(system), state_(state), display_(system) {
+BatchShell::BatchShell(WindowsAPI& system, MergeState& state, const Arguments& arguments)
+    : system_(system),
+      state_(state),
+      verbose_(arguments.Verbose),
+      quiet_(arguments.Quiet),
+      display_(system, arguments.Quiet ? ProgressChoice::Never : arguments.Progress) {
   HandleEventsOnlyWhile(system_.StopSignal());
 }
 
@@ -18,12 +24,35 @@ void BatchShell::HandleEvents() {
 }
 
 void BatchShell::ShowMessage(MessageIcon /*icon*/, const std::string& /*title*/, const std::string& text) {
+  PrintKeptNotices();
   // What a stopped run has to say comes in one line at its end.
   if (system_.StopSignal() == 0) PrintLine("folioweld: " + OnOneLine(text));
 }
 
 void BatchShell::Notice(const std::string& line) {
+  // The log has every notice as well.
+  if (verbose_) return;
+  if (quiet_) {
+    kept_.push_back(line);
+  } else {
+    PrintLine(OnOneLine(line));
+  }
+}
+
+void BatchShell::LogLineAdded(const std::string& line) {
+  if (!verbose_) return;
   PrintLine(OnOneLine(line));
+}
+
+void BatchShell::PrintKeptNotices() {
+  for (const std::string& line : std::exchange(kept_, {})) PrintLine(OnOneLine(line));
+}
+
+void BatchShell::MergeStarts(const MergeNumber& number, const std::string& document) {
+  display_.SetHeadline("Merge " + std::to_string(number.Merge) + " of " + std::to_string(number.Merges) +
+                           " (round " + std::to_string(number.Round) + " of " +
+                           std::to_string(number.Rounds) + "): ",
+                       document);
 }
 
 void BatchShell::StatusTextChanged(int /*line*/) {
@@ -31,8 +60,9 @@ void BatchShell::StatusTextChanged(int /*line*/) {
 }
 
 void BatchShell::PrintLine(const std::string& line) {
-  display_.Clear();
+  const bool wasDrawn = display_.Clear();
   WriteError(system_, (system_.ErrorOutputIsTerminal() ? ShownOnTerminal(line) : line) + "\n");
+  if (wasDrawn) display_.Draw(*this);
 }
 
 }  // namespace folioweld

@@ -1,6 +1,8 @@
 #include "batch/status_display.h"
 
 #include <algorithm>
+#include <string_view>
+#include <utility>
 
 #include "batch/error_output.h"
 #include "engine/settings_text.h"
@@ -9,53 +11,98 @@ namespace folioweld {
 
 namespace {
 
-constexpr int kLines = 3;
-constexpr std::int64_t kMillisecondsBetween = 50;
+constexpr int kStatusLines = 3;
+constexpr std::int64_t kMillisecondsBetween = 100;
+constexpr int kColumnsForAllRows = 60;
+constexpr std::string_view kDots = "...";
 
-/// At most `columns` columns of the line: its beginning, "..." and its end, where the progress is.
-std::string Fitted(const std::string& line, std::size_t columns) {
-  std::string shown = ShownOnTerminal(line);
-  if (shown.size() <= columns) return shown;
-  const std::size_t head = columns / 3;
-  const std::size_t tail = columns - head - 3;
-  std::string end = shown.substr(shown.size() - tail);
-  std::string begin = shown.substr(0, head);
-  // A character may not be cut in two.
+/// A terminal that says it is "dumb", or nothing at all, does not move its cursor.
+bool CanMoveCursor(WindowsAPI& system) {
+  const auto terminal = system.GetEnvironmentVariable("TERM");
+  return system.ErrorOutputIsTerminal() && terminal && !terminal->empty() && *terminal != "dumb";
+}
+
+std::string CursorUp(std::size_t rows) {
+  return "\x1b[" + std::to_string(rows) + "A";
+}
+
+/// The end of a text that is too long, after three dots. A character is not cut in two.
+std::string ShortenedInFront(std::string text, std::size_t columns) {
+  if (text.size() <= columns) return text;
+  text.erase(0, text.size() - (columns > kDots.size() ? columns - kDots.size() : 0));
   const auto isContinuation = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; };
-  while (!end.empty() && isContinuation(end.front())) end.erase(0, 1);
-  while (!begin.empty() && !IsUtf8(begin)) begin.pop_back();
-  return begin + "..." + end;
+  while (!text.empty() && isContinuation(text.front())) text.erase(0, 1);
+  return std::string(kDots) + text;
+}
+
+/// A status line in one row: its label whole, the end of the name after it, and the end of the rest, where
+/// the progress is.
+std::string StatusRow(const std::string& text, std::size_t columns) {
+  const std::string whole = ShownOnTerminal(OnOneLine(text));
+  if (whole.size() <= columns) return whole;
+  const std::string first = ShownOnTerminal(text.substr(0, text.find('\r')));
+  const std::string rest = whole.substr(std::min(first.size(), whole.size()));
+  const std::size_t colon = first.find(": ");
+  const std::size_t label = colon == std::string::npos ? 0 : colon + 2;
+  const std::size_t nameColumns = std::max(columns / 3, columns - std::min(columns, rest.size() + label));
+  const std::string begin = first.substr(0, label) + ShortenedInFront(first.substr(label), nameColumns);
+  if (begin.size() >= columns) return ShortenedInFront(whole, columns);
+  return begin + ShortenedInFront(rest, columns - begin.size());
 }
 
 }  // namespace
 
-StatusDisplay::StatusDisplay(WindowsAPI& system)
-    : system_(system), enabled_(system.ErrorOutputIsTerminal()) {}
+StatusDisplay::StatusDisplay(WindowsAPI& system, ProgressChoice choice)
+    : system_(system), choice_(choice), canMoveCursor_(CanMoveCursor(system)) {}
+
+void StatusDisplay::SetHeadline(std::string text, std::string name) {
+  headline_ = std::move(text);
+  name_ = std::move(name);
+}
 
 void StatusDisplay::Update(const MergeShell& shell) {
-  if (!enabled_) return;
-  const std::int64_t now = system_.MillisecondsNow();
-  if (drawn_ && now - lastDrawn_ < kMillisecondsBetween) return;
+  if (choice_ == ProgressChoice::Never) return;
+  if (drawn_ > 0 && system_.MillisecondsNow() - lastDrawn_ < kMillisecondsBetween) return;
   Draw(shell);
 }
 
 void StatusDisplay::Draw(const MergeShell& shell) {
-  if (!enabled_) return;
-  std::string text = drawn_ ? "\x1b[3A" : "";
-  // The last column stays free, so that no terminal breaks the row.
-  const auto columns = static_cast<std::size_t>(std::max(system_.TerminalColumns() - 1, 5));
-  for (int line = 0; line < kLines; ++line) {
-    text += "\r\x1b[K" + Fitted(OnOneLine(shell.StatusText(line)), columns) + "\n";
-  }
+  if (headline_.empty() || !MayDraw()) return;
+  const std::vector<std::string> rows = Rows(shell);
+  if (drawn_ != rows.size()) Clear();
+  std::string text = drawn_ > 0 ? CursorUp(drawn_) : "";
+  for (const std::string& row : rows) text += "\r\x1b[K" + row + "\n";
   WriteError(system_, text);
-  drawn_ = true;
+  drawn_ = rows.size();
   lastDrawn_ = system_.MillisecondsNow();
 }
 
-void StatusDisplay::Clear() {
-  if (!drawn_) return;
-  WriteError(system_, "\x1b[3A\r\x1b[J");
-  drawn_ = false;
+bool StatusDisplay::Clear() {
+  const std::size_t rows = std::exchange(drawn_, 0);
+  // In the background the rows are left where they are: the terminal is somebody else's by now.
+  if (rows == 0 || !MayDraw()) return false;
+  std::string text = CursorUp(rows);
+  for (std::size_t row = 0; row < rows; ++row) text += "\r\x1b[K\n";
+  WriteError(system_, text + CursorUp(rows));
+  return true;
+}
+
+bool StatusDisplay::MayDraw() {
+  if (choice_ != ProgressChoice::Auto) return choice_ == ProgressChoice::Always;
+  return canMoveCursor_ && system_.ErrorOutputIsInForeground();
+}
+
+std::vector<std::string> StatusDisplay::Rows(const MergeShell& shell) const {
+  const int width = system_.TerminalColumns();
+  // The last column stays free, so that no terminal breaks the row.
+  const auto columns = static_cast<std::size_t>(std::max(width - 1, 5));
+  const std::size_t left = columns - std::min(columns, headline_.size());
+  std::vector<std::string> rows = {left > kDots.size()
+                                       ? headline_ + ShortenedInFront(ShownOnTerminal(OnOneLine(name_)), left)
+                                       : headline_.substr(0, columns)};
+  if (width < kColumnsForAllRows) return rows;
+  for (int line = 0; line < kStatusLines; ++line) rows.push_back(StatusRow(shell.StatusText(line), columns));
+  return rows;
 }
 
 }  // namespace folioweld

@@ -3,6 +3,7 @@
 #include <cerrno>
 
 #include "dirmerge/paths.h"
+#include "dirmerge/source_list.h"
 #include "engine/lexer.h"
 
 namespace folioweld {
@@ -10,10 +11,6 @@ namespace folioweld {
 namespace {
 
 constexpr char kBar = '|';
-
-bool HoldsBar(const std::string& text) {
-  return text.find(kBar) != std::string::npos;
-}
 
 /// Enters the folder as it stands, or trimmed when that does not exist; the name that worked, or why none
 /// did.
@@ -29,51 +26,78 @@ SystemResult<std::string> EnterFolder(WindowsAPI& system, const std::string& tex
   return error;
 }
 
-}  // namespace
+class CommandLineJob {
+ public:
+  CommandLineJob(ProgramState& program, FileModule& files, SettingsStore& settings, DirectoryMerge& merge)
+      : program_(program), system_(files.System()), settings_(settings), merge_(merge), keeper_(system_) {}
 
-std::string CommandLineText(const std::vector<std::string>& arguments) {
-  if (arguments.size() == 2 && !HoldsBar(arguments[0]) && !HoldsBar(arguments[1])) {
-    return arguments[0] + kBar + arguments[1];
+  /// "output|folder", the output perhaps empty.
+  CommandLineOutcome JoinFolder(const std::string& text) {
+    const std::size_t bar = text.find(kBar);
+    program_.Merge.DocFileName(1) = text.substr(bar + 1);
+    if (!TakeOutput(text.substr(0, bar))) return CommandLineOutcome::OutputNotReached;
+    const auto folder = EnterFolder(system_, program_.Merge.DocFileName(1));
+    program_.CommandLineError = folder.Error();
+    if (!folder.Ok()) {
+      program_.CommandLineOutput.clear();
+      return CommandLineOutcome::FolderNotReached;
+    }
+    program_.Merge.DocFileName(1).clear();
+    return MergeFolder(WithSeparator(folder.Value()));
   }
-  std::string text;
-  for (const std::string& argument : arguments) text += (text.empty() ? "" : " ") + argument;
-  return text;
-}
 
-bool IsBatchCommandLine(const std::string& commandLine) {
-  const std::size_t bar = commandLine.find(kBar);
-  return bar != std::string::npos && bar > 0;
-}
+  CommandLineOutcome JoinSources(const Arguments& arguments) {
+    if (!TakeOutput(arguments.Output)) return CommandLineOutcome::OutputNotReached;
+    std::string problem;
+    const std::vector<Source> sources = FindSources(system_, arguments.Sources, problem);
+    if (sources.size() == 1 && sources[0].IsFolder) return MergeFolder(sources[0].Path);
+    merge_.MergeSources(sources, problem);
+    return CommandLineOutcome::Done;
+  }
+
+ private:
+  /// Taken from the folder in which the program was started, before another one is entered.
+  bool TakeOutput(const std::string& output) {
+    program_.CommandLineOutput = FullPath(system_, output);
+    if (output.empty() || !program_.CommandLineOutput.empty()) return true;
+    program_.CommandLineError = system_.GetCurrentDirectory().Error();
+    return false;
+  }
+
+  CommandLineOutcome MergeFolder(const std::string& folder) {
+    program_.CommandLineDirectory = folder;
+    static_cast<void>(settings_.WriteSetting("MergeCurDir", folder));
+    merge_.MenuPdfMergeDir_Click();
+    return CommandLineOutcome::Done;
+  }
+
+  ProgramState& program_;
+  WindowsAPI& system_;
+  SettingsStore& settings_;
+  DirectoryMerge& merge_;
+  CurrentDirectoryKeeper keeper_;
+};
+
+}  // namespace
 
 void LogCommandLine(const ProgramState& program, ActivityLog& log) {
   if (!program.Merge.LogEnabled) return;
   log.AddLogLine("[Folioweld-Form_Activate]=> Command line: " + program.CommandLine);
 }
 
-CommandLineOutcome ProcessCommandLine(ProgramState& program, FileModule& files, SettingsStore& settings,
-                                      DirectoryMerge& merge) {
+CommandLineOutcome ProcessCommandLine(const Arguments& arguments, ProgramState& program, FileModule& files,
+                                      SettingsStore& settings, DirectoryMerge& merge) {
   program.CommandLineOutput.clear();
   program.CommandLineDirectory.clear();
-  const std::size_t bar = program.CommandLine.find(kBar);
-  if (bar == std::string::npos) return CommandLineOutcome::Ignored;
-  WindowsAPI& system = files.System();
-  const CurrentDirectoryKeeper keeper(system);
-  // Taken from here and not from the folder that is entered below.
-  const std::string output = FullPath(system, program.CommandLine.substr(0, bar));
-  program.Merge.DocFileName(1) = program.CommandLine.substr(bar + 1);
-  if (output.empty() && bar > 0) {
-    program.CommandLineError = system.GetCurrentDirectory().Error();
-    return CommandLineOutcome::OutputNotReached;
+  CommandLineJob job(program, files, settings, merge);
+  switch (arguments.Asked) {
+    case Arguments::Wish::JoinFolder:
+      return job.JoinFolder(arguments.FolderText);
+    case Arguments::Wish::JoinSources:
+      return job.JoinSources(arguments);
+    default:
+      return CommandLineOutcome::Ignored;
   }
-  const auto folder = EnterFolder(system, program.Merge.DocFileName(1));
-  program.CommandLineError = folder.Error();
-  if (!folder.Ok()) return CommandLineOutcome::FolderNotReached;
-  program.CommandLineOutput = output;
-  program.CommandLineDirectory = WithSeparator(folder.Value());
-  static_cast<void>(settings.WriteSetting("MergeCurDir", program.CommandLineDirectory));
-  program.Merge.DocFileName(1).clear();
-  merge.MenuPdfMergeDir_Click();
-  return CommandLineOutcome::Done;
 }
 
 }  // namespace folioweld

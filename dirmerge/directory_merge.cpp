@@ -64,26 +64,28 @@ class DirectoryJob {
     shell_.RefreshControls();
   }
 
-  void Run(const std::string& directory) {
-    if (const SystemError error = files_.System().SetCurrentDirectory(directory)) {
+  void Run(const std::vector<Source>& sources) {
+    for (const Source& source : sources) {
+      if (!source.IsFolder) continue;
+      const SystemError error = files_.System().SetCurrentDirectory(source.Path);
+      if (!error) continue;
       ShowFolderFailure(error);
       return;
     }
     shell_.EnterRunningState();
-    DocumentList documents;
-    if (!Enumerate(directory, documents)) return;
+    if (!Enumerate(sources)) return;
     const std::string output = ChooseOutput();
     if (output.empty()) return;
-    ForgetRefusedOutput(directory, output);
+    NoteRefusedDocuments(program_.CommandLineOutput.empty() ? IdentityOf(output) : std::nullopt);
     OutputProbe probe(files_, output);
-    if (!probe.Open(documents.Identities)) {
+    if (!probe.Open(InputIdentities())) {
       shell_.ShowMessage(
           MessageIcon::Exclamation, kTitle,
           "The output file\r\n" + output + "\r\n cannot be created.\r\nI cannot do this operation!");
-      TellReason(WhyNoOutput(files_.System(), output, probe.Error(), Named(documents)));
+      TellReason(WhyNoOutput(files_.System(), output, probe.Error(), found_.Inputs));
       return;
     }
-    Join(directory, documents.Names, output);
+    Join(sources, output);
   }
 
  private:
@@ -92,12 +94,11 @@ class DirectoryJob {
     return attributes.Ok() ? std::optional(attributes.Value().Identity) : std::nullopt;
   }
 
-  /// An output that is asked for is known only after the listing.
-  void ForgetRefusedOutput(const std::string& directory, const std::string& output) {
-    const auto identity = IdentityOf(output);
-    if (!identity) return;
-    std::erase_if(report_.RefusedDocuments,
-                  [&](const std::string& name) { return IdentityOf(directory + name) == identity; });
+  /// An output that is asked for is known only after the listing: of a folder it is no lost document.
+  void NoteRefusedDocuments(const std::optional<FileIdentity>& output) {
+    for (const ListedDocument& document : found_.RefusedDocuments) {
+      if (!output || IdentityOf(document.Path) != output) report_.RefusedDocuments.push_back(document.Name);
+    }
   }
 
   void ShowFolderFailure(SystemError error) {
@@ -109,26 +110,39 @@ class DirectoryJob {
   /// After a message whose text is fixed and gives no cause.
   void TellReason(const std::string& reason) { logging_.Notice("  because of " + reason); }
 
-  [[nodiscard]] static std::vector<NamedDocument> Named(const DocumentList& documents) {
-    std::vector<NamedDocument> named;
-    for (std::size_t i = 0; i < documents.Names.size(); ++i) {
-      named.push_back({documents.Identities[i], documents.Names[i]});
-    }
-    return named;
+  [[nodiscard]] std::vector<FileIdentity> InputIdentities() const {
+    std::vector<FileIdentity> identities;
+    for (const NamedDocument& input : found_.Inputs) identities.push_back(input.Identity);
+    return identities;
   }
 
-  /// Fills the list; false when the job ends here.
-  bool Enumerate(const std::string& directory, DocumentList& documents) {
-    const ListOutcome outcome = ListDocuments(directory, files_, shell_, program_.Merge, logging_,
-                                              IdentityOf(program_.CommandLineOutput), documents);
-    report_.RefusedDocuments = documents.RefusedDocuments;
-    if (outcome == ListOutcome::TooMany) logging_.Notice("Out of memory - Could not extend filesToMerge()");
-    // A listing that broke off would give an output that silently lacks documents.
-    if (outcome == ListOutcome::FolderFailed) ShowFolderFailure(documents.FolderError);
-    if (outcome != ListOutcome::Complete) return false;
-    if (!documents.Names.empty()) return true;
+  /// Finds the documents of all sources; false when the job ends here.
+  bool Enumerate(const std::vector<Source>& sources) {
+    const auto output = IdentityOf(program_.CommandLineOutput);
+    for (const Source& source : sources) {
+      const std::size_t before = found_.Names.size();
+      if (!Take(ListDocuments(source, files_, shell_, program_.Merge, logging_, output, found_)))
+        return false;
+      ends_.push_back(found_.Names.size());
+      if (source.IsFolder && !source.Name.empty() && ends_.back() == before) NoteEmptyFolder(source);
+    }
+    if (!found_.Names.empty()) return true;
+    NoteRefusedDocuments(std::nullopt);
     shell_.ShowMessage(MessageIcon::Exclamation, kTitle, "NO INPUT FILE!  I DIDN'T DO ANYTHING");
     return false;
+  }
+
+  /// Whether the listing goes on.
+  bool Take(ListOutcome outcome) {
+    if (outcome == ListOutcome::TooMany) logging_.Notice("Out of memory - Could not extend filesToMerge()");
+    // A listing that broke off would give an output that silently lacks documents.
+    if (outcome == ListOutcome::FolderFailed) ShowFolderFailure(found_.FolderError);
+    return outcome == ListOutcome::Complete;
+  }
+
+  void NoteEmptyFolder(const Source& source) {
+    report_.EmptyFolders.push_back(source.Name);
+    logging_.Notice("Folder: \"" + source.Name + "\"  holds no document that can be joined");
   }
 
   [[nodiscard]] std::string ChooseOutput() {
@@ -137,29 +151,51 @@ class DirectoryJob {
         {"Folioweld: Choose the OUTPUT FILE", kDialogExtension, kDialogFilter, ""});
   }
 
-  void Join(const std::string& directory, std::vector<std::string> names, const std::string& output) {
+  void Join(const std::vector<Source>& sources, const std::string& output) {
     logging_.Log("Request to merge towards: \"" + output + "\"  the following files:");
-    FileOrdering ordering(files_.System(), shell_, program_.Merge, logging_.Log);
-    const std::int16_t sortOrder = program_.SortOrder;
-    if (!ordering.Order(names, sortOrder)) return;
+    std::vector<ListedDocument> documents;
+    if (!Order(sources, documents)) return;
     TmpDirectory tmp(files_.System(), settings_, shell_);
     // Two documents need no temporary file; the setting gets its default all the same.
+    const bool needsFolder = documents.size() > 2;
     std::string why;
     const std::string tmpFolder =
-        names.size() > 2 ? tmp.SafeTmpDirectory(logging_.Notice, why) : tmp.GetTmpDirectory();
-    if (names.size() > 2 && tmpFolder.empty()) {
+        needsFolder ? tmp.SafeTmpDirectory(logging_.Notice, why) : tmp.GetTmpDirectory();
+    if (needsFolder && tmpFolder.empty()) {
       logging_.Notice("Unable to get a temporary directory");
       TellReason(why);
       return;
     }
-    JoinInRounds(directory, names, output, tmpFolder);
+    JoinInRounds(documents, output, tmpFolder);
     Finish(output);
   }
 
-  void JoinInRounds(const std::string& directory, const std::vector<std::string>& names,
-                    const std::string& output, const std::string& tmpFolder) {
+  /// The documents of all sources in the order in which they are joined; false when the user cancelled.
+  bool Order(const std::vector<Source>& sources, std::vector<ListedDocument>& documents) {
+    FileOrdering ordering(files_.System(), shell_, program_.Merge, logging_.Log);
+    const std::int16_t sortOrder = program_.SortOrder;
+    auto begin = found_.Names.begin();
+    for (std::size_t i = 0; i < sources.size(); ++i) {
+      const auto end = found_.Names.begin() + static_cast<std::ptrdiff_t>(ends_[i]);
+      std::vector<std::string> names(begin, end);
+      begin = end;
+      if (sources[i].IsFolder && !OrderFolder(ordering, sources[i], names, sortOrder)) return false;
+      for (const std::string& name : names) documents.push_back(DocumentOf(sources[i], name));
+    }
+    return true;
+  }
+
+  /// By their dates the documents are asked for by name, in the current folder.
+  bool OrderFolder(FileOrdering& ordering, const Source& source, std::vector<std::string>& names,
+                   std::int16_t sortOrder) {
+    static_cast<void>(files_.System().SetCurrentDirectory(source.Path));
+    return ordering.Order(names, sortOrder);
+  }
+
+  void JoinInRounds(const std::vector<ListedDocument>& documents, const std::string& output,
+                    const std::string& tmpFolder) {
     MergeRounds rounds(program_, files_, shell_, log_, logging_);
-    rounds.Run(directory, names, output, tmpFolder, report_);
+    rounds.Run(documents, output, tmpFolder, report_);
   }
 
   void Finish(const std::string& output) {
@@ -183,6 +219,8 @@ class DirectoryJob {
   const Logging logging_;
   DirectoryMergeReport& report_;
   CurrentDirectoryKeeper keeper_;
+  DocumentList found_;             ///< of all sources, one after the other
+  std::vector<std::size_t> ends_;  ///< of each source's documents in that list
 };
 
 }  // namespace
@@ -226,9 +264,19 @@ void DirectoryMerge::TellAtTheEnd(std::function<void(const std::string&)> Loggin
 }
 
 void DirectoryMerge::MergeDirectory(const std::string& directory) {
+  Join({{"", directory, true}});
+}
+
+void DirectoryMerge::MergeSources(const std::vector<Source>& sources, const std::string& problem) {
+  report_ = {};
+  if (problem.empty()) return Join(sources);
+  shell_.ShowMessage(MessageIcon::Exclamation, kTitle, problem);
+}
+
+void DirectoryMerge::Join(const std::vector<Source>& sources) {
   report_ = {};
   try {
-    DirectoryJob(program_, files_, settings_, shell_, log_, report_).Run(directory);
+    DirectoryJob(program_, files_, settings_, shell_, log_, report_).Run(sources);
   } catch (const std::exception&) {
     // Memory is all that can run out here; the job has cleaned up on its way.
     report_.OutputWritten = false;

@@ -2,10 +2,12 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "dirmerge/directory_merge_report.h"
 #include "dirmerge/logging.h"
 #include "dirmerge/program_state.h"
+#include "dirmerge/source_list.h"
 #include "engine/activity_log.h"
 #include "engine/file_module.h"
 #include "engine/merge_shell.h"
@@ -29,10 +31,16 @@ class DirectoryMerge {
   /// window idle, the flags cleared, the current folder as it was and no temporary file.
   void MergeDirectory(const std::string& directory);
 
-  /// Of the last `MergeDirectory`.
+  /// The same for documents and folders, joined in this order into `CommandLineOutput`, or into the file that
+  /// is asked for when that is empty. A `problem` is told and ends the job; without sources there is no
+  /// input.
+  void MergeSources(const std::vector<Source>& sources, const std::string& problem);
+
+  /// Of the last merge.
   [[nodiscard]] const DirectoryMergeReport& Report() const { return report_; }
 
  private:
+  void Join(const std::vector<Source>& sources);
   void TellAtTheEnd(std::function<void(const std::string&)> Logging::*where, const char* line);
 
   ProgramState& program_;

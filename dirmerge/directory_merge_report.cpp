@@ -3,8 +3,8 @@
 namespace folioweld {
 
 bool DirectoryMergeReport::Complete() const {
-  return OutputWritten && FailedMerges == 0 && RefusedDocuments.empty() && AlteredDocuments.empty() &&
-         MissingDocuments.empty();
+  return OutputWritten && FailedMerges == 0 && RefusedDocuments.empty() && EmptyFolders.empty() &&
+         AlteredDocuments.empty() && MissingDocuments.empty();
 }
 
 ExitStatus StatusOf(const DirectoryMergeReport& report) {

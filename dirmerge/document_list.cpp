@@ -6,6 +6,7 @@
 #include <limits>
 #include <optional>
 
+#include "dirmerge/paths.h"
 #include "engine/document_check.h"
 #include "platform/retry.h"
 
@@ -51,9 +52,9 @@ class OpenSearch {
 
 class Listing {
  public:
-  Listing(const std::string& folder, FileModule& files, MergeShell& shell, const MergeState& state,
+  Listing(const Source& source, FileModule& files, MergeShell& shell, const MergeState& state,
           const Logging& logging, const std::optional<FileIdentity>& output, DocumentList& list)
-      : folder_(folder),
+      : source_(source),
         files_(files),
         shell_(shell),
         state_(state),
@@ -62,7 +63,8 @@ class Listing {
         list_(list) {}
 
   ListOutcome Run() {
-    const auto search = RetryInterrupted([&] { return files_.System().FindFirstFile(folder_); });
+    if (!source_.IsFolder) return Take(source_.Name) ? ListOutcome::Complete : ListOutcome::TooMany;
+    const auto search = RetryInterrupted([&] { return files_.System().FindFirstFile(source_.Path); });
     if (!search.Ok()) return Failed(search.Error());
     const OpenSearch open(files_.System(), search.Value());
     return TakeAll(search.Value());
@@ -86,46 +88,53 @@ class Listing {
 
   /// False when the list cannot grow.
   bool Take(const std::string& name) {
-    if (name == "." || name == ".." || UpperCased(name) == "PAGEFILE.SYS") return true;
-    const std::string path = folder_ + name;
-    const auto attributes = files_.System().GetFileAttributes(path);
+    if (source_.IsFolder && (name == "." || name == ".." || UpperCased(name) == "PAGEFILE.SYS")) return true;
+    const ListedDocument document = DocumentOf(source_, name);
+    const auto attributes = files_.System().GetFileAttributes(document.Path);
     if (!attributes.Ok()) {
-      NoteUnknown(name, attributes.Error());
+      NoteUnknown(document, attributes.Error());
       return true;
     }
     if (attributes.Value().Kind != FileKind::Regular) return true;
+    if (!source_.IsFolder) list_.Inputs.push_back({attributes.Value().Identity, document.Name});
     PassFailure why;
-    if (!IsThisDocumentApdf(files_, path, &why)) {
-      Refuse(name, attributes.Value().Identity, why);
+    if (!IsThisDocumentApdf(files_, document.Path, &why)) {
+      Refuse(document, attributes.Value().Identity, why);
       return true;
     }
     if (list_.Names.size() >= static_cast<std::size_t>(std::numeric_limits<std::int16_t>::max()))
       return false;
     list_.Names.push_back(name);
-    list_.Identities.push_back(attributes.Value().Identity);
+    if (source_.IsFolder) list_.Inputs.push_back({attributes.Value().Identity, document.Name});
     return true;
   }
 
   /// What cannot even be looked at is passed over, but an output that may lack a document says so.
-  void NoteUnknown(const std::string& name, SystemError error) {
+  void NoteUnknown(const ListedDocument& document, SystemError error) {
     // Gone since it was listed, or a link that leads nowhere.
-    if (error.Code == ENOENT || error.Code == ELOOP || !EndsInPdf(name)) return;
-    logging_.Notice("File: \"" + name + "\"  cannot be looked at: " + error.Words());
-    list_.RefusedDocuments.push_back(name);
+    const bool isGone = error.Code == ENOENT || error.Code == ELOOP;
+    if (source_.IsFolder && (isGone || !EndsInPdf(document.Name))) return;
+    logging_.Notice("File: \"" + document.Name + "\"  cannot be looked at: " + error.Words());
+    list_.RefusedDocuments.push_back(document);
   }
 
-  void Refuse(const std::string& name, const FileIdentity& identity, const PassFailure& why) {
-    const std::string line = "File: \"" + name + "\"  is not acceptable for merging";
-    if (identity == output_ || !LooksLikeDocument(files_, folder_ + name)) {
+  void Refuse(const ListedDocument& document, const FileIdentity& identity, const PassFailure& why) {
+    const std::string line = "File: \"" + document.Name + "\"  is not acceptable for merging";
+    if (!IsWanted(document, identity)) {
       logging_.Log(line);
       return;
     }
     logging_.Notice(line);
-    logging_.Notice("  because of " + why.Sentence({}) + " (\"" + name + "\")");
-    list_.RefusedDocuments.push_back(name);
+    logging_.Notice("  because of " + why.Sentence({}) + " (\"" + document.Name + "\")");
+    list_.RefusedDocuments.push_back(document);
   }
 
-  const std::string& folder_;
+  /// Whoever names a file wants it in the output, whatever it is.
+  [[nodiscard]] bool IsWanted(const ListedDocument& document, const FileIdentity& identity) {
+    return !source_.IsFolder || (identity != output_ && LooksLikeDocument(files_, document.Path));
+  }
+
+  const Source& source_;
   FileModule& files_;
   MergeShell& shell_;
   const MergeState& state_;
@@ -136,10 +145,15 @@ class Listing {
 
 }  // namespace
 
-ListOutcome ListDocuments(const std::string& folder, FileModule& files, MergeShell& shell,
-                          const MergeState& state, const Logging& logging,
-                          const std::optional<FileIdentity>& output, DocumentList& list) {
-  return Listing(folder, files, shell, state, logging, output, list).Run();
+ListedDocument DocumentOf(const Source& source, const std::string& name) {
+  if (!source.IsFolder) return {name, source.Path};
+  return {source.Name.empty() ? name : WithSeparator(source.Name) + name, source.Path + name};
+}
+
+ListOutcome ListDocuments(const Source& source, FileModule& files, MergeShell& shell, const MergeState& state,
+                          const Logging& logging, const std::optional<FileIdentity>& output,
+                          DocumentList& list) {
+  return Listing(source, files, shell, state, logging, output, list).Run();
 }
 
 }  // namespace folioweld

@@ -5,29 +5,40 @@
 #include <vector>
 
 #include "dirmerge/logging.h"
+#include "dirmerge/source_list.h"
 #include "engine/file_module.h"
 #include "engine/merge_shell.h"
 #include "engine/merge_state.h"
+#include "engine/output_refusal.h"
 #include "platform/windows_api.h"
 
 namespace folioweld {
 
-/// What a folder holds for a directory merge.
+/// A document, found in a source.
+struct ListedDocument {
+  std::string Name;  ///< as the user is told of it
+  std::string Path;
+};
+
+/// The document of that name in a source; for a document that is a source by itself the name is the source's.
+[[nodiscard]] ListedDocument DocumentOf(const Source& source, const std::string& name);
+
+/// What the sources of a directory merge hold.
 struct DocumentList {
-  std::vector<std::string> Names;             ///< accepted files, without the folder
-  std::vector<FileIdentity> Identities;       ///< of the accepted files, in the same order
-  std::vector<std::string> RefusedDocuments;  ///< names of files that look like documents and were refused
-  SystemError FolderError;                    ///< why the folder could not be listed to its end
+  std::vector<std::string> Names;     ///< accepted files, those of folders without the folder
+  std::vector<NamedDocument> Inputs;  ///< what no output may be: accepted files, and all that were named
+  std::vector<ListedDocument> RefusedDocuments;  ///< files that look like documents and were refused
+  SystemError FolderError;                       ///< why a folder could not be listed to its end
 };
 
 enum class ListOutcome { Complete, Cancelled, TooMany, FolderFailed };
 
-/// Finds the acceptable documents of a folder, in the order in which the system lists them. Only regular
-/// files are candidates (links are followed), hidden ones and names without a dot too. Every refused file is
-/// logged. One that is named ".pdf" or has "%PDF-" in its first 1,024 bytes is taken for a document: it is
-/// noticed, with the reason, and listed as refused, unless it is the output. A folder of more files than 16
-/// bits count gives `TooMany`.
-[[nodiscard]] ListOutcome ListDocuments(const std::string& folder, FileModule& files, MergeShell& shell,
+/// Adds the acceptable documents of a source to the list; those of a folder in the order in which the system
+/// lists them. Only regular files are candidates (links are followed), hidden ones and names without a dot
+/// too. Every refused file is logged. One that is a source by itself, is named ".pdf" or has "%PDF-" in its
+/// first 1,024 bytes is taken for a document: it is noticed, with the reason, and listed as refused; in a
+/// folder unless it is the output. More documents than 16 bits count give `TooMany`.
+[[nodiscard]] ListOutcome ListDocuments(const Source& source, FileModule& files, MergeShell& shell,
                                         const MergeState& state, const Logging& logging,
                                         const std::optional<FileIdentity>& output, DocumentList& list);
 

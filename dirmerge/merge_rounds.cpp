@@ -7,6 +7,20 @@
 
 namespace folioweld {
 
+namespace {
+
+/// How many merges and rounds make one file out of so many.
+MergeNumber CountMerges(int files) {
+  MergeNumber number{1, files == 1 ? 1 : 0, 1, 1};
+  for (; files > 1; files = (files + 1) / 2) {
+    number.Merges += files / 2;
+    if (files > 2) ++number.Rounds;
+  }
+  return number;
+}
+
+}  // namespace
+
 /// The counts of one round, as the log names them.
 struct MergeRounds::Round {
   int iNumFilesToMerge;
@@ -22,18 +36,20 @@ MergeRounds::MergeRounds(ProgramState& program, FileModule& files, MergeShell& s
       logging_(std::move(logging)),
       job_(program.Merge, files, shell, log) {}
 
-void MergeRounds::Run(const std::string& directory, const std::vector<std::string>& names,
-                      const std::string& output, const std::string& tmpFolder, DirectoryMergeReport& report) {
-  directory_ = directory;
+void MergeRounds::Run(const std::vector<ListedDocument>& documents, const std::string& output,
+                      const std::string& tmpFolder, DirectoryMergeReport& report) {
   output_ = output;
   tmpFolder_ = tmpFolder;
   report_ = &report;
-  accepted_ = names;
+  accepted_ = documents;
+  number_ = CountMerges(static_cast<int>(documents.size()));
   filesToMerge_.clear();
-  for (const std::string& name : names) filesToMerge_.push_back({name, {{FullName(name), 0, false, {}}}});
+  for (const ListedDocument& document : documents) {
+    filesToMerge_.push_back({document.Path, {{document.Path, 0, false, {}}}});
+  }
 
   TemporaryFiles temporaries(files_, logging_);
-  for (Round round{static_cast<int>(names.size()), 0};;) {
+  for (Round round{static_cast<int>(documents.size()), 0};; ++number_.Round) {
     logging_.Log("iNumFilesToMerge: " + std::to_string(round.iNumFilesToMerge) + "   indBaseTmp: " +
                  std::to_string(round.indBaseTmp) + "   iLastIndex: " + std::to_string(round.iLastIndex) +
                  "   indMaxTmp: " + std::to_string(temporaries.Highest()));
@@ -106,8 +122,8 @@ bool MergeRounds::MakeTemporary(int index, TemporaryFiles& temporaries) {
 
 void MergeRounds::Merge(const Piece& first, const Piece* second, const std::string& output, Piece& result) {
   MergeState& state = program_.Merge;
-  state.DocFileName(1) = FullName(first.Name);
-  state.DocFileName(2) = second == nullptr ? std::string() : FullName(second->Name);
+  state.DocFileName(1) = first.Path;
+  state.DocFileName(2) = second == nullptr ? std::string() : second->Path;
   state.DocFileName(3) = output;
   state.DocSources(1) = first.Documents;
   state.DocSources(2) = second == nullptr ? std::vector<SourceDocument>() : second->Documents;
@@ -116,16 +132,26 @@ void MergeRounds::Merge(const Piece& first, const Piece* second, const std::stri
   // The log lets events in, and the job would begin by taking the flag down.
   state.CancelSeen = state.AbortRequested;
   if (state.CancelSeen) return;
+  AnnounceMerge(first, second);
   state.SilentMode = true;
   job_.cmdOK_Click();
   state.SilentMode = false;
 
-  result.Name = output;
+  result.Path = output;
   if (state.MergeStatus == -1) {
     ++report_->FailedMerges;
     return;
   }
   result.Documents = std::move(state.DocSources(3));
+}
+
+void MergeRounds::AnnounceMerge(const Piece& first, const Piece* second) {
+  const Piece& piece = second == nullptr ? first : *second;
+  std::string name;
+  std::string folder;
+  SplitPath(piece.Documents.empty() ? piece.Path : piece.Documents[0].Name, name, folder);
+  shell_.MergeStarts(number_, name);
+  ++number_.Merge;
 }
 
 /// Says what is not in the output, and what is not as it was. After a failure that may be all of it; what a
@@ -134,23 +160,21 @@ void MergeRounds::NoteOutput(const Piece& whole) {
   report_->OutputWritten = !whole.Documents.empty();
   report_->Cancelled = report_->Cancelled || program_.Merge.AbortRequested || program_.Merge.CancelSeen;
   if (!report_->OutputWritten && report_->Cancelled) return;
-  std::map<std::string, bool> altered;
+  std::multimap<std::string, bool> altered;
   for (const SourceDocument& document : whole.Documents) {
-    altered[document.Name] = !document.Alterations.empty();
+    altered.emplace(document.Name, !document.Alterations.empty());
   }
-  for (const std::string& name : accepted_) {
-    const auto found = altered.find(FullName(name));
+  for (const ListedDocument& document : accepted_) {
+    const auto found = altered.find(document.Path);
     if (found == altered.end()) {
-      report_->MissingDocuments.push_back(name);
-      logging_.Notice("File: \"" + name + "\"  is missing in the output");
-    } else if (found->second) {
-      report_->AlteredDocuments.push_back(name);
+      report_->MissingDocuments.push_back(document.Name);
+      logging_.Notice("File: \"" + document.Name + "\"  is missing in the output");
+      continue;
     }
+    if (found->second) report_->AlteredDocuments.push_back(document.Name);
+    // A document that was named twice has to be there twice.
+    altered.erase(found);
   }
-}
-
-std::string MergeRounds::FullName(const std::string& name) const {
-  return name.find(PathSeparator) == std::string::npos ? directory_ + name : name;
 }
 
 }  // namespace folioweld

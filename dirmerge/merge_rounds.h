@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "dirmerge/directory_merge_report.h"
+#include "dirmerge/document_list.h"
 #include "dirmerge/logging.h"
 #include "dirmerge/program_state.h"
 #include "dirmerge/temporary_files.h"
@@ -21,16 +22,16 @@ class MergeRounds {
  public:
   MergeRounds(ProgramState& program, FileModule& files, MergeShell& shell, ActivityLog& log, Logging logging);
 
-  /// Runs all rounds and cleans up. Names without a separator are taken from the directory.
-  void Run(const std::string& directory, const std::vector<std::string>& names, const std::string& output,
+  /// Runs all rounds over one document or more, in this order, and cleans up.
+  void Run(const std::vector<ListedDocument>& documents, const std::string& output,
            const std::string& tmpFolder, DirectoryMergeReport& report);
 
  private:
   struct Round;
 
-  /// A file to be joined, and the documents of the folder that it holds; none when it could not be made.
+  /// A file to be joined, and the documents that it holds; none when it could not be made.
   struct Piece {
-    std::string Name;
+    std::string Path;
     std::vector<SourceDocument> Documents;
   };
 
@@ -40,19 +41,19 @@ class MergeRounds {
   [[nodiscard]] bool MakeTemporary(int index, TemporaryFiles& temporaries);
   [[nodiscard]] bool GrowTo(int index, TemporaryFiles& temporaries);
   void Merge(const Piece& first, const Piece* second, const std::string& output, Piece& result);
+  void AnnounceMerge(const Piece& first, const Piece* second);
   void NoteOutput(const Piece& whole);
-  [[nodiscard]] std::string FullName(const std::string& name) const;
 
   ProgramState& program_;
   FileModule& files_;
   MergeShell& shell_;
   Logging logging_;
   MergeJob job_;
-  std::string directory_;
   std::string output_;
   std::string tmpFolder_;
   DirectoryMergeReport* report_ = nullptr;
-  std::vector<std::string> accepted_;
+  std::vector<ListedDocument> accepted_;
+  MergeNumber number_;
   std::vector<Piece> filesToMerge_;
   std::vector<Piece> results_;  ///< of the current round, by pair; the next round's `filesToMerge_`
 };

@@ -19,4 +19,9 @@ void ReadStartSettings(ProgramState& program, SettingsStore& settings) {
   program.Merge.ShowOutputAfterMerge = value == "1";
 }
 
+void TakeChoices(const Arguments& arguments, ProgramState& program) {
+  if (arguments.SortOrder) program.SortOrder = *arguments.SortOrder;
+  if (arguments.Verbose) program.Merge.LogEnabled = true;
+}
+
 }  // namespace folioweld

@@ -13,9 +13,11 @@ void ActivityLog::AddLogLine(std::string logString) {
   shell_.Yield();
   while (LogPainting) shell_.Yield();
   logIndex_ = static_cast<std::int16_t>((logIndex_ + 1) % kRingSize);
-  logLines_.at(static_cast<std::size_t>(logIndex_)) = std::move(logString);
+  std::string& line = logLines_.at(static_cast<std::size_t>(logIndex_));
+  line = std::move(logString);
   logTextStale_ = true;
   LogBusy = false;
+  shell_.LogLineAdded(line);
 }
 
 void ActivityLog::ClearLogScreen() {

@@ -26,6 +26,8 @@ void MergeShell::TakeChange(int line) {
   StatusTextChanged(line);
 }
 
+void MergeShell::MergeStarts(const MergeNumber& /*number*/, const std::string& /*document*/) {}
+
 void MergeShell::ShowMessage(MessageIcon /*icon*/, const std::string& /*title*/,
                              const std::string& /*text*/) {}
 
@@ -40,6 +42,8 @@ std::string MergeShell::BrowseForFolder(const std::string& /*title*/, const std:
 void MergeShell::ShowOutput(const std::string& /*path*/) {}
 
 void MergeShell::Notice(const std::string& /*line*/) {}
+
+void MergeShell::LogLineAdded(const std::string& /*line*/) {}
 
 void MergeShell::StatusTextChanged(int /*line*/) {}
 

@@ -25,6 +25,14 @@ struct OutputQuestion {
   std::string InitialName;
 };
 
+/// Which of a directory merge's merges begins; all counts begin at 1.
+struct MergeNumber {
+  int Merge = 1;
+  int Merges = 1;  ///< of all rounds together
+  int Round = 1;
+  int Rounds = 1;
+};
+
 /// What a running job shows and asks. The base class keeps the status lines and does nothing else, so that
 /// a job runs without anybody watching. The window, the windowless run and the tests implement it. Every
 /// call is made on the one thread of the program.
@@ -59,6 +67,9 @@ class MergeShell {
   /// "Exit", ordinary pointer, Go and the input-picking buttons unlocked.
   virtual void LeaveRunningState() {}
 
+  /// A directory merge joins the next two files; `document` is the first one of the second input.
+  virtual void MergeStarts(const MergeNumber& number, const std::string& document);
+
   /// A message box; comes back when it was answered.
   virtual void ShowMessage(MessageIcon icon, const std::string& title, const std::string& text);
   /// A save dialog; empty = cancelled.
@@ -70,6 +81,8 @@ class MergeShell {
 
   /// A line about a refused document or a failed merge, whether or not the log is shown.
   virtual void Notice(const std::string& line);
+  /// A line was added to the activity log.
+  virtual void LogLineAdded(const std::string& line);
 
  protected:
   /// Handles what is waiting, if anything is.

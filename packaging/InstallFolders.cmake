@@ -8,6 +8,11 @@ string(REGEX REPLACE "/${PROJECT_NAME}$" "/folioweld" FOLIOWELD_DOC_DIR ${CMAKE_
 set(FOLIOWELD_WINDOW_DOC_DIR ${CMAKE_INSTALL_DATAROOTDIR}/doc/folioweld-window)
 set(FOLIOWELD_MAN_DIR ${CMAKE_INSTALL_MANDIR}/man1)
 set(FOLIOWELD_COMPLETION_DIR ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+# Debian keeps what packages bring apart from what the administrator adds.
+set(FOLIOWELD_ZSH_COMPLETION_DIR ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+if(FOLIOWELD_DEBIAN_PACKAGES)
+  set(FOLIOWELD_ZSH_COMPLETION_DIR ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+endif()
 set(FOLIOWELD_DESKTOP_DIR ${CMAKE_INSTALL_DATADIR}/applications)
 set(FOLIOWELD_METAINFO_DIR ${CMAKE_INSTALL_DATADIR}/metainfo)
 set(FOLIOWELD_ICON_DIR ${CMAKE_INSTALL_DATADIR}/icons/hicolor)

@@ -1,13 +1,25 @@
-# Completion of folioweld OUTPUT FOLDER for bash: a PDF file or a folder on the way to one, then a folder.
-# shellcheck shell=bash disable=SC2034 # the functions of bash-completion read and write these variables
+# Completion of folioweld [OPTION]... OUTPUT SOURCE... for bash: options first, then PDF files and folders.
+# shellcheck shell=bash disable=SC2034,SC2207 # the functions of bash-completion read and write these variables
 _folioweld() {
-  local cur prev words cword
-  _init_completion -n '|' || return
+  local cur prev words cword split
+  _init_completion -s -n '|' || return
   # The form with a bar is one quoted text, of which nothing is completed.
   [[ ${words[*]} == *'|'* ]] && return
-  case $cword in
-    1) _filedir pdf ;;
-    2) _filedir -d ;;
+  case $prev in
+    --order) COMPREPLY=($(compgen -W 'name name-reversed date date-reversed' -- "$cur")) && return ;;
+    --progress) COMPREPLY=($(compgen -W 'auto never always' -- "$cur")) && return ;;
+    --files0-from) _filedir && return ;;
   esac
+  local i
+  for ((i = 1; i < cword; ++i)); do
+    # After the output nothing is an option.
+    [[ ${words[i]} == -- || ${words[i]} != -* ]] && { _filedir pdf && return; }
+  done
+  if [[ $cur == -* ]]; then
+    COMPREPLY=($(compgen -W '--order= --files0-from= --verbose --quiet --progress= --help --version' -- "$cur"))
+    [[ ${COMPREPLY[0]-} == *= ]] && compopt -o nospace
+    return
+  fi
+  _filedir pdf
 } &&
   complete -F _folioweld folioweld

@@ -42,6 +42,8 @@ int FlagsFor(OpenMode mode) {
       return kAlways | O_RDONLY;
     case OpenMode::ReadUnlinked:
       return kAlways | O_RDONLY | O_NOFOLLOW;
+    case OpenMode::ReadSequence:
+      return O_CLOEXEC | O_NOCTTY | O_RDONLY;
     case OpenMode::WriteKeep:
       return kAlways | O_WRONLY | O_CREAT | O_NOFOLLOW;
     case OpenMode::ReadWriteExisting:
@@ -123,6 +125,10 @@ SystemResult<PosixApi::Handle> PosixApi::CreateFile(const std::string& path, Ope
 SystemResult<std::size_t> PosixApi::ReadFile(Handle file, std::int64_t offset, char* bytes,
                                              std::size_t count) {
   return Transferred(::pread(file, bytes, count, offset));
+}
+
+SystemResult<std::size_t> PosixApi::ReadNext(Handle file, char* bytes, std::size_t count) {
+  return Transferred(::read(file, bytes, count));
 }
 
 SystemResult<std::size_t> PosixApi::WriteFile(Handle file, std::int64_t offset, const char* bytes,
@@ -289,8 +295,16 @@ SystemError PosixApi::PreferLargePages(void* memory, std::size_t size) {
 #endif
 }
 
+SystemResult<std::size_t> PosixApi::WriteStandardOutput(const char* bytes, std::size_t count) {
+  return Transferred(::write(STDOUT_FILENO, bytes, count));
+}
+
 bool PosixApi::ErrorOutputIsTerminal() {
   return ::isatty(STDERR_FILENO) == 1;
+}
+
+bool PosixApi::ErrorOutputIsInForeground() {
+  return ::tcgetpgrp(STDERR_FILENO) == ::getpgrp();
 }
 
 int PosixApi::TerminalColumns() {

@@ -14,6 +14,7 @@ class PosixApi : public WindowsAPI {
   SystemResult<Handle> CreateFile(const std::string& path, OpenMode mode) override;
   SystemResult<std::size_t> ReadFile(Handle file, std::int64_t offset, char* bytes,
                                      std::size_t count) override;
+  SystemResult<std::size_t> ReadNext(Handle file, char* bytes, std::size_t count) override;
   SystemResult<std::size_t> WriteFile(Handle file, std::int64_t offset, const char* bytes,
                                       std::size_t count) override;
   SystemResult<FileInformation> GetFileInformationByHandle(Handle file) override;
@@ -46,7 +47,9 @@ class PosixApi : public WindowsAPI {
   SystemError TerminateProcess(Process process) override;
 
   SystemError PreferLargePages(void* memory, std::size_t size) override;
+  SystemResult<std::size_t> WriteStandardOutput(const char* bytes, std::size_t count) override;
   bool ErrorOutputIsTerminal() override;
+  bool ErrorOutputIsInForeground() override;
   int TerminalColumns() override;
   SystemResult<std::size_t> WriteErrorOutput(const char* bytes, std::size_t count) override;
   SystemError CatchStopSignals(StopRule rule) override;

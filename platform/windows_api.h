@@ -12,11 +12,13 @@
 
 namespace folioweld {
 
-/// How `WindowsAPI::CreateFile` opens a path. Nothing here ever blocks on a pipe or a device, and nothing
-/// that is opened for writing is reached through a symbolic link in the last component of its path.
+/// How `WindowsAPI::CreateFile` opens a path. But for `ReadSequence` nothing here ever blocks on a pipe or
+/// a device, and nothing that is opened for writing is reached through a symbolic link in the last component
+/// of its path.
 enum class OpenMode {
   ReadExisting,           ///< reading, existing files only
   ReadUnlinked,           ///< the same, but not through a symbolic link
+  ReadSequence,           ///< reading from the beginning to the end, waiting where it is a pipe
   WriteKeep,              ///< writing, created when missing (mode 0666 less the umask), contents kept
   ReadWriteExisting,      ///< reading and writing, existing files only
   TruncateExisting,       ///< writing, existing files only, emptied by the open
@@ -82,6 +84,8 @@ class WindowsAPI {
  public:
   /// A file descriptor; the caller closes it with `CloseHandle`.
   using Handle = int;
+  /// Never closed.
+  static constexpr Handle kStandardInput = 0;
   /// An open folder listing; the caller closes it with `FindClose`.
   using Search = void*;
   /// A process id.
@@ -97,6 +101,8 @@ class WindowsAPI {
   /// May read less than asked for; 0 bytes means the end of the file.
   virtual SystemResult<std::size_t> ReadFile(Handle file, std::int64_t offset, char* bytes,
                                              std::size_t count) = 0;
+  /// Reads what comes next, from a pipe too; 0 bytes means the end.
+  virtual SystemResult<std::size_t> ReadNext(Handle file, char* bytes, std::size_t count) = 0;
   /// May write less than asked for.
   virtual SystemResult<std::size_t> WriteFile(Handle file, std::int64_t offset, const char* bytes,
                                               std::size_t count) = 0;
@@ -152,8 +158,12 @@ class WindowsAPI {
   /// that it holds changes.
   virtual SystemError PreferLargePages(void* memory, std::size_t size) = 0;
 
-  // The terminal. Standard output is never written.
+  // The terminal. Standard output gets nothing but the answers to "--help" and "--version".
+  virtual SystemResult<std::size_t> WriteStandardOutput(const char* bytes, std::size_t count) = 0;
   virtual bool ErrorOutputIsTerminal() = 0;
+  /// Whether that terminal is the controlling one and this program belongs to its foreground; it can change
+  /// at any moment.
+  virtual bool ErrorOutputIsInForeground() = 0;
   /// Columns of the terminal, or 80 when they cannot be had.
   virtual int TerminalColumns() = 0;
   /// Waits until there is room; EAGAIN when there is none and a stop signal came. May write less than asked

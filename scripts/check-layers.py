@@ -21,8 +21,8 @@ OTHERS = {
     "the toolkit": re.compile(r"Q[A-Z]\w*$|Qt\w*/|gio/|xcb/"),
     "the tests": re.compile(r"(tests|fuzz|bench)/"),
 }
-# One starts without the toolkit, the other without the terminal's face.
-ONLY = {"app/main.cpp": ["ui"], "app/window_program.cpp": ["ui", "batch"], "app/window_main.cpp": ["batch"]}
+# Whatever starts without a window starts without the toolkit.
+ONLY = {"app/main.cpp": ["ui"], "app/answers.cpp": ["ui"], "app/window_program.cpp": ["ui", "batch"]}
 INCLUDE = re.compile(r'^\s*#\s*include\s*[<"]([^>"]+)[>"]', re.MULTILINE)
 
 

@@ -36,8 +36,9 @@ QString Name(const char* controlName) {
 
 }  // namespace
 
-Folioweld::Folioweld(WindowsAPI& system, Dialogs& dialogs, ViewerDesktop& desktop, std::string commandLine)
+Folioweld::Folioweld(WindowsAPI& system, Dialogs& dialogs, ViewerDesktop& desktop, Arguments arguments)
     : EndProgram([](int status) { QCoreApplication::exit(status); }),
+      arguments_(std::move(arguments)),
       system_(system),
       dialogs_(dialogs),
       shell_(system, *this),
@@ -58,7 +59,7 @@ Folioweld::Folioweld(WindowsAPI& system, Dialogs& dialogs, ViewerDesktop& deskto
               [this](int index, const DraggedFiles& files, bool allowed) {
                 ProcessOLEDragDrop(index, files, allowed);
               }}) {
-  program_.CommandLine = std::move(commandLine);
+  program_.CommandLine = arguments_.Text;
   files_.SetLog(&log_);
   setObjectName(QStringLiteral("Folioweld"));
   // Neither resized nor maximised.
@@ -275,6 +276,7 @@ void Folioweld::Form_Activate() {
   if (program_.Merge.LogEnabled) logWindow_.PlaceBeside(*this);
   logWindow_.ClearLogScreen();
   program_.Merge.MergeStatus = 2;
+  TakeChoices(arguments_, program_);
   LogCommandLine(program_, log_);
   settings_.TellTo([this](const std::string& line) {
     if (program_.Merge.LogEnabled) log_.AddLogLine(line);
@@ -288,7 +290,8 @@ void Folioweld::Form_Activate() {
 }
 
 void Folioweld::RunCommandLine() {
-  if (ProcessCommandLine(program_, files_, settings_, directoryMerge_) != CommandLineOutcome::Done) {
+  if (ProcessCommandLine(arguments_, program_, files_, settings_, directoryMerge_) !=
+      CommandLineOutcome::Done) {
     FinishIfEnding();
     return;
   }

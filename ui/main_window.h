@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "dirmerge/arguments.h"
 #include "dirmerge/command_line.h"
 #include "dirmerge/directory_merge.h"
 #include "dirmerge/program_state.h"
@@ -39,7 +40,7 @@ class Folioweld : public QMainWindow, private JobWindow {
 
  public:
   /// What is given has to outlive the window.
-  Folioweld(WindowsAPI& system, Dialogs& dialogs, ViewerDesktop& desktop, std::string commandLine);
+  Folioweld(WindowsAPI& system, Dialogs& dialogs, ViewerDesktop& desktop, Arguments arguments);
   ~Folioweld() override;
 
   /// Loads and shows the window; its first activation follows from the event loop.
@@ -186,6 +187,7 @@ class Folioweld : public QMainWindow, private JobWindow {
   /// Ends the program when that was asked for while a job ran.
   void FinishIfEnding();
 
+  const Arguments arguments_;
   WindowsAPI& system_;
   Dialogs& dialogs_;
   ProgramState program_;

@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QIcon>
 
-#include "dirmerge/command_line.h"
 #include "ui/desktop_viewer.h"
 #include "ui/main_window.h"
 #include "ui/qt_dialogs.h"
@@ -28,7 +27,7 @@ QIcon ApplicationIcon() {
 
 }  // namespace
 
-int RunWindowProgram(int argc, char** argv, const std::vector<std::string>& arguments) {
+int RunWindowProgram(int argc, char** argv, const Arguments& arguments) {
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("Folioweld"));
   QApplication::setApplicationVersion(QStringLiteral(FOLIOWELD_VERSION));
@@ -41,7 +40,7 @@ int RunWindowProgram(int argc, char** argv, const std::vector<std::string>& argu
   QApplication::setQuitOnLastWindowClosed(false);
   QtDialogs dialogs;
   DesktopViewer desktop;
-  Folioweld window(RealSystem(), dialogs, desktop, CommandLineText(arguments));
+  Folioweld window(RealSystem(), dialogs, desktop, arguments);
   dialogs.SetOwner(&window);
   window.Start();
   return QApplication::exec();

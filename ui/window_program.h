@@ -1,12 +1,11 @@
 #pragma once
 
-#include <string>
-#include <vector>
+#include "dirmerge/arguments.h"
 
 namespace folioweld {
 
-/// Runs the window program. `arguments` is what the window takes as its command line, argc and argv are the
-/// toolkit's. Returns the exit status.
-[[nodiscard]] int RunWindowProgram(int argc, char** argv, const std::vector<std::string>& arguments);
+/// Runs the window program: what the arguments ask for is joined first. argc and argv are the toolkit's.
+/// Returns the exit status.
+[[nodiscard]] int RunWindowProgram(int argc, char** argv, const Arguments& arguments);
 
 }  // namespace folioweld

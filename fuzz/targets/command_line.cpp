@@ -19,21 +19,22 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
   }
   ProgramState program;
-  program.CommandLine = CommandLineText(arguments);
-  const bool batch = IsBatchCommandLine(program.CommandLine);
-  fuzz::Require(!batch || program.CommandLine.find('|') != std::string::npos, "a batch run has both parts");
+  const Arguments parsed = ParseArguments(arguments);
+  fuzz::Require((parsed.Asked == Arguments::Wish::Refuse) == !parsed.Problem.empty(),
+                "a refusal has its reason");
   testing::MemorySystem system;
   FileModule files(system);
   SettingsStore settings(system);
   MergeShell shell;
   ActivityLog log(shell);
   DirectoryMerge merge(program, files, settings, shell, log);
-  // No folder can be entered here, so that nothing is ever joined.
-  const auto outcome = ProcessCommandLine(program, files, settings, merge);
-  fuzz::Require(outcome != CommandLineOutcome::Done, "nothing is joined");
-  fuzz::Require(program.CommandLineOutput.empty() && program.CommandLineDirectory.empty(),
-                "a folder that is not reached leaves nothing behind");
-  const std::int16_t order = SortOrderFromSetting(program.CommandLine);
+  // No folder can be entered here and no source exists, so that nothing is ever joined.
+  const auto outcome = ProcessCommandLine(parsed, program, files, settings, merge);
+  fuzz::Require(!merge.Report().OutputWritten, "nothing is joined");
+  fuzz::Require(outcome == CommandLineOutcome::Done ||
+                    (program.CommandLineOutput.empty() && program.CommandLineDirectory.empty()),
+                "a folder that is not reached leaves nothing in the state");
+  const std::int16_t order = SortOrderFromSetting(parsed.Text);
   fuzz::Require(order == 1 || order == -1 || order == 2 || order == -2, "an order is one of four");
   return 0;
 }

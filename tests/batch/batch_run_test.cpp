@@ -30,7 +30,9 @@ class BatchRun : public ::testing::Test {
   }
   ~BatchRun() override { std::filesystem::current_path(before_); }
 
-  int Run() { return RunBatch(system_, folder_.File("joined.pdf") + "|" + folder_.File("docs")); }
+  int Run() {
+    return RunBatch(system_, ParseArguments({folder_.File("joined.pdf") + "|" + folder_.File("docs")}));
+  }
   std::string Setting(const std::string& name) { return SettingsStore(system_).ReadSetting(name); }
   void Store(const std::string& name, const std::string& text) {
     ASSERT_EQ(SettingsStore(system_).WriteSetting(name, text), 0);
@@ -57,7 +59,7 @@ TEST_F(BatchRun, SignalThatCameBeforeTheStartStopsItBeforeAnythingIsWritten) {
 }
 
 TEST_F(BatchRun, FolderThatCannotBeEnteredIsAMessage) {
-  EXPECT_EQ(RunBatch(system_, "out.pdf|no such\nfolder"), kNoOutput);
+  EXPECT_EQ(RunBatch(system_, ParseArguments({"out.pdf|no such\nfolder"})), kNoOutput);
   EXPECT_EQ(system_.Written,
             "folioweld: the folder \"no such folder\" cannot be entered\n"
             "[Folioweld-ProcessCommandLine]=>  because of No such file or directory\n");
@@ -66,7 +68,7 @@ TEST_F(BatchRun, FolderThatCannotBeEnteredIsAMessage) {
 TEST_F(BatchRun, RelativeOutputWithoutACurrentFolderIsAMessage) {
   folder_.Write("docs/a", SimpleDocument(1));
   system_.Decide = FaultingSystem::Failing("GetCurrentDirectory", ENOENT);
-  EXPECT_EQ(RunBatch(system_, "out.pdf|" + folder_.File("docs")), kNoOutput);
+  EXPECT_EQ(RunBatch(system_, ParseArguments({"out.pdf|" + folder_.File("docs")})), kNoOutput);
   EXPECT_EQ(system_.Written,
             "folioweld: the folder in which the program was started cannot be had\n"
             "[Folioweld-ProcessCommandLine]=>  because of No such file or directory\n");

@@ -50,7 +50,7 @@ TEST_F(OddlyNamed, OutputsAreWritten) {
   folder_.MakeFolder("out");
   setup_.Folder = folder_.File("out");
   for (const std::string& name : OddNames()) {
-    ExpectRun({name, "../docs"}, 0, "");
+    ExpectRun({"--", name, "../docs"}, 0, "");
     EXPECT_EQ(Pages(folder_.File("out/" + name)), 1) << name;
   }
   std::size_t count = 0;
@@ -85,8 +85,10 @@ TEST_F(OddlyNamed, FolderWithBlanksAtItsEndsIsNotTheTrimmedOne) {
   folder_.Write("x/a", testing::SimpleDocument(1));
   ExpectRun({"out.pdf", " x "}, 0, "");
   EXPECT_EQ(Pages(folder_.File("out.pdf")), 2);
-  ExpectRun({"out.pdf", "  x"}, 0, "");
+  ExpectRun({"out.pdf|  x"}, 0, "");
   EXPECT_EQ(Pages(folder_.File("out.pdf")), 1);
+  ExpectRun({"out.pdf", "  x"}, 1,
+            "folioweld: the source \"  x\" cannot be joined: No such file or directory\n");
 }
 
 TEST_F(OddlyNamed, RefusedDocumentIsNamedOnOneLine) {

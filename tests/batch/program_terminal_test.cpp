@@ -91,11 +91,11 @@ class OnTerminal : public testing::ProgramFixture {
     setup_.Arguments = {"out.pdf", "docs"};
   }
 
-  /// Every picture that the program drew: what the screen showed after each set of three rows.
+  /// Every picture that the program drew: what the screen showed after each set of four rows.
   static std::vector<std::vector<std::string>> Pictures(const std::string& bytes) {
     std::vector<std::vector<std::string>> pictures;
-    for (std::size_t end = bytes.find("\x1b[3A"); end != std::string::npos;
-         end = bytes.find("\x1b[3A", end + 1)) {
+    for (std::size_t end = bytes.find("\x1b[4A"); end != std::string::npos;
+         end = bytes.find("\x1b[4A", end + 1)) {
       Screen screen(100);
       screen.Feed(bytes.substr(0, end));
       pictures.push_back(screen.Rows());
@@ -109,19 +109,20 @@ class OnTerminal : public testing::ProgramFixture {
   }
 };
 
-TEST_F(OnTerminal, ThreeLinesAreShownLiveAndRewrittenInPlace) {
+TEST_F(OnTerminal, HeadlineAndThreeLinesAreShownLiveAndRewrittenInPlace) {
   AddLongMerge();
   ChildProgram program(setup_);
   EXPECT_TRUE(WaitUntil([&] {
     const auto pictures = Pictures(program.Errors());
     return pictures.size() > 5 && std::any_of(pictures.begin(), pictures.end(), [&](const auto& rows) {
-             return rows.size() == 3 && rows[0].rfind("Parsing file #1: /", 0) == 0 &&
-                    rows[1].rfind("Parsing file #2: /", 0) == 0 && rows[2].rfind("Pass #", 0) == 0;
+             return rows.size() == 4 && rows[0].rfind("Merge ", 0) == 0 &&
+                    rows[1].rfind("Parsing file #1: ", 0) == 0 &&
+                    rows[2].rfind("Parsing file #2: ", 0) == 0 && rows[3].rfind("Pass #1 ", 0) == 0;
            });
   }));
   Screen screen(100);
   screen.Feed(program.Errors());
-  EXPECT_LE(screen.Highest, 3U);
+  EXPECT_LE(screen.Highest, 4U);
   EXPECT_FALSE(screen.Unknown);
   EXPECT_FALSE(screen.Overflowed);
   program.Signal(SIGTERM);
@@ -137,7 +138,7 @@ TEST_F(OnTerminal, NothingIsLeftOnTheScreenAfterASuccess) {
   Screen screen(100);
   screen.Feed(program.Errors());
   EXPECT_EQ(screen.Rows(), std::vector<std::string>());
-  EXPECT_EQ(screen.Highest, 3U);
+  EXPECT_EQ(screen.Highest, 4U);
   EXPECT_FALSE(screen.Unknown);
 }
 
@@ -151,8 +152,9 @@ TEST_F(OnTerminal, ControlCCancels) {
   EXPECT_FALSE(Exists(folder_.File("out.pdf")));
   Screen screen(100);
   screen.Feed(program.Errors());
+  // What the terminal showed of the key stays where it stands, below the rows that were taken away.
   ASSERT_FALSE(screen.Rows().empty());
-  EXPECT_EQ(screen.Rows().back(), "folioweld: ended by SIGINT; no output was written");
+  EXPECT_EQ(screen.Row(0), "folioweld: ended by SIGINT; no output was written");
 }
 
 TEST_F(OnTerminal, MessageStandsWhereTheLinesWere) {

@@ -12,6 +12,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
+const std::string kHelp =
+    " (it is in the package folioweld-window); to join without it: folioweld [OPTION]... [--] OUTPUT "
+    "SOURCE...\n";
+
 class WindowProgram : public testing::ProgramFixture {
  protected:
   WindowProgram() {
@@ -32,9 +36,9 @@ class WindowProgram : public testing::ProgramFixture {
 
 TEST_F(WindowProgram, BesideTheProgramGetsTheArgumentsAndGivesTheStatus) {
   AddWindowProgram("bin", "beside");
-  const Outcome outcome = Run({"|docs", "-x y"});
+  const Outcome outcome = Run({"", "|docs", "-x y"});
   EXPECT_EQ(outcome.Status, 17);
-  EXPECT_EQ(outcome.Output, "beside\n|docs\n-x y\n");
+  EXPECT_EQ(outcome.Output, "beside\n\n|docs\n-x y\n");
 }
 
 TEST_F(WindowProgram, OpensOnEitherKindOfScreen) {
@@ -58,14 +62,15 @@ TEST_F(WindowProgram, IsFoundWhenTheProgramIsReachedThroughALink) {
 }
 
 TEST_F(WindowProgram, ThatIsMissingIsToldWithStatusTwo) {
-  ExpectRun({}, 2,
-            "folioweld: the window program folioweld-window cannot be started: No such file or directory\n");
+  ExpectRun(
+      {}, 2,
+      "folioweld: the window program folioweld-window cannot be started: No such file or directory" + kHelp);
 }
 
 TEST_F(WindowProgram, ThatMayNotBeStartedIsToldWithItsReason) {
   folder_.Write("bin/folioweld-window", "no program");
   ExpectRun({"a.pdf"}, 2,
-            "folioweld: the window program folioweld-window cannot be started: Permission denied\n");
+            "folioweld: the window program folioweld-window cannot be started: Permission denied" + kHelp);
 }
 
 TEST_F(WindowProgram, IsNotAskedForABatchCommandLine) {

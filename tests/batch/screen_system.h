@@ -13,6 +13,7 @@ namespace folioweld::testing {
 class ScreenSystem : public FaultingSystem {
  public:
   bool ErrorOutputIsTerminal() override { return IsTerminal; }
+  bool ErrorOutputIsInForeground() override { return IsInForeground; }
   int TerminalColumns() override { return Columns; }
   SystemResult<std::size_t> WriteErrorOutput(const char* bytes, std::size_t count) override {
     ++Writes;
@@ -45,7 +46,10 @@ class ScreenSystem : public FaultingSystem {
     return written;
   }
 
+  ScreenSystem() { Environment = {{"TERM", "xterm"}}; }
+
   bool IsTerminal = false;
+  bool IsInForeground = true;
   int Columns = 80;
   std::string Written;
   int Writes = 0;

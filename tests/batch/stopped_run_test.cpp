@@ -68,7 +68,8 @@ class StoppedRunDeathTest : public ::testing::Test {
 
   /// What the program does with its command line.
   void Run(DeletingSystem& system) const {
-    const ExitStatus status = RunBatch(system, folder_.File("joined.pdf") + "|" + folder_.File("docs"));
+    const ExitStatus status =
+        RunBatch(system, ParseArguments({folder_.File("joined.pdf") + "|" + folder_.File("docs")}));
     EndIfStopped(system, status);
     ::_exit(status);
   }

@@ -16,36 +16,6 @@ using testing::FaultingSystem;
 using testing::Names;
 using testing::PageTexts;
 
-TEST(CommandLineText, OfOneArgumentIsThatArgument) {
-  EXPECT_EQ(CommandLineText({"out.pdf|docs"}), "out.pdf|docs");
-}
-
-TEST(CommandLineText, OfTwoArgumentsWithoutABarGetsOne) {
-  EXPECT_EQ(CommandLineText({"out.pdf", "docs"}), "out.pdf|docs");
-  EXPECT_EQ(CommandLineText({"", "docs"}), "|docs");
-  EXPECT_EQ(CommandLineText({"-o", "--help"}), "-o|--help");
-}
-
-TEST(CommandLineText, OfTwoArgumentsWithABarIsJoinedByABlank) {
-  EXPECT_EQ(CommandLineText({"out.pdf|my", "docs"}), "out.pdf|my docs");
-  EXPECT_EQ(CommandLineText({"my", "out.pdf|docs"}), "my out.pdf|docs");
-}
-
-TEST(CommandLineText, OfMoreArgumentsIsJoinedByBlanks) {
-  EXPECT_EQ(CommandLineText({"a", "b", "c"}), "a b c");
-  EXPECT_EQ(CommandLineText({}), "");
-}
-
-TEST(IsBatchCommandLine, NeedsAnOutputBeforeTheFirstBar) {
-  EXPECT_TRUE(IsBatchCommandLine("a|b"));
-  EXPECT_TRUE(IsBatchCommandLine("a|"));
-  EXPECT_TRUE(IsBatchCommandLine("a|b|c"));
-  EXPECT_FALSE(IsBatchCommandLine("|b"));
-  EXPECT_FALSE(IsBatchCommandLine("|"));
-  EXPECT_FALSE(IsBatchCommandLine("a.pdf"));
-  EXPECT_FALSE(IsBatchCommandLine(""));
-}
-
 class CommandLineRun : public testing::DirectoryMergeFixture {
  protected:
   CommandLineRun() {
@@ -55,8 +25,7 @@ class CommandLineRun : public testing::DirectoryMergeFixture {
   }
 
   CommandLineOutcome Process(const std::string& commandLine) {
-    program_.CommandLine = commandLine;
-    return ProcessCommandLine(program_, files_, settings_, merge_);
+    return ProcessCommandLine(ParseArguments({commandLine}), program_, files_, settings_, merge_);
   }
 
   void ExpectJoined(const std::string& output) const {

@@ -30,8 +30,11 @@ class DocumentListTest : public testing::DirectoryMergeFixture {
     logged_.clear();
     noticed_.clear();
     const ListOutcome outcome =
-        ListDocuments(Docs(), files_, shell_, program_.Merge, logging_, output_, list_);
+        ListDocuments({"", Docs(), true}, files_, shell_, program_.Merge, logging_, output_, list_);
     std::sort(list_.Names.begin(), list_.Names.end());
+    refused_.clear();
+    for (const ListedDocument& document : list_.RefusedDocuments) refused_.push_back(document.Name);
+    std::sort(refused_.begin(), refused_.end());
     return outcome;
   }
 
@@ -42,6 +45,7 @@ class DocumentListTest : public testing::DirectoryMergeFixture {
   }
 
   DocumentList list_;
+  Names refused_;
   Names logged_;
   Names noticed_;
   std::optional<FileIdentity> output_;
@@ -104,7 +108,7 @@ TEST_F(DocumentListTest, ADocumentThatCannotBeLookedAtIsToldAndCounted) {
   EXPECT_EQ(List(), ListOutcome::Complete);
   EXPECT_EQ(list_.Names, Names{"b.pdf"});
   EXPECT_EQ(noticed_, Names{"File: \"a.pdf\"  cannot be looked at: Input/output error"});
-  EXPECT_EQ(list_.RefusedDocuments, Names{"a.pdf"});
+  EXPECT_EQ(refused_, Names{"a.pdf"});
 }
 
 TEST_F(DocumentListTest, AnotherFileThatCannotBeLookedAtIsPassedOver) {
@@ -112,7 +116,7 @@ TEST_F(DocumentListTest, AnotherFileThatCannotBeLookedAtIsPassedOver) {
   Fail("GetFileAttributes", Doc("notes"), EIO);
   EXPECT_EQ(List(), ListOutcome::Complete);
   EXPECT_TRUE(noticed_.empty());
-  EXPECT_TRUE(list_.RefusedDocuments.empty());
+  EXPECT_TRUE(refused_.empty());
 }
 
 TEST_F(DocumentListTest, NeitherBlocksAtNorReadsPipesAndSockets) {
@@ -152,7 +156,7 @@ TEST_F(DocumentListTest, LogsARefusedFileThatIsNoDocumentInOneLineAndTellsNobody
   EXPECT_EQ(logged_, (Names{"File: \"empty\"  is not acceptable for merging",
                             "File: \"notes.txt\"  is not acceptable for merging"}));
   EXPECT_TRUE(noticed_.empty());
-  EXPECT_TRUE(list_.RefusedDocuments.empty());
+  EXPECT_TRUE(refused_.empty());
 }
 
 TEST_F(DocumentListTest, TellsTheReasonOfARefusedFileThatBeginsAsADocument) {
@@ -163,7 +167,7 @@ TEST_F(DocumentListTest, TellsTheReasonOfARefusedFileThatBeginsAsADocument) {
       "  because of file offset 8: the second line is no comment of at least 5 characters (\"half\")"};
   EXPECT_EQ(logged_, lines);
   EXPECT_EQ(noticed_, lines);
-  EXPECT_EQ(list_.RefusedDocuments, Names{"half"});
+  EXPECT_EQ(refused_, Names{"half"});
 }
 
 TEST_F(DocumentListTest, FiveBytesAmongTheFirst1024MakeARefusedFileADocument) {
@@ -174,8 +178,7 @@ TEST_F(DocumentListTest, FiveBytesAmongTheFirst1024MakeARefusedFileADocument) {
   folder_.Write("docs/just", std::string(1019, ' ') + "%PDF-1.4");
   folder_.Write("docs/too late", std::string(1020, ' ') + "%PDF-1.4");
   EXPECT_EQ(List(), ListOutcome::Complete);
-  std::sort(list_.RefusedDocuments.begin(), list_.RefusedDocuments.end());
-  EXPECT_EQ(list_.RefusedDocuments, (Names{"five", "just", "line end", "mark"}));
+  EXPECT_EQ(refused_, (Names{"five", "just", "line end", "mark"}));
 }
 
 TEST_F(DocumentListTest, ItsNameMakesARefusedFileADocument) {
@@ -183,8 +186,7 @@ TEST_F(DocumentListTest, ItsNameMakesARefusedFileADocument) {
     folder_.Write(std::string("docs/") + name, name[0] == 'e' ? "" : "<!DOCTYPE html>");
   }
   EXPECT_EQ(List(), ListOutcome::Complete);
-  std::sort(list_.RefusedDocuments.begin(), list_.RefusedDocuments.end());
-  EXPECT_EQ(list_.RefusedDocuments, (Names{"empty.pdf", "page.PDF"}));
+  EXPECT_EQ(refused_, (Names{"empty.pdf", "page.PDF"}));
 }
 
 TEST_F(DocumentListTest, AnOutputThatIsNoDocumentIsNeitherToldNorCounted) {
@@ -193,7 +195,7 @@ TEST_F(DocumentListTest, AnOutputThatIsNoDocumentIsNeitherToldNorCounted) {
   EXPECT_EQ(List(), ListOutcome::Complete);
   EXPECT_EQ(logged_, Names{"File: \"joined.pdf\"  is not acceptable for merging"});
   EXPECT_TRUE(noticed_.empty());
-  EXPECT_TRUE(list_.RefusedDocuments.empty());
+  EXPECT_TRUE(refused_.empty());
 }
 
 TEST_F(DocumentListTest, UnreadableFileCountsAsADocumentWhenItIsNamedLikeOne) {
@@ -202,7 +204,7 @@ TEST_F(DocumentListTest, UnreadableFileCountsAsADocumentWhenItIsNamedLikeOne) {
   EXPECT_EQ(List(), ListOutcome::Complete);
   EXPECT_EQ(noticed_, (Names{"File: \"a.PdF\"  is not acceptable for merging",
                              "  because of the file cannot be opened: Permission denied (\"a.PdF\")"}));
-  EXPECT_EQ(list_.RefusedDocuments, Names{"a.PdF"});
+  EXPECT_EQ(refused_, Names{"a.PdF"});
 }
 
 TEST_F(DocumentListTest, UnreadableFileOfAnotherNameIsLoggedOnly) {
@@ -210,14 +212,14 @@ TEST_F(DocumentListTest, UnreadableFileOfAnotherNameIsLoggedOnly) {
   Fail("CreateFile", Doc("a.txt"), EACCES);
   EXPECT_EQ(List(), ListOutcome::Complete);
   EXPECT_EQ(logged_, Names{"File: \"a.txt\"  is not acceptable for merging"});
-  EXPECT_TRUE(list_.RefusedDocuments.empty());
+  EXPECT_TRUE(refused_.empty());
 }
 
 TEST_F(DocumentListTest, FileThatCannotBeReadCountsAsADocumentWhenItIsNamedLikeOne) {
   AddDocument("a.pdf");
   system_.Decide = FaultingSystem::Failing("ReadFile", EIO);
   EXPECT_EQ(List(), ListOutcome::Complete);
-  EXPECT_EQ(list_.RefusedDocuments, Names{"a.pdf"});
+  EXPECT_EQ(refused_, Names{"a.pdf"});
 }
 
 TEST_F(DocumentListTest, GivesTheIdentityOfEveryAcceptedFile) {
@@ -225,7 +227,8 @@ TEST_F(DocumentListTest, GivesTheIdentityOfEveryAcceptedFile) {
   ASSERT_EQ(List(), ListOutcome::Complete);
   struct stat status {};
   ASSERT_EQ(::stat(Doc("a.pdf").c_str(), &status), 0);
-  EXPECT_EQ(list_.Identities, (std::vector<FileIdentity>{{status.st_dev, status.st_ino}}));
+  ASSERT_EQ(list_.Inputs.size(), 1U);
+  EXPECT_EQ(list_.Inputs[0].Identity, (FileIdentity{status.st_dev, status.st_ino}));
 }
 
 TEST_F(DocumentListTest, LeavesNoFileOpen) {
@@ -290,7 +293,7 @@ class CrowdedListing : public DocumentListTest {
     testing::CrowdedSystem crowd(folder_.Write("one", SimpleDocument(1)), count);
     FileModule files(crowd);
     const ListOutcome outcome =
-        ListDocuments("/anywhere/", files, shell_, program_.Merge, logging_, output_, list_);
+        ListDocuments({"", "/anywhere/", true}, files, shell_, program_.Merge, logging_, output_, list_);
     EXPECT_TRUE(crowd.Closed);
     return outcome;
   }

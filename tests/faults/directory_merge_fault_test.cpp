@@ -43,7 +43,7 @@ class DirectoryMergeFault : public ::testing::Test {
     system.Environment = {{"XDG_CONFIG_HOME", folder.File("config")},
                           {"HOME", folder.File("home")},
                           {"TMPDIR", folder.File("tmp")}};
-    const ExitStatus status = RunBatch(system, outputPath + "|" + folder.File("docs"));
+    const ExitStatus status = RunBatch(system, ParseArguments({outputPath + "|" + folder.File("docs")}));
     fs::current_path(startFolder);
     return status;
   }

@@ -98,7 +98,8 @@ TEST_F(FullDisk, ForTemporariesFailsTheDirectoryMergeAndLeavesNothing) {
   OnSmallDisk("size=256k", [this] {
     testing::QuietSystem system;
     system.Environment = {{"XDG_CONFIG_HOME", folder_.MakeFolder("config")}, {"TMPDIR", disk_}};
-    EXPECT_NE(RunBatch(system, folder_.File("out.pdf") + "|" + folder_.File("docs")), kEverythingJoined);
+    EXPECT_NE(RunBatch(system, ParseArguments({folder_.File("out.pdf") + "|" + folder_.File("docs")})),
+              kEverythingJoined);
     EXPECT_NE(system.Said.find(SystemError{ENOSPC}.Words()), std::string::npos) << system.Said;
     EXPECT_TRUE(fs::is_empty(disk_));
   });

@@ -52,7 +52,7 @@ class LostFolders : public ::testing::Test {
 
   ExitStatus Run(testing::QuietSystem& system) const {
     system.Environment = {{"XDG_CONFIG_HOME", folder_.File("config")}, {"TMPDIR", folder_.File("tmp")}};
-    const ExitStatus status = RunBatch(system, CommandLineText({Output(), folder_.File("docs")}));
+    const ExitStatus status = RunBatch(system, ParseArguments({Output(), folder_.File("docs")}));
     fs::current_path(startFolder_);
     return status;
   }

@@ -52,7 +52,7 @@ class Safety : public ::testing::Test {
 
   ExitStatus Run(testing::QuietSystem& system, const std::string& output, const std::string& docs) const {
     Prepare(system);
-    const ExitStatus status = RunBatch(system, CommandLineText({output, docs}));
+    const ExitStatus status = RunBatch(system, ParseArguments({output, docs}));
     fs::current_path(startFolder_);
     return status;
   }
@@ -163,7 +163,8 @@ TEST_F(Safety, NamesOfAnyBytesGoThroughUnharmed) {
   const std::string output = folder_.File("-o \"$(x)\"\n\xFE.pdf");
   testing::QuietSystem system;
   Prepare(system);
-  EXPECT_EQ(RunBatch(system, output + "|" + folder_.File(odd)), kEverythingJoined) << system.Said;
+  EXPECT_EQ(RunBatch(system, ParseArguments({output + "|" + folder_.File(odd)})), kEverythingJoined)
+      << system.Said;
   fs::current_path(startFolder_);
   EXPECT_NE(ReadFile(output).find("text of c"), std::string::npos);
   EXPECT_EQ(FindSetting(ReadFile(folder_.File("config/folioweld/settings.ini")), "MergeCurDir"),

@@ -132,7 +132,7 @@ TEST_F(SuddenDeath, OfADirectoryMergeLeavesTheDocumentsAsTheyWere) {
                           {"HOME", folder_.File("home")},
                           {"TMPDIR", folder_.File("tmp")}};
     system.Decide = decide;
-    return static_cast<int>(RunBatch(system, outputPath + "|" + folder_.File("docs")));
+    return static_cast<int>(RunBatch(system, ParseArguments({outputPath + "|" + folder_.File("docs")})));
   };
   ASSERT_EQ(testing::InChild([&] { return run(testing::QuietSystem().Decide); }).Status, 0);
   const std::string whole = ReadFile(outputPath);

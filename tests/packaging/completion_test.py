@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The Tab key in a real bash: a PDF file or a folder first, then a folder, then nothing."""
+"""The Tab key in a real bash: options first, then PDF files and folders."""
 
 import os
 import pty
@@ -89,17 +89,21 @@ class Completion(FolderTest):
     def test_the_output_may_lie_in_a_folder_and_is_no_other_file(self):
         self.assertEqual(self.shell.complete("folioweld not"), ["notes.d/"])
 
-    def test_the_second_word_is_a_folder(self):
-        self.assertEqual(self.shell.complete("folioweld joined.pdf let"), ["joined.pdf", "letters/"])
+    def test_a_source_is_a_folder_or_a_pdf_file(self):
+        self.assertEqual(self.shell.complete("folioweld joined.pdf lette"), ["joined.pdf", "letter"])
+        self.assertEqual(self.shell.complete("folioweld joined.pdf letters"), ["joined.pdf", "letters/"])
+        self.assertEqual(self.shell.complete("folioweld joined.pdf letters letter.P"),
+                         ["joined.pdf", "letters", "letter.PDF"])
 
     def test_a_folder_with_a_blank_stays_one_word(self):
         self.assertEqual(self.shell.complete("folioweld joined.pdf ol"), ["joined.pdf", "old letters/"])
 
-    def test_all_folders_are_offered(self):
-        self.assertEqual(self.shell.offered("folioweld joined.pdf "), ["letters/", "letters/", "notes.d/", "old"])
-
-    def test_there_is_no_third_word(self):
-        self.assertEqual(self.shell.complete("folioweld joined.pdf letters jo"), ["joined.pdf", "letters", "jo"])
+    def test_options_stand_before_the_output_and_not_after_it(self):
+        self.assertEqual(self.shell.complete("folioweld --verb"), ["--verbose"])
+        self.assertEqual(self.shell.complete("folioweld --order=date-r"), ["--order=date-reversed"])
+        self.assertEqual(self.shell.complete("folioweld --progress=n"), ["--progress=never"])
+        self.assertEqual(self.shell.complete("folioweld joined.pdf --verb"), ["joined.pdf", "--verb"])
+        self.assertEqual(self.shell.complete("folioweld -- --verb"), ["--", "--verb"])
 
     def test_nothing_is_added_to_the_form_with_a_bar(self):
         self.assertEqual(self.shell.complete("folioweld 'joined.pdf|letters' let"), ["joined.pdf|letters", "let"])

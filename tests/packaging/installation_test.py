@@ -9,7 +9,8 @@ from pathlib import Path
 
 from project import ID, ROOT, FolderTest, InstallationTest, files, install, main, run, tree, uninstall
 
-COMMAND = {"bin/folioweld", "share/man/man1/folioweld.1.gz", "share/bash-completion/completions/folioweld"}
+COMMAND = {"bin/folioweld", "share/man/man1/folioweld.1.gz", "share/bash-completion/completions/folioweld",
+           "share/zsh/site-functions/_folioweld", "share/fish/vendor_completions.d/folioweld.fish"}
 WINDOW = {"libexec/folioweld/folioweld-window", f"share/applications/{ID}.desktop",
           f"share/metainfo/{ID}.metainfo.xml", f"share/icons/hicolor/scalable/apps/{ID}.svg",
           f"share/icons/hicolor/symbolic/apps/{ID}-symbolic.svg"}

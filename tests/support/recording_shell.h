@@ -41,6 +41,10 @@ class RecordingShell : public MergeShell {
     ShownOutputs.push_back(path);
     Events.emplace_back("ShowOutput");
   }
+  void MergeStarts(const MergeNumber& number, const std::string& document) override {
+    Merges.push_back(std::to_string(number.Merge) + "/" + std::to_string(number.Merges) + " round " +
+                     std::to_string(number.Round) + "/" + std::to_string(number.Rounds) + ": " + document);
+  }
   void Notice(const std::string& line) override {
     Notices.push_back(line);
     Events.emplace_back("Notice");
@@ -59,6 +63,7 @@ class RecordingShell : public MergeShell {
   std::vector<std::pair<std::string, std::string>> FolderQuestions;
   std::vector<std::string> ShownOutputs;
   std::vector<std::string> Notices;
+  std::vector<std::string> Merges;  ///< "3/4 round 2/3: name"
   std::string OutputAnswer;
   std::string FolderAnswer;
 

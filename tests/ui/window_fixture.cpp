@@ -86,7 +86,9 @@ WindowFixture::~WindowFixture() {
 }
 
 void WindowFixture::Open(const std::string& commandLine) {
-  window_ = std::make_unique<Folioweld>(system_, dialogs_, desktop_, commandLine);
+  window_ = std::make_unique<Folioweld>(
+      system_, dialogs_, desktop_,
+      ParseArguments(commandLine.empty() ? std::vector<std::string>() : std::vector{commandLine}));
   window_->EndProgram = [this](int status) { ended_ = status; };
   window_->Start();
   ASSERT_TRUE(WaitFor([this] { return window_->WasActivated(); }));

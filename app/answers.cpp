@@ -1,0 +1,37 @@
+#include "app/answers.h"
+
+#include <string>
+
+#include "batch/error_output.h"
+#include "platform/retry.h"
+
+namespace folioweld {
+
+namespace {
+
+ExitStatus Print(WindowsAPI& system, const std::string& text) {
+  const SystemError error = TransferAll(text.size(), [&](std::size_t done) {
+    return system.WriteStandardOutput(text.data() + done, text.size() - done);
+  });
+  if (!error) return kEverythingJoined;
+  WriteError(system, "folioweld: standard output cannot be written: " + error.Words() + "\n");
+  return kNoOutput;
+}
+
+}  // namespace
+
+std::optional<ExitStatus> Answer(WindowsAPI& system, const Arguments& arguments) {
+  switch (arguments.Asked) {
+    case Arguments::Wish::ShowHelp:
+      return Print(system, HelpText());
+    case Arguments::Wish::ShowVersion:
+      return Print(system, VersionText());
+    case Arguments::Wish::Refuse:
+      WriteError(system, "folioweld: " + ShownOnTerminal(arguments.Problem) + " (see folioweld --help)\n");
+      return kNotServed;
+    default:
+      return std::nullopt;
+  }
+}
+
+}  // namespace folioweld

@@ -1,0 +1,13 @@
+#compdef folioweld
+# Completion of folioweld [OPTION]... OUTPUT SOURCE... for zsh: options first, then PDF files and folders.
+
+_arguments -S -A '-*' \
+  '--order=[order of the documents of a folder]:order:(name name-reversed date date-reversed)' \
+  '--files0-from=[more sources, each ended by a NUL]:file:_files' \
+  '(-v --verbose -q --quiet)'{-v,--verbose}'[print the log]' \
+  '(-v --verbose -q --quiet)'{-q,--quiet}'[no progress, and no word where everything is joined]' \
+  '--progress=[when progress is drawn]:when:(auto never always)' \
+  '(- *)'{-h,--help}'[print the help]' \
+  '(- *)'{-V,--version}'[print the version]' \
+  '1:output:_files -g "*.pdf(-.)"' \
+  '*:source:_files -g "*.pdf(-.) *(-/)"'
