@@ -24,12 +24,12 @@ std::string TmpDirectory::GetTmpDirectory() {
   std::string folder;
   settings_.ReadSettingOrDefault(kSetting, folder, "");
   folder = Trimmed(folder);
-  folder = folder.empty() ? SystemFolder() : WithSeparator(folder);
-  return Store(!folder.empty() && CanEnter(folder) ? folder : std::string());
+  return Store(folder.empty() ? SystemFolder() : Enterable(WithSeparator(folder)));
 }
 
 std::string TmpDirectory::ResetTmpDirectory() {
-  return Store(SystemFolder());
+  const std::string folder = SystemFolder();
+  return folder.empty() ? folder : Store(folder);
 }
 
 std::string TmpDirectory::ChooseTmpDirectory() {
@@ -38,7 +38,7 @@ std::string TmpDirectory::ChooseTmpDirectory() {
   std::string folder = Trimmed(shell_.BrowseForFolder(kPickerTitle, start));
   if (folder.empty()) folder = GetTmpDirectory();
   if (folder.empty()) folder = SystemFolder();
-  return Store(folder.empty() ? folder : WithSeparator(folder));
+  return folder.empty() ? folder : Store(WithSeparator(folder));
 }
 
 std::string TmpDirectory::RequireTmpDirectory() {
@@ -50,7 +50,7 @@ std::string TmpDirectory::SafeTmpDirectory(const std::function<void(const std::s
                                            std::string& why) {
   std::string folder = RequireTmpDirectory();
   if (folder.empty()) {
-    why = "the system names no folder for temporary files";
+    why = notEntered_.empty() ? "the system names no folder for temporary files" : notEntered_;
     return {};
   }
   why = WhyFolderIsUnsafe(system_, folder);
@@ -69,12 +69,14 @@ std::string TmpDirectory::SafeTmpDirectory(const std::function<void(const std::s
 
 std::string TmpDirectory::SystemFolder() {
   const std::string folder = Trimmed(GetSystemTempFolder(system_));
-  return folder.empty() ? folder : WithSeparator(folder);
+  return folder.empty() ? folder : Enterable(WithSeparator(folder));
 }
 
-bool TmpDirectory::CanEnter(const std::string& folder) {
+std::string TmpDirectory::Enterable(const std::string& folder) {
   const CurrentDirectoryKeeper keeper(system_);
-  return !system_.SetCurrentDirectory(folder);
+  const SystemError error = system_.SetCurrentDirectory(folder);
+  if (error) notEntered_ = error.Words() + " (\"" + folder + "\")";
+  return error ? std::string() : folder;
 }
 
 std::string TmpDirectory::Store(const std::string& folder) {

@@ -18,10 +18,11 @@ class TmpDirectory {
   /// cannot be entered.
   [[nodiscard]] std::string GetTmpDirectory();
 
-  /// Stores and returns the system's folder.
+  /// Stores and returns the system's folder; empty, and nothing stored, when it cannot be entered.
   std::string ResetTmpDirectory();
 
   /// Lets the user pick the folder and stores it; without an answer the stored or the system's one stays.
+  /// Empty, and nothing stored, when that cannot be entered.
   std::string ChooseTmpDirectory();
 
   /// The stored folder, or the user's pick when it cannot be entered.
@@ -35,12 +36,14 @@ class TmpDirectory {
 
  private:
   [[nodiscard]] std::string SystemFolder();
-  [[nodiscard]] bool CanEnter(const std::string& folder);
+  /// The folder, or nothing when it cannot be entered.
+  [[nodiscard]] std::string Enterable(const std::string& folder);
   std::string Store(const std::string& folder);
 
   WindowsAPI& system_;
   SettingsStore& settings_;
   MergeShell& shell_;
+  std::string notEntered_;  ///< why the folder that was tried last could not be entered, and which it is
 };
 
 }  // namespace folioweld

@@ -284,6 +284,17 @@ TEST_F(DirectoryMergeTest, StopsWithoutAFolderForTemporaryFiles) {
   ExpectIdle();
 }
 
+TEST_F(DirectoryMergeTest, StopsWhereTheSystemsFolderForTemporaryFilesCannotBeEntered) {
+  for (const char* name : {"a", "b", "c"}) AddDocument(name);
+  system_.Environment[1].second = folder_.Write("file", "");
+  EXPECT_FALSE(Merge().OutputWritten);
+  EXPECT_EQ(shell_.Notices, (Names{"[Folioweld-MergeDirectory]=>Unable to get a temporary directory",
+                                   "[Folioweld-MergeDirectory]=>  because of Not a directory (\"" +
+                                       folder_.File("file/") + "\")"}));
+  EXPECT_FALSE(Exists(Output()));
+  ExpectIdle();
+}
+
 TEST_F(DirectoryMergeTest, ReplacesAnExistingOutput) {
   AddDocument("a");
   folder_.Write("joined.pdf", std::string(100000, 'x'));

@@ -38,9 +38,12 @@ TEST_F(TmpDirectoryTest, ResetTrimsTheSystemsFolder) {
   EXPECT_EQ(tmp_.ResetTmpDirectory(), Tmp());
 }
 
-TEST_F(TmpDirectoryTest, ResetDoesNotAskWhetherTheFolderExists) {
+TEST_F(TmpDirectoryTest, ResetNeitherStoresNorReturnsASystemsFolderThatCannotBeEntered) {
+  const std::string mine = Made("mine");
+  Store(mine);
   system_.Environment[1].second = "/no/such/folder";
-  EXPECT_EQ(tmp_.ResetTmpDirectory(), "/no/such/folder/");
+  EXPECT_EQ(tmp_.ResetTmpDirectory(), "");
+  EXPECT_EQ(Stored(), mine);
 }
 
 TEST_F(TmpDirectoryTest, GetGivesAndStoresTheSystemsFolderWhenNoneIsStored) {
@@ -130,10 +133,11 @@ TEST_F(TmpDirectoryTest, CancellingThePickerWithoutAValidFolderGivesTheSystemsOn
   EXPECT_EQ(Stored(), Tmp());
 }
 
-TEST_F(TmpDirectoryTest, CancellingThePickerGivesTheSystemsFolderEvenWhenItCannotBeEntered) {
+TEST_F(TmpDirectoryTest, CancellingThePickerGivesNoSystemsFolderThatCannotBeEntered) {
   system_.Environment[1].second = folder_.File("gone");
-  EXPECT_EQ(tmp_.ChooseTmpDirectory(), folder_.File("gone/"));
-  EXPECT_EQ(Stored(), folder_.File("gone/"));
+  EXPECT_EQ(tmp_.ChooseTmpDirectory(), "");
+  EXPECT_EQ(tmp_.RequireTmpDirectory(), "");
+  EXPECT_EQ(Stored(), "");
 }
 
 TEST_F(TmpDirectoryTest, RequireGivesTheStoredFolderWithoutAsking) {

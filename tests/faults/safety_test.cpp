@@ -141,7 +141,7 @@ TEST_F(Safety, NothingInAFolderBlocksTheMerge) {
   fs::create_symlink(docs + "loop.pdf", docs + "loop.pdf");
   fs::create_symlink(folder_.Path(), docs + "folder.pdf");
   fs::create_directory(docs + "real folder.pdf");
-  folder_.Write("docs/empty.pdf", "");
+  folder_.Write("docs/empty", "");
   for (int i = 0; i < 10000; ++i) folder_.Write("docs/" + std::to_string(i), i % 2 == 0 ? "" : "no document");
   const testing::ChildEnd end = InChild([&] {
     testing::QuietSystem system;
