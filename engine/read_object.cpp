@@ -11,7 +11,17 @@ namespace folioweld {
 namespace {
 
 /// White space to others, and part of a token here.
-constexpr CharacterSet kFurtherWhiteSpace{std::string_view("\t\f\0", 3)};
+constexpr std::string_view kFurtherWhiteSpace("\t\f\0", 3);
+
+bool IsFurtherWhiteSpace(char c) {
+  return kFurtherWhiteSpace.find(c) != std::string_view::npos;
+}
+
+/// Nearly no text has any, so the search for each one alone is the quicker one.
+bool HasFurtherWhiteSpace(std::string_view text) {
+  const auto has = [text](char c) { return text.find(c) != std::string_view::npos; };
+  return std::any_of(kFurtherWhiteSpace.begin(), kFurtherWhiteSpace.end(), has);
+}
 
 const ObjectEntry* FindEntry(const MergeState& state, std::int16_t slot, std::int32_t number) {
   if (number < 0 || number >= state.DocObjectCount(slot)) return nullptr;
@@ -25,7 +35,8 @@ const ObjectEntry* FindEntry(const MergeState& state, std::int16_t slot, std::in
 }  // namespace
 
 bool IsName(std::string_view written, std::string_view key) {
-  return written == key || (written.find('#') != std::string_view::npos && PlainName(written) == key);
+  if (written.size() <= key.size()) return written == key;
+  return written.find('#') != std::string_view::npos && PlainName(written) == key;
 }
 
 std::string PlainName(std::string_view written) {
@@ -40,10 +51,9 @@ std::string PlainName(std::string_view written) {
 }
 
 std::int32_t ParseAsOthersDo(const ReadInput& input, std::string_view text) {
-  if (kFurtherWhiteSpace.Find(text, 0) != text.size()) {
+  if (HasFurtherWhiteSpace(text)) {
     std::string spaced(text);
-    std::replace_if(
-        spaced.begin(), spaced.end(), [](char c) { return kFurtherWhiteSpace.Has(c); }, ' ');
+    std::replace_if(spaced.begin(), spaced.end(), IsFurtherWhiteSpace, ' ');
     text = input.State.Texts.Keep(spaced);
   }
   std::int32_t firstRow = -1;
@@ -64,8 +74,7 @@ ReadObject::ReadObject(const ReadInput& input, std::int32_t number)
   if (!Exists()) return;
   text_ = state_.ObjLines[entry_->LastLine];
   if (!IsDictionary()) return;
-  const bool asOthersDo = kFurtherWhiteSpace.Find(text_, 0) == text_.size();
-  firstRow_ = asOthersDo ? entry_->ObjAux : ParseAsOthersDo(input, TrimBlanks(text_));
+  firstRow_ = HasFurtherWhiteSpace(text_) ? ParseAsOthersDo(input, TrimBlanks(text_)) : entry_->ObjAux;
 }
 
 std::int32_t ReferencedNumber(std::string_view text) {

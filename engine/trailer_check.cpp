@@ -2,6 +2,7 @@
 
 #include <set>
 #include <string>
+#include <string_view>
 
 #include "engine/alteration.h"
 #include "engine/alteration_checks.h"
@@ -50,12 +51,13 @@ void Compare(const ReadInput& input, const XrefSectionInfo& section, std::int32_
 
 bool CheckRepeatedKeys(const ReadInput& input, MergeShell& shell, std::int32_t firstRow, std::int32_t number,
                        std::int64_t fileOffset) {
-  std::set<std::string> keys;
+  std::set<std::string_view> keys;
   bool repeated = false;
   for (std::int32_t row = firstRow; row >= 0; row = input.State.NameEntries[row].NameId) {
     if (YieldAndCheckAbort(shell, input.State)) throw RuleBroken({input.Slot, number, -1, kCancelled});
     const std::string_view written = input.State.NameEntries[row].NameText;
-    if (keys.insert(PlainName(written)).second) continue;
+    const bool isPlain = written.find('#') == std::string_view::npos;
+    if (keys.insert(isPlain ? written : input.State.Texts.Keep(PlainName(written))).second) continue;
     NoteAlteration(input.State, input.Slot, AlterationKind::KeyRepeated, number, ShownPiece(written),
                    fileOffset);
     repeated = true;

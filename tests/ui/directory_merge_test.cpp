@@ -161,6 +161,22 @@ TEST_F(DirectoryMergeWindowTest, ACommandLineWithLossesEndsWithTheirStatus) {
   EXPECT_EQ(ended_, kJoinedWithLosses);
 }
 
+TEST_F(DirectoryMergeWindowTest, ACommandLineWithAWarningEndsWithTheStatusOfLosses) {
+  WarnedDocument("documents/d.pdf");
+  Open(output_ + "|" + documents_);
+  EXPECT_EQ(ended_, kJoinedWithLosses);
+}
+
+TEST_F(DirectoryMergeWindowTest, WarningsOfAllRoundsAreCountedAtTheEnd) {
+  WarnedDocument("documents/a.pdf");
+  WarnedDocument("documents/d.pdf");
+  Open();
+  dialogs_.FolderAnswers = {documents_};
+  dialogs_.SaveAnswers = {output_};
+  Item("MenuPdfMergeDir")->trigger();
+  EXPECT_THAT(Label("txtDoing2"), ::testing::EndsWith("   -> OK\r\n2 warnings, see the log\r\n"));
+}
+
 TEST_F(DirectoryMergeWindowTest, ACommandLineWithoutAnOutputAsksForItAndEnds) {
   dialogs_.SaveAnswers = {folder_.File("asked")};
   Open("|" + documents_);

@@ -45,6 +45,23 @@ TEST_F(JobTest, JoinsTheInputsAndLeavesTheStatusLinesReadable) {
   EXPECT_TRUE(Button("cmdOK")->hasFocus());
 }
 
+TEST_F(JobTest, AWarningIsCountedAfterTheOutcomeAndTheMergeIsASuccess) {
+  WarnedDocument("second.pdf");
+  Click("cmdOK");
+  EXPECT_TRUE(Exists(folder_.File("joined.pdf")));
+  EXPECT_THAT(Label("txtDoing2"), ::testing::EndsWith("   -> OK\r\n1 warning, see the log\r\n"));
+  EXPECT_EQ(Merge().MergeStatus, 2);
+  EXPECT_TRUE(dialogs_.Boxes.empty());
+}
+
+TEST_F(JobTest, AWarningIsShownItselfWhereTheLogIsOff) {
+  WarnedDocument("second.pdf");
+  Merge().LogEnabled = false;
+  Click("cmdOK");
+  EXPECT_THAT(Label("txtDoing2"),
+              HasSubstr("   -> OK\r\n\"" + folder_.File("second.pdf") + "\", object 3, "));
+}
+
 TEST_F(JobTest, TheMarksComeBackWhenAHandlerChangesAName) {
   Click("cmdOK");
   Window().RefreshControls();

@@ -127,6 +127,15 @@ void WindowFixture::AtEveryTurn(std::function<void()> step) {
   timers_.back()->start(0);
 }
 
+std::string WindowFixture::WarnedDocument(const std::string& name) {
+  DocumentBuilder builder;
+  builder.Object(1, "<</Type/Catalog/Pages 2 0 R>>")
+      .Object(2, "<</Type/Pages/Kids[3 0 R]/Count 1>>")
+      .Object(3, "<</Type/Page/Parent 2 0 R/MediaBox[0 0 9 9]>>")
+      .TrailerExtra("/Info 3 0 R");
+  return folder_.Write(name, builder.Build());
+}
+
 std::string WindowFixture::Document(const std::string& name, int pages) {
   return folder_.Write(name, SimpleDocument(pages, name));
 }

@@ -133,6 +133,8 @@ class WindowFixture : public ::testing::Test {
 
   /// Writes a document that can be joined and returns its path.
   std::string Document(const std::string& name, int pages = 1);
+  /// Writes a document of which the job warns: its /Info names its page.
+  std::string WarnedDocument(const std::string& name);
   /// Two inputs and an output, chosen.
   void ChooseAll();
 
