@@ -88,8 +88,8 @@ TEST_F(BatchRun, SettingsLockedElsewhereAreToldOnceAndChangeNothingElse) {
   Store("MenuSort", "-1");
   std::string opened;
   system_.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    if (call.Name == "CreateFile") opened = call.Path;
-    const bool settingsLock = call.Name == "TryLockFile" && opened.ends_with(".lock");
+    if (call.Is("CreateFile")) opened = call.Path;
+    const bool settingsLock = call.Is("TryLockFile") && opened.ends_with(".lock");
     return FaultingSystem::Fault{settingsLock ? EWOULDBLOCK : 0, 0};
   };
   EXPECT_EQ(Run(), kEverythingJoined);

@@ -1,9 +1,13 @@
 // Preloaded into the program: every large write takes as long as on a slow disk, so that a merge of large
-// documents lasts long enough for a person, and for a test, to do something meanwhile.
+// documents lasts long enough for a person, and for a test, to do something meanwhile. The first one makes
+// the file that FOLIOWELD_SLOWED names: a test whose writes are not slowed tests something else.
 
+#include <cstdlib>
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <sys/types.h>
 #include <time.h>
+#include <unistd.h>
 
 // The parameters are those of the system's function.
 extern "C" ssize_t pwrite(int file, const void* bytes, size_t count, off_t offset) {
@@ -11,6 +15,10 @@ extern "C" ssize_t pwrite(int file, const void* bytes, size_t count, off_t offse
   static const auto real = reinterpret_cast<Function>(::dlsym(RTLD_NEXT, "pwrite"));
   constexpr size_t kLarge = 64 * 1024;
   constexpr timespec kPerWrite{0, 5'000'000};
-  if (count >= kLarge) ::nanosleep(&kPerWrite, nullptr);
+  if (count >= kLarge) {
+    static const int mark = ::open(std::getenv("FOLIOWELD_SLOWED"), O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
+    if (mark < 0) std::abort();
+    ::nanosleep(&kPerWrite, nullptr);
+  }
   return real(file, bytes, count, offset);
 }

@@ -41,7 +41,9 @@ class Window:
     def __init__(self, desktop, screen, bus, environment, arguments=(), program="folioweld-window", folder=None,
                  slow_disk=False):
         self.screen, self._bus = screen, bus
-        self.environment = dict(environment, LD_PRELOAD=SLOW_DISK) if slow_disk else environment
+        self._slowed = Path(environment["TMPDIR"]).parent / "slowed" if slow_disk else None
+        slowly = {"LD_PRELOAD": SLOW_DISK, "FOLIOWELD_SLOWED": str(self._slowed)}
+        self.environment = dict(environment, **slowly) if slow_disk else environment
         self._errors = open(Path(environment["TMPDIR"]).parent / "stderr", "w+b")
         self.process = desktop.start([PROGRAMS / program, *arguments], self.environment, stderr=self._errors,
                                      cwd=folder or environment["HOME"])
@@ -52,6 +54,8 @@ class Window:
             self.process.kill()
         self.process.wait()
         self._errors.close()
+        if self._slowed and not self._slowed.exists():
+            raise AssertionError("no write was slow, and the test is about a slow disk")
 
     def errors(self):
         self._errors.seek(0)

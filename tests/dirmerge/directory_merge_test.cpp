@@ -70,7 +70,7 @@ TEST_F(DirectoryMergeTest, ListingThatFailsMidwayNeverGivesAnOutputThatLacksDocu
   for (const char* name : {"a", "b", "c"}) AddDocument(name);
   int calls = 0;
   system_.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    return FaultingSystem::Fault{call.Name == "FindNextFile" && ++calls == 4 ? EIO : 0, 0};
+    return FaultingSystem::Fault{call.Is("FindNextFile") && ++calls == 4 ? EIO : 0, 0};
   };
   EXPECT_FALSE(Merge().OutputWritten);
   ExpectUnreachable();
@@ -198,7 +198,7 @@ TEST_F(DirectoryMergeTest, WhatCannotBeLookedAtIsLogged) {
   AddDocument("a");
   AddDocument("b.pdf");
   system_.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    return FaultingSystem::Fault{call.Name == "GetFileAttributes" && call.Path == Doc("b.pdf") ? EIO : 0, 0};
+    return FaultingSystem::Fault{call.Is("GetFileAttributes") && call.Path == Doc("b.pdf") ? EIO : 0, 0};
   };
   EXPECT_FALSE(Merge().Complete());
   const std::string line = "File: \"b.pdf\"  cannot be looked at: Input/output error";
@@ -272,7 +272,7 @@ TEST_F(DirectoryMergeTest, StopsWithoutAFolderForTemporaryFiles) {
     ordered = ordered || (!lines.empty() && lines.back().rfind("Sorted file name(1)", 0) == 0);
   };
   system_.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    return FaultingSystem::Fault{ordered && call.Name == "GetCurrentDirectory" ? ENOENT : 0, 0};
+    return FaultingSystem::Fault{ordered && call.Is("GetCurrentDirectory") ? ENOENT : 0, 0};
   };
   EXPECT_FALSE(Merge().OutputWritten);
   EXPECT_EQ(

@@ -137,7 +137,7 @@ TEST_F(DocumentListTest, NeitherBlocksAtNorReadsPipesAndSockets) {
 TEST_F(DocumentListTest, FileThatBecomesAPipeBeforeItIsOpenedIsRefused) {
   AddDocument("a.pdf");
   system_.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    if (call.Name == "CreateFile" && std::filesystem::is_regular_file(Doc("a.pdf"))) {
+    if (call.Is("CreateFile") && std::filesystem::is_regular_file(Doc("a.pdf"))) {
       std::filesystem::remove(Doc("a.pdf"));
       EXPECT_EQ(::mkfifo(Doc("a.pdf").c_str(), 0600), 0);
     }
@@ -272,7 +272,7 @@ TEST_F(DocumentListTest, ListingThatBreaksOffIsAFailure) {
   AddDocument("a.pdf");
   int calls = 0;
   system_.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    return FaultingSystem::Fault{call.Name == "FindNextFile" && ++calls == 2 ? EIO : 0, 0};
+    return FaultingSystem::Fault{call.Is("FindNextFile") && ++calls == 2 ? EIO : 0, 0};
   };
   EXPECT_EQ(List(), ListOutcome::FolderFailed);
 }
@@ -281,7 +281,7 @@ TEST_F(DocumentListTest, InterruptedListingGoesOn) {
   AddDocument("a.pdf");
   int calls = 0;
   system_.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    return FaultingSystem::Fault{call.Name == "FindNextFile" && ++calls % 2 == 1 ? EINTR : 0, 0};
+    return FaultingSystem::Fault{call.Is("FindNextFile") && ++calls % 2 == 1 ? EINTR : 0, 0};
   };
   EXPECT_EQ(List(), ListOutcome::Complete);
   EXPECT_EQ(list_.Names, Names{"a.pdf"});

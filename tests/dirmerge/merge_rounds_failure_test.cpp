@@ -122,7 +122,7 @@ TEST_F(FailingRounds, ResultThatVanishesBetweenTheRoundsIsNamedByItsDocuments) {
 TEST_F(FailingRounds, WriteFailureOfTheLastRoundLeavesNoOutput) {
   for (const char* name : {"a", "b", "c"}) AddDocument(name);
   system_.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    const bool writing = call.Name == "WriteFile" && program_.Merge.DocFileName(3) == Output();
+    const bool writing = call.Is("WriteFile") && program_.Merge.DocFileName(3) == Output();
     return FaultingSystem::Fault{writing ? ENOSPC : 0, 0};
   };
   const DirectoryMergeReport& report = Merge();
@@ -136,7 +136,7 @@ TEST_F(FailingRounds, WriteFailureOfTheLastRoundLeavesNoOutput) {
 TEST_F(FailingRounds, WriteFailureOfATemporaryLosesItsDocumentsOnly) {
   for (const char* name : {"a", "b", "c", "d", "e", "f"}) AddDocument(name);
   system_.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    const bool writing = call.Name == "WriteFile" && program_.Merge.DocFileName(1) == Doc("e");
+    const bool writing = call.Is("WriteFile") && program_.Merge.DocFileName(1) == Doc("e");
     return FaultingSystem::Fault{writing ? EIO : 0, 0};
   };
   const DirectoryMergeReport& report = Merge();

@@ -154,7 +154,7 @@ TEST_F(MergeRoundsTest, TemporariesLieInTheChosenFolder) {
 TEST_F(MergeRoundsTest, FailureToMakeATemporaryGoesToCleanUp) {
   AddLetters(5);
   system_.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    const bool second = call.Name == "RandomNumber" && Temporaries().size() == 1;
+    const bool second = call.Is("RandomNumber") && Temporaries().size() == 1;
     return FaultingSystem::Fault{second ? EIO : 0, 0};
   };
   EXPECT_FALSE(Merge().OutputWritten);

@@ -191,7 +191,7 @@ TEST_F(TempFileName, ThousandthAttemptStillCounts) {
   NumberedSystem system;
   int moves = 0;
   system.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    if (call.Name == "MoveFile" && ++moves < 1000) return FaultingSystem::Fault{EEXIST, 0};
+    if (call.Is("MoveFile") && ++moves < 1000) return FaultingSystem::Fault{EEXIST, 0};
     return FaultingSystem::Fault{};
   };
   EXPECT_EQ(MakeTempFileName(system, folder_.Path(), "Pdf", "pdf"), folder_.File("Pdf03E7.pdf"));

@@ -128,7 +128,7 @@ TEST_F(TemporaryFilesTest, DeletionGoesOnAfterAFileThatCannotBeDeleted) {
   folder_.Write("a", "text");
   folder_.Write("b", "text");
   system_.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    return FaultingSystem::Fault{call.Name == "DeleteFile" && call.Path == folder_.File("a") ? EACCES : 0, 0};
+    return FaultingSystem::Fault{call.Is("DeleteFile") && call.Path == folder_.File("a") ? EACCES : 0, 0};
   };
   {
     TemporaryFiles temporaries(files_, logging_);

@@ -212,7 +212,7 @@ TEST_F(ReadLineTest, AnErrorInALaterBufferIsReturnedWithAnEmptyLine) {
   const std::int16_t number = OpenWith(std::string(9000, 'x') + "\n");
   long reads = 0;
   System.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    return call.Name == "ReadFile" && ++reads > 1 ? FaultingSystem::Fault{EIO, 0} : FaultingSystem::Fault{};
+    return call.Is("ReadFile") && ++reads > 1 ? FaultingSystem::Fault{EIO, 0} : FaultingSystem::Fault{};
   };
   EXPECT_EQ(Read(number, 1, 1000, 100), kReadFailed);
   EXPECT_EQ(Line, "");
@@ -369,7 +369,7 @@ TEST(LineCursorTest, TellsWhereAndWhyItStopped) {
   EXPECT_FALSE(behind.Next());
   EXPECT_EQ(behind.Problem(), "the file ends here");
   system.Decide = FaultingSystem::Failing("ReadFile", EIO);
-  LineCursor broken(files, number, 1);
+  LineCursor broken(files, files.OpenForBinaryRead(folder.File("in")), 1);
   EXPECT_FALSE(broken.Next());
   EXPECT_EQ(broken.Problem(), "the file cannot be read: Input/output error");
 }

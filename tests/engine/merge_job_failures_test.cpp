@@ -293,8 +293,8 @@ TEST_F(MergeJobFailureTest, OfTheCutToTheBytesWritten) {
 
 TEST_F(MergeJobFailureTest, OfAWriteWhoseFileCannotBeDeletedLeavesItEmptyAndSaysSo) {
   run_.System.Decide = [this](const FaultingSystem::Call& call, std::size_t) {
-    const bool fails = call.Name == "DeleteFile" ||
-                       (call.Name == "WriteFile" && run_.Status(2).find("Pass #4") != std::string::npos);
+    const bool fails = call.Is("DeleteFile") ||
+                       (call.Is("WriteFile") && run_.Status(2).find("Pass #4") != std::string::npos);
     return fails ? FaultingSystem::Fault{EIO, 0} : FaultingSystem::Fault{};
   };
   logLines_ = 2;

@@ -52,8 +52,8 @@ TEST_F(OutputGuardTest, AFileWithAnotherNameWhoseNameCannotBeTakenAwayIsRefused)
   EXPECT_EQ(ReadFile(path), "old contents");
   // Somebody gives it another name as fast as it is taken away.
   System.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    if (call.Name == "GetFileInformationByHandle" && !Exists(path)) ADD_FAILURE() << "there is no output";
-    if (call.Name == "CreateFile" && !Exists(path)) fs::create_hard_link(Folder.File("other"), path);
+    if (call.Is("GetFileInformationByHandle") && !Exists(path)) ADD_FAILURE() << "there is no output";
+    if (call.Is("CreateFile") && !Exists(path)) fs::create_hard_link(Folder.File("other"), path);
     return FaultingSystem::Fault{};
   };
   EXPECT_EQ(Files.OpenForBinaryWrite(path), -1);
@@ -109,7 +109,7 @@ TEST_F(OutputGuardTest, AFileMadeByAnOpenThatThenFailsIsTakenBack) {
   EXPECT_EQ(Files.OpenForBinaryWrite(Folder.Write("old", "text")), -1);
   EXPECT_EQ(ReadFile(Folder.File("old")), "text");
   System.Decide = [](const FaultingSystem::Call& call, std::size_t) {
-    const bool fails = call.Name == "GetFileInformationByHandle" || call.Name == "GetLinkAttributes";
+    const bool fails = call.Is("GetFileInformationByHandle") || call.Is("GetLinkAttributes");
     return FaultingSystem::Fault{fails ? EIO : 0, 0};
   };
   EXPECT_EQ(Files.OpenForBinaryWrite(Folder.File("unknown")), -1);

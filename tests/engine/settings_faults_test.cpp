@@ -78,8 +78,8 @@ TEST_F(SettingsFaultsTest, ANewTextThatCouldNotBeClosedDoesNotTakeTheOldOnesPlac
   WriteSettingsFile(kOld);
   bool written = false;
   System.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    written = written || call.Name == "WriteFile";
-    return FaultingSystem::Fault{written && call.Name == "CloseHandle" ? EIO : 0, 0};
+    written = written || call.Is("WriteFile");
+    return FaultingSystem::Fault{written && call.Is("CloseHandle") ? EIO : 0, 0};
   };
   EXPECT_EQ(Store.WriteSetting("MenuSort", "2"), EIO);
   EXPECT_EQ(ReadFile(SettingsFile()), kOld);
@@ -125,8 +125,8 @@ TEST_F(SettingsFaultsTest, TheNewTextIsOnTheDiskBeforeItTakesTheOldOnesPlace) {
   EXPECT_EQ(Store.WriteSetting("MenuSort", "2"), 0);
   std::vector<std::string> order;
   for (const auto& call : System.Calls) {
-    if (call.Name == "TryLockFile" || call.Name == "WriteFile" || call.Name == "FlushFileBuffers" ||
-        call.Name == "MoveFile") {
+    if (call.Is("TryLockFile") || call.Is("WriteFile") || call.Is("FlushFileBuffers") ||
+        call.Is("MoveFile")) {
       order.push_back(call.Name);
     }
   }
@@ -171,7 +171,7 @@ TEST_F(SettingsFaultsTest, ADefaultNeverReplacesAChoiceThatAnotherProcessStoredM
   bool done = false;
   System.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
     // After this store has looked, and before it has the lock.
-    if (call.Name == "TryLockFile" && !done) {
+    if (call.Is("TryLockFile") && !done) {
       done = true;
       EXPECT_EQ(other.WriteSetting("MenuSort", "3"), 0);
     }
@@ -191,7 +191,7 @@ TEST_F(SettingsFaultsTest, AChangeThatAnotherProcessMadeMeanwhileIsKept) {
   WriteSettingsFile(kOld);
   bool done = false;
   System.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    if (call.Name == "TryLockFile" && !done) {
+    if (call.Is("TryLockFile") && !done) {
       done = true;
       EXPECT_EQ(other.WriteSetting("MergeTmpDir", "/other/"), 0);
     }

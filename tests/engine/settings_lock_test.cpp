@@ -19,7 +19,7 @@ class WaitingSystem : public FaultingSystem {
  public:
   WaitingSystem() {
     Decide = [this](const Call& call, std::size_t) {
-      return Fault{call.Name == "TryLockFile" && Held ? EWOULDBLOCK : 0, 0};
+      return Fault{call.Is("TryLockFile") && Held ? EWOULDBLOCK : 0, 0};
     };
   }
   std::int64_t MillisecondsNow() override { return Now; }

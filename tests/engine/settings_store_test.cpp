@@ -226,7 +226,7 @@ TEST_F(SettingsStoreTest, ATemporaryNameThatIsTakenIsPassedOver) {
   Folder.MakeFolder("folioweld");
   long tries = 0;
   System.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    const bool temporary = call.Name == "CreateFile" && call.Path.substr(call.Path.size() - 4) == ".tmp";
+    const bool temporary = call.Is("CreateFile") && call.Path.substr(call.Path.size() - 4) == ".tmp";
     return FaultingSystem::Fault{temporary && ++tries < 4 ? EEXIST : 0, 0};
   };
   EXPECT_EQ(Store.WriteSetting("MenuSort", "2"), 0);
@@ -239,7 +239,7 @@ TEST_F(SettingsStoreTest, ATemporaryNameThatIsTakenIsPassedOver) {
 TEST_F(SettingsStoreTest, AFileThatVanishesUnderTheLockIsAFailure) {
   EXPECT_EQ(Store.WriteSetting("MenuSort", "2"), 0);
   System.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    if (call.Name == "TryLockFile") fs::remove(SettingsFile());
+    if (call.Is("TryLockFile")) fs::remove(SettingsFile());
     return FaultingSystem::Fault{};
   };
   EXPECT_EQ(Store.WriteSetting("MenuSort", "3"), 1011);
@@ -283,7 +283,7 @@ TEST_F(SettingsKeyTest, EnsuresByOpeningOrCreating) {
 
 TEST_F(SettingsKeyTest, TakesAStoreThatSomebodyElseMadeInBetween) {
   System.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    if (call.Name == "CreateDirectory") WriteSettingsFile("[Settings]\nMenuSort=3\n");
+    if (call.Is("CreateDirectory")) WriteSettingsFile("[Settings]\nMenuSort=3\n");
     return FaultingSystem::Fault{};
   };
   EXPECT_EQ(Store.EnsureSettingsKey(), 2);

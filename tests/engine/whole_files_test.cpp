@@ -109,7 +109,7 @@ TEST_F(DeleteFileTest, EveryErrorIsIgnored) {
 TEST_F(DeleteFileTest, AnInterruptedRemovalIsTriedAgain) {
   const std::string path = Folder.Write("file", "text");
   System.Decide = [](const FaultingSystem::Call& call, std::size_t index) {
-    return FaultingSystem::Fault{call.Name == "DeleteFile" && index < 4 ? EINTR : 0, 0};
+    return FaultingSystem::Fault{call.Is("DeleteFile") && index < 4 ? EINTR : 0, 0};
   };
   Files.DeleteFile(path);
   EXPECT_FALSE(Exists(path));
@@ -236,7 +236,7 @@ TEST_F(SetFileSizeTest, EveryFailureIsToldAndTheFileIsClosedInEveryCase) {
 TEST_F(SetFileSizeTest, AnInterruptedCutIsTriedAgain) {
   const std::string path = Folder.Write("file", "text");
   System.Decide = [](const FaultingSystem::Call& call, std::size_t index) {
-    return FaultingSystem::Fault{call.Name == "SetEndOfFile" && index < 4 ? EINTR : 0, 0};
+    return FaultingSystem::Fault{call.Is("SetEndOfFile") && index < 4 ? EINTR : 0, 0};
   };
   EXPECT_TRUE(Files.SetFileSize(path, 2));
   EXPECT_EQ(ReadFile(path), "te");

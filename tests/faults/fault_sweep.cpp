@@ -64,6 +64,7 @@ const char* Word(FaultTrial::Reach how) {
 
 std::function<FaultingSystem::Fault(const FaultingSystem::Call&, std::size_t)> FaultTrial::Decide() {
   return [this](const FaultingSystem::Call& call, std::size_t index) {
+    Calls.push_back(call.Name);
     if (index < Site) return FaultingSystem::Fault{};
     if (index == Site) {
       Reached = true;
@@ -99,36 +100,63 @@ std::string FaultTrial::Description() const {
          (Injected.Error != 0 ? SystemError{Injected.Error}.Words() : "cut short");
 }
 
-SweepFigures SweepFaults(const std::function<void(FaultTrial&)>& run, std::size_t stride) {
-  SweepFigures figures;
-  for (std::size_t site = 0;; site += stride) {
-    bool reached = false;
-    for (const auto how :
-         {FaultTrial::Reach::Once, FaultTrial::Reach::SameCalls, FaultTrial::Reach::EverythingElse}) {
-      for (std::size_t fault = 0;; ++fault) {
-        FaultTrial trial;
-        trial.Site = site;
-        trial.Fault = fault;
-        trial.How = how;
-        run(trial);
-        reached = reached || trial.Reached;
-        if (::testing::Test::HasFailure()) {
-          ADD_FAILURE() << "with this fault: " << trial.Description();
-          return figures;
-        }
-        if (!trial.Reached) break;
-        ++figures.Faults;
-        if (how == FaultTrial::Reach::EverythingElse || fault + 1 >= FaultsOf(trial.CallName).size()) break;
+namespace {
+
+/// Which calls are to fail: every stride-th, and the first of each kind. The last one is beyond the end.
+std::vector<std::size_t> SitesOf(const std::function<void(FaultTrial&)>& run, std::size_t stride) {
+  FaultTrial untouched;
+  untouched.Site = std::numeric_limits<std::size_t>::max();
+  run(untouched);
+  std::vector<std::size_t> sites;
+  std::set<std::string> seen;
+  for (std::size_t site = 0; site < untouched.Calls.size(); ++site) {
+    if (seen.insert(untouched.Calls[site]).second || site % stride == 0) sites.push_back(site);
+  }
+  sites.push_back(untouched.Calls.size());
+  return sites;
+}
+
+/// Every fault that the call at the site can have; false when a run passed without reaching it.
+bool TryFaultsAt(std::size_t site, const std::function<void(FaultTrial&)>& run,
+                 std::map<std::string, int>& tried) {
+  bool reached = false;
+  for (const auto how :
+       {FaultTrial::Reach::Once, FaultTrial::Reach::SameCalls, FaultTrial::Reach::EverythingElse}) {
+    for (std::size_t fault = 0;; ++fault) {
+      FaultTrial trial;
+      trial.Site = site;
+      trial.Fault = fault;
+      trial.How = how;
+      run(trial);
+      if (::testing::Test::HasFailure()) {
+        ADD_FAILURE() << "with this fault: " << trial.Description();
+        return false;
       }
-      if (!reached) break;
+      if (!trial.Reached) break;
+      reached = true;
+      ++tried[trial.CallName];
+      if (how == FaultTrial::Reach::EverythingElse || fault + 1 >= FaultsOf(trial.CallName).size()) break;
     }
     if (!reached) break;
-    ++figures.Sites;
   }
-  std::cout << "  sites: " << figures.Sites << ", faults: " << figures.Faults << '\n';
-  ::testing::Test::RecordProperty("sites", static_cast<int>(figures.Sites));
-  ::testing::Test::RecordProperty("faults", static_cast<int>(figures.Faults));
-  return figures;
+  return reached;
+}
+
+}  // namespace
+
+void SweepFaults(const std::set<std::string>& calls, const std::function<void(FaultTrial&)>& run,
+                 std::size_t stride) {
+  std::map<std::string, int> tried;
+  for (const std::size_t site : SitesOf(run, stride)) {
+    if (!TryFaultsAt(site, run, tried)) break;
+  }
+  if (::testing::Test::HasFailure()) return;
+  std::set<std::string> reached;
+  for (const auto& [name, faults] : tried) {
+    std::cout << "  " << name << ": " << faults << " faults\n";
+    reached.insert(name);
+  }
+  EXPECT_EQ(reached, calls) << "the calls that were made to fail";
 }
 
 bool FullRun() {

@@ -243,7 +243,7 @@ TEST_F(ChangedMeanwhile, AFileThatTakesTheOutputsPlaceIsLeftAlone) {
     bool opened = false;
     merge.System.Decide = [&](const testing::FaultingSystem::Call& call, std::size_t index) {
       // Up to its opening, the output is whatever stands there.
-      opened = opened || call.Name == "WriteFile";
+      opened = opened || call.Is("WriteFile");
       if (opened && index >= site && !reached) {
         reached = true;
         fs::remove(merge.OutputPath);

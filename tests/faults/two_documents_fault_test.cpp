@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <set>
 #include <string>
 
 #include "tests/faults/fault_documents.h"
@@ -18,6 +19,10 @@ namespace fs = std::filesystem;
 using testing::Exists;
 using testing::FaultTrial;
 using testing::ReadFile;
+
+const std::set<std::string> kCallsOfAMerge = {"CloseHandle",       "CreateFile", "GetFileInformationByHandle",
+                                              "GetLinkAttributes", "ReadFile",   "SetEndOfFile",
+                                              "TryLockFile",       "WriteFile"};
 
 class TwoDocumentsFault : public ::testing::Test {
  protected:
@@ -108,13 +113,11 @@ class TwoDocumentsFault : public ::testing::Test {
 };
 
 TEST_F(TwoDocumentsFault, LosesNothingWhereThereIsNoOutputYet) {
-  const auto figures = testing::SweepFaults([this](FaultTrial& trial) { Try(trial, ""); });
-  EXPECT_GT(figures.Sites, 20U);
+  testing::SweepFaults(kCallsOfAMerge, [this](FaultTrial& trial) { Try(trial, ""); });
 }
 
 TEST_F(TwoDocumentsFault, LosesNothingWhereAnOlderOutputIsReplaced) {
-  const auto figures = testing::SweepFaults([this](FaultTrial& trial) { Try(trial, oldOutput); });
-  EXPECT_GT(figures.Sites, 20U);
+  testing::SweepFaults(kCallsOfAMerge, [this](FaultTrial& trial) { Try(trial, oldOutput); });
 }
 
 }  // namespace

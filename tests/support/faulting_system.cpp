@@ -1,6 +1,7 @@
 #include "tests/support/faulting_system.h"
 
 #include <algorithm>
+#include <gtest/gtest.h>
 
 namespace folioweld::testing {
 
@@ -15,11 +16,24 @@ std::size_t Shortened(std::size_t count, std::size_t by) {
 
 std::function<FaultingSystem::Fault(const FaultingSystem::Call&, std::size_t)> FaultingSystem::Failing(
     const std::string& name, int error) {
-  return [=](const Call& call, std::size_t) { return call.Name == name ? Fault{error, 0} : Fault{}; };
+  return [=](const Call& call, std::size_t) { return call.Is(name.c_str()) ? Fault{error, 0} : Fault{}; };
+}
+
+bool FaultingSystem::Call::Is(const char* name) const {
+  const bool same = Name == name;
+  bool& called = System->wanted_[name];
+  called = called || same;
+  return same;
+}
+
+FaultingSystem::~FaultingSystem() {
+  for (const auto& [name, called] : wanted_) {
+    EXPECT_TRUE(called) << "no call of " << name << " was made, and the test is about one";
+  }
 }
 
 FaultingSystem::Fault FaultingSystem::Count(const char* name, const std::string& path) {
-  Calls.push_back({name, path});
+  Calls.push_back({name, path, this});
   return Decide ? Decide(Calls.back(), Calls.size() - 1) : Fault{};
 }
 

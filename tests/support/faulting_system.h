@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,11 @@ class FaultingSystem : public PosixApi {
   struct Call {
     std::string Name;  ///< as the method is called
     std::string Path;  ///< empty for calls on handles
+    FaultingSystem* System = nullptr;
+
+    /// Whether this is a call of the method. A test that asks for a method which is never called has lost its
+    /// target and fails when the system goes.
+    [[nodiscard]] bool Is(const char* name) const;
   };
 
   /// What is to happen to a call instead of, or before, the real one.
@@ -27,7 +33,9 @@ class FaultingSystem : public PosixApi {
 
   std::vector<Call> Calls;
 
-  /// A fault that fails every call of the method with the error.
+  ~FaultingSystem() override;
+
+  /// A fault that fails every call of the method with the error; the test fails where there is none.
   static std::function<Fault(const Call&, std::size_t)> Failing(const std::string& name, int error);
 
   SystemResult<Handle> CreateFile(const std::string& path, OpenMode mode) override;
@@ -63,6 +71,9 @@ class FaultingSystem : public PosixApi {
  protected:
   /// Notes a call and decides about it; for calls that a derived class answers by itself.
   Fault Count(const char* name, const std::string& path = {});
+
+ private:
+  std::map<std::string, bool> wanted_;  ///< the methods that somebody asked for, and whether they were called
 };
 
 }  // namespace folioweld::testing

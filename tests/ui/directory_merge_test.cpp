@@ -210,8 +210,8 @@ TEST_F(DirectoryMergeWindowTest, ALoneFileNameOnTheCommandLineDoesNothing) {
 TEST_F(DirectoryMergeWindowTest, SettingsLockedElsewhereAreToldInTheLog) {
   std::string opened;
   system_.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
-    if (call.Name == "CreateFile") opened = call.Path;
-    const bool settingsLock = call.Name == "TryLockFile" && opened.ends_with(".lock");
+    if (call.Is("CreateFile")) opened = call.Path;
+    const bool settingsLock = call.Is("TryLockFile") && opened.ends_with(".lock");
     return FaultingSystem::Fault{settingsLock ? EWOULDBLOCK : 0, 0};
   };
   Open();
