@@ -126,6 +126,7 @@ class DirectoryJob {
       ends_.push_back(found_.Names.size());
       if (source.IsFolder && !source.Name.empty() && ends_.back() == before) NoteEmptyFolder(source);
     }
+    report_.LeftTemporaries = found_.LeftTemporaries;
     if (!found_.Names.empty()) return true;
     NoteRefusedDocuments(std::nullopt);
     shell_.ShowMessage(MessageIcon::Exclamation, kTitle, "NO INPUT FILE!  I DIDN'T DO ANYTHING");

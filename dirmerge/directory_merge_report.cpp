@@ -4,7 +4,7 @@ namespace folioweld {
 
 bool DirectoryMergeReport::Complete() const {
   return OutputWritten && FailedMerges == 0 && RefusedDocuments.empty() && EmptyFolders.empty() &&
-         AlteredDocuments.empty() && MissingDocuments.empty();
+         LeftTemporaries.empty() && AlteredDocuments.empty() && MissingDocuments.empty();
 }
 
 ExitStatus StatusOf(const DirectoryMergeReport& report) {

@@ -12,6 +12,7 @@ struct DirectoryMergeReport {
   int FailedMerges = 0;
   std::vector<std::string> RefusedDocuments;
   std::vector<std::string> EmptyFolders;      ///< named by the user, without a document to join
+  std::vector<std::string> LeftTemporaries;   ///< of a run that was killed; joined if they are documents
   std::vector<std::string> AlteredDocuments;  ///< in the output, but with a warning
   std::vector<std::string> MissingDocuments;  ///< accepted, but not in the output that was written
 

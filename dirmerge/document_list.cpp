@@ -6,6 +6,7 @@
 #include <limits>
 #include <optional>
 
+#include "dirmerge/left_temporaries.h"
 #include "dirmerge/paths.h"
 #include "engine/document_check.h"
 #include "platform/retry.h"
@@ -97,6 +98,7 @@ class Listing {
     }
     if (attributes.Value().Kind != FileKind::Regular) return true;
     if (!source_.IsFolder) list_.Inputs.push_back({attributes.Value().Identity, document.Name});
+    if (source_.IsFolder) NoteLeft(document, name, attributes.Value().Identity);
     PassFailure why;
     if (!IsThisDocumentApdf(files_, document.Path, &why)) {
       Refuse(document, attributes.Value().Identity, why);
@@ -107,6 +109,12 @@ class Listing {
     list_.Names.push_back(name);
     if (source_.IsFolder) list_.Inputs.push_back({attributes.Value().Identity, document.Name});
     return true;
+  }
+
+  void NoteLeft(const ListedDocument& document, const std::string& name, const FileIdentity& identity) {
+    if (identity == output_ || !IsLeftTemporary(files_, document.Path, name)) return;
+    logging_.Notice("File: \"" + document.Name + "\"  was left by a run that was killed");
+    list_.LeftTemporaries.push_back(document.Name);
   }
 
   /// What cannot even be looked at is passed over, but an output that may lack a document says so.

@@ -28,6 +28,7 @@ struct DocumentList {
   std::vector<std::string> Names;     ///< accepted files, those of folders without the folder
   std::vector<NamedDocument> Inputs;  ///< what no output may be: accepted files, and all that were named
   std::vector<ListedDocument> RefusedDocuments;  ///< files that look like documents and were refused
+  std::vector<std::string> LeftTemporaries;      ///< files of a folder that a run left which was killed
   SystemError FolderError;                       ///< why a folder could not be listed to its end
 };
 
@@ -37,7 +38,8 @@ enum class ListOutcome { Complete, Cancelled, TooMany, FolderFailed };
 /// lists them. Only regular files are candidates (links are followed), hidden ones and names without a dot
 /// too. Every refused file is logged. One that is a source by itself, is named ".pdf" or has "%PDF-" in its
 /// first 1,024 bytes is taken for a document: it is noticed, with the reason, and listed as refused; in a
-/// folder unless it is the output. More documents than 16 bits count give `TooMany`.
+/// folder unless it is the output. A temporary file that a killed run left in a folder is noticed
+/// and listed as that, and else treated like any other. More documents than 16 bits count give `TooMany`.
 [[nodiscard]] ListOutcome ListDocuments(const Source& source, FileModule& files, MergeShell& shell,
                                         const MergeState& state, const Logging& logging,
                                         const std::optional<FileIdentity>& output, DocumentList& list);

@@ -111,6 +111,84 @@ TEST_F(DocumentListTest, ADocumentThatCannotBeLookedAtIsToldAndCounted) {
   EXPECT_EQ(refused_, Names{"a.pdf"});
 }
 
+/// Files as a run leaves them that was killed.
+class LeftTemporariesTest : public DocumentListTest {
+ protected:
+  void Leave(const std::string& name, const std::string& bytes, unsigned mode = 0600) const {
+    ASSERT_EQ(::chmod(folder_.Write("docs/" + name, bytes).c_str(), mode), 0);
+  }
+
+  /// What the program itself writes.
+  [[nodiscard]] std::string Joined() {
+    AddDocument("a");
+    AddDocument("b");
+    EXPECT_TRUE(Merge().OutputWritten);
+    return testing::ReadFile(Output());
+  }
+
+  static std::string Told(const std::string& name) {
+    return "File: \"" + name + "\"  was left by a run that was killed";
+  }
+};
+
+TEST_F(LeftTemporariesTest, AnEmptyOneIsToldAndCounted) {
+  AddDocument("a");
+  Leave("Pdf09AF.tmp", "");
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_EQ(list_.LeftTemporaries, Names{"Pdf09AF.tmp"});
+  EXPECT_EQ(noticed_, Names{Told("Pdf09AF.tmp")});
+  EXPECT_EQ(list_.Names, Names{"a"});
+}
+
+TEST_F(LeftTemporariesTest, AJoinedDocumentIsToldAndCountedAndStillTaken) {
+  Leave("Pdf1234.tmp", Joined());
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_EQ(list_.LeftTemporaries, Names{"Pdf1234.tmp"});
+  EXPECT_EQ(noticed_, Names{Told("Pdf1234.tmp")});
+  EXPECT_EQ(list_.Names, (Names{"Pdf1234.tmp", "a", "b"}));
+}
+
+TEST_F(LeftTemporariesTest, OtherFilesAreNone) {
+  const std::string joined = Joined();
+  for (const char* name : {"Pdf123.tmp", "Pdf12345.tmp", "pdf1234.tmp", "Pdf12g4.tmp", "Pdf123a.tmp",
+                           "Pdf1234.pdf", "xPdf1234.tmp", "Pdf1234.tmp~"}) {
+    Leave(name, joined);
+  }
+  Leave("Pdf0001.tmp", joined, 0644);
+  Leave("Pdf0002.tmp", SimpleDocument(1));
+  Leave("Pdf0003.tmp", "text");
+  Leave("Pdf0004.tmp", joined + "more");
+  std::filesystem::create_symlink(Doc("Pdf123.tmp"), Doc("Pdf0005.tmp"));
+  std::filesystem::create_directory(Doc("Pdf0006.tmp"));
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_TRUE(list_.LeftTemporaries.empty()) << list_.LeftTemporaries[0];
+}
+
+TEST_F(LeftTemporariesTest, OneOfAnotherUserIsNone) {
+  Leave("Pdf1234.tmp", "");
+  if (::chown(Doc("Pdf1234.tmp").c_str(), 65534, 65534) != 0)
+    GTEST_SKIP() << "files cannot be given away here";
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_TRUE(list_.LeftTemporaries.empty());
+}
+
+TEST_F(LeftTemporariesTest, TheOutputIsNone) {
+  Leave("Pdf1234.tmp", "");
+  output_ = system_.GetFileAttributes(Doc("Pdf1234.tmp")).Value().Identity;
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_TRUE(list_.LeftTemporaries.empty());
+}
+
+TEST_F(LeftTemporariesTest, TheMergeIsNotCompleteWithThem) {
+  const std::string joined = Joined();
+  EXPECT_TRUE(Merge().Complete());
+  Leave("Pdf1234.tmp", joined);
+  const DirectoryMergeReport& report = Merge();
+  EXPECT_TRUE(report.OutputWritten);
+  EXPECT_EQ(report.LeftTemporaries, Names{"Pdf1234.tmp"});
+  EXPECT_EQ(StatusOf(report), kJoinedWithLosses);
+}
+
 TEST_F(DocumentListTest, AnotherFileThatCannotBeLookedAtIsPassedOver) {
   AddDocument("notes");
   Fail("GetFileAttributes", Doc("notes"), EIO);
