@@ -1,13 +1,15 @@
 #include "ui/fitting_label.h"
 
 #include <QPainter>
-#include <QPixmap>
-#include <QTextDocument>
+#include <QTextLayout>
 #include <QTextOption>
 
 namespace folioweld {
 
 namespace {
+
+/// How much closer than usual lines may stand, when that makes all of them fit.
+constexpr qreal kClosest = 0.92;
 
 /// Broken between words, and within one that is longer than a line.
 QTextOption Wrapped() {
@@ -53,8 +55,8 @@ void FittingLabel::resizeEvent(QResizeEvent* event) {
 }
 
 void FittingLabel::RefreshToolTip() {
-  const bool fits = lines_ == Lines::Single ? fontMetrics().horizontalAdvance(text()) <= width()
-                                            : NeededHeight() <= height();
+  const bool fits =
+      lines_ == Lines::Single ? fontMetrics().horizontalAdvance(text()) <= width() : AllLinesFit();
   const QString tip = fits && whole_ == text() ? QString() : WithPlainLineEnds(whole_).trimmed();
   setToolTip(AsToolTip(tip));
   setAccessibleDescription(tip);
@@ -67,11 +69,26 @@ QString FittingLabel::ShownLines() const {
   return shown;
 }
 
-qreal FittingLabel::NeededHeight() const {
-  QPixmap nowhere(1, 1);
-  QPainter painter(&nowhere);
-  painter.setFont(font());
-  return painter.boundingRect(QRectF(0, 0, width(), 0), ShownLines(), Wrapped()).height();
+QStringList FittingLabel::WrappedLines() const {
+  QStringList lines;
+  for (const QString& paragraph : ShownLines().split(u'\n')) {
+    QTextLayout layout(paragraph, font());
+    layout.setTextOption(Wrapped());
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+      line.setLineWidth(width());
+      lines.append(paragraph.mid(line.textStart(), line.textLength()));
+    }
+    layout.endLayout();
+    if (paragraph.isEmpty()) lines.append(QString());
+  }
+  return lines;
+}
+
+qreal FittingLabel::LineHeight(qsizetype lines) const {
+  const qreal usual = fontMetrics().lineSpacing();
+  const qreal needed = usual * static_cast<qreal>(lines);
+  return needed > height() && needed * kClosest <= height() ? height() / static_cast<qreal>(lines) : usual;
 }
 
 void FittingLabel::paintEvent(QPaintEvent* /*event*/) {
@@ -89,11 +106,22 @@ void FittingLabel::PaintSingle(QPainter& painter) {
                    fontMetrics().elidedText(text(), Qt::ElideMiddle, width()));
 }
 
+bool FittingLabel::AllLinesFit() const {
+  const qsizetype lines = WrappedLines().size();
+  return LineHeight(lines) * static_cast<qreal>(lines) <= height();
+}
+
+/// Whole lines only; the last ones tell what happens now.
 void FittingLabel::PaintSeveral(QPainter& painter) {
-  QRectF place(0, 0, width(), qMax<qreal>(NeededHeight(), height()));
-  // The end of the text is what happens now.
-  place.moveBottom(height());
-  painter.drawText(place, ShownLines(), Wrapped());
+  QStringList lines = WrappedLines();
+  const qreal step = LineHeight(lines.size());
+  const auto room = static_cast<qsizetype>(height() / step + 0.01);
+  if (lines.size() > room) lines = lines.last(qMax<qsizetype>(1, room));
+  qreal baseline = fontMetrics().ascent();
+  for (const QString& line : lines) {
+    painter.drawText(QPointF(0, baseline), line);
+    baseline += step;
+  }
 }
 
 }  // namespace folioweld

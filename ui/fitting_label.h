@@ -26,7 +26,9 @@ class FittingLabel : public QLabel {
   void PaintSingle(QPainter& painter);
   void PaintSeveral(QPainter& painter);
   [[nodiscard]] QString ShownLines() const;
-  [[nodiscard]] qreal NeededHeight() const;
+  [[nodiscard]] QStringList WrappedLines() const;
+  [[nodiscard]] qreal LineHeight(qsizetype lines) const;
+  [[nodiscard]] bool AllLinesFit() const;
   void RefreshToolTip();
 
   QString purpose_;

@@ -202,6 +202,9 @@ void Folioweld::ScrollWhereNeeded(QSize room) {
     takeCentralWidget();
     scroll->setWidget(client_);
     setCentralWidget(scroll);
+    connect(qApp, &QApplication::focusChanged, scroll, [this, scroll](QWidget* /*before*/, QWidget* now) {
+      if (now != client_ && client_->isAncestorOf(now)) scroll->ensureWidgetVisible(now);
+    });
   }
   const int bar = scroll->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
   const bool high = size.height() > room.height();

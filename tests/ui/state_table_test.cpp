@@ -147,8 +147,9 @@ TEST_F(WindowTest, AStatusThatDoesNotFitKeepsItsEndAndStandsInTheToolTip) {
   // The size of the letters does not depend on what stands above.
   const QImage last = picture(QStringLiteral("line 11"));
   EXPECT_EQ(status->toolTip(), QString());
-  const int line = status->fontMetrics().height();
-  EXPECT_EQ(all.copy(0, all.height() - line, all.width(), line), last.copy(0, 0, last.width(), line));
+  const int line = status->fontMetrics().lineSpacing();
+  const int lowest = (status->height() / line - 1) * line;
+  EXPECT_EQ(all.copy(0, lowest, all.width(), line), last.copy(0, 0, last.width(), line));
 }
 
 TEST_F(WindowTest, ANameThatIsNoUtf8IsShownAndKeepsItsBytes) {

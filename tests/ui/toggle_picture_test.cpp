@@ -44,6 +44,8 @@ TEST_F(TogglePictureTest, HasAnArcOnEachSideAndArrowheadsAboveLeftAndBelowRight)
   EXPECT_EQ(At(right, 412), text);
   EXPECT_EQ(At(275, 250), text);
   EXPECT_EQ(At(640, 600), text);
+  EXPECT_EQ(At(190, 215), text);
+  EXPECT_EQ(At(550, 595), text);
   EXPECT_EQ(At(412, 110), Colour(QPalette::Button)) << "open above";
   EXPECT_EQ(At(412, 715), Colour(QPalette::Button)) << "open below";
 }
