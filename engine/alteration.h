@@ -22,7 +22,15 @@ enum class AlterationKind : std::uint8_t {
   KeyRepeated,           ///< of the trailer, the catalog or the root of the page tree
   LayersShown,           ///< the lost catalog hides layers
   OutputIntentLost,      ///< the lost catalog has a printing condition
-  FieldsDrawnOtherwise   ///< the lost catalog's form decides how a field is drawn
+  FieldsDrawnOtherwise,  ///< the lost catalog's form decides how a field is drawn
+  StreamEndsElsewhere,   ///< others look for "endstream", as it does not stand where /Length says
+  StringLosesBytes,      ///< blanks before its line ends, or empty lines
+  ReferenceNotSeen,      ///< its number is not raised with those of the second input
+  ReferenceToLater,      ///< to an object that the document does not have, and a later one has
+  ReferenceToFiller,     ///< to object 0, which the output has
+  GenerationChanged,     ///< an object's header and the table give different ones
+  ObjectLeftOut,         ///< in use, with the generation of free ones
+  ObjectCutShort         ///< its end was taken for one within a string, a comment or a name
 };
 
 /// All places of one kind in one document.

@@ -23,14 +23,17 @@ void CheckKeys(const ReadInput& input, MergeShell& shell) {
 
 }  // namespace
 
-void FindAlterations(MergeState& state, PdfReader& reader, MergeShell& shell) {
+void FindAlterations(MergeState& state, FileModule& files, PdfReader& reader, MergeShell& shell) {
   for (const std::int16_t slot : {std::int16_t{1}, std::int16_t{2}}) {
     if (!state.DocUsed(slot)) continue;
     const ReadInput input{state, reader, slot};
     CheckStartXref(input);
     CheckKeys(input, shell);
     CheckInformation(input);
-    if (state.DocUsed(2)) CheckPageTree(input, shell);
+    CheckStreamEnds(input, files, shell);
+    if (!state.DocUsed(2)) continue;
+    CheckPageTree(input, shell);
+    CheckReferences(input, shell);
   }
   if (state.DocUsed(2)) CheckCatalog({state, reader, 2}, {state, reader, 1}, shell);
 }

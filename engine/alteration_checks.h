@@ -9,7 +9,7 @@ namespace folioweld {
 // numbers of its own, and leaves what it finds with `NoteAlteration`. A cancel is raised as a broken rule.
 
 /// Runs all of them; to be called between the reading and the renumbering.
-void FindAlterations(MergeState& state, PdfReader& reader, MergeShell& shell);
+void FindAlterations(MergeState& state, FileModule& files, PdfReader& reader, MergeShell& shell);
 
 /// Whether the trailer of a section that was just read says the same to other programs, and that the newest
 /// one tells of no encryption. To be called before the section counts as read.
@@ -33,5 +33,12 @@ void CheckCatalog(const ReadInput& input, const ReadInput& first, MergeShell& sh
 /// The part of it about forms; both are what the catalogs give as /AcroForm.
 void CheckForm(const ReadInput& input, std::string_view form, const ReadInput& first,
                std::string_view firstForm, MergeShell& shell);
+
+/// Whether "endstream" stands where every stream's data ends.
+void CheckStreamEnds(const ReadInput& input, FileModule& files, MergeShell& shell);
+
+/// Whether every reference leads to the same object in the output. The first input has to be followed by a
+/// second one.
+void CheckReferences(const ReadInput& input, MergeShell& shell);
 
 }  // namespace folioweld

@@ -38,6 +38,28 @@ const char* Words(AlterationKind kind) {
       return "the printing condition of its catalog is lost, and colours can look otherwise";
     case AlterationKind::FieldsDrawnOtherwise:
       return "a field is drawn by the form in its catalog, which is lost, and can look otherwise or empty";
+    case AlterationKind::StreamEndsElsewhere:
+      return "\"endstream\" does not stand where the stream's /Length says: other programs look for it, and "
+             "the output has what /Length says";
+    case AlterationKind::StringLosesBytes:
+      return "a string over several lines loses the blanks before their ends and its empty lines";
+    case AlterationKind::ReferenceNotSeen:
+      return "a reference with a tab, a form feed, a NUL, a comment or more than ten digits keeps its "
+             "number, "
+             "and leads to an object of another document";
+    case AlterationKind::ReferenceToLater:
+      return "a reference to an object that the document does not have leads to one of a later document";
+    case AlterationKind::ReferenceToFiller:
+      return "a reference to object 0, which is never one, leads to an object of the output";
+    case AlterationKind::GenerationChanged:
+      return "the object's header gives another generation than the cross-reference table, and the output "
+             "has "
+             "that of the table";
+    case AlterationKind::ObjectLeftOut:
+      return "the object is in use, but with the generation 65535 of free ones, and is not in the output";
+    case AlterationKind::ObjectCutShort:
+      return "\"endobj\" or \"stream\" at a line's end within a string, a comment or a name ends the object "
+             "there";
   }
   return "";
 }

@@ -4,6 +4,8 @@ namespace folioweld {
 
 namespace {
 
+constexpr CharacterSet kOpaqueMarks{"(<%"};
+
 std::int32_t IndexOfKeyword(std::string_view word, std::span<const std::string_view> keywords) {
   for (std::size_t i = 0; i < keywords.size(); ++i) {
     if (word == keywords[i]) return static_cast<std::int32_t>(i);
@@ -70,6 +72,31 @@ std::size_t SkipHexString(std::string_view text, std::size_t index) {
 
 std::size_t SkipComment(std::string_view text, std::size_t index) {
   return kLineEndSet.Find(text, index);
+}
+
+bool HasOtherWhiteSpace(std::string_view text) {
+  // A quick search for each: few texts have any.
+  for (const char c : {'\t', '\f', '\0'}) {
+    if (text.find(c) != std::string_view::npos) return true;
+  }
+  return false;
+}
+
+bool FindOpaque(std::string_view text, std::size_t index, OpaquePiece& piece) {
+  for (;;) {
+    index = kOpaqueMarks.Find(text, index);
+    if (index == text.size()) return false;
+    if (text.substr(index, 2) == "<<") {
+      index += 2;
+      continue;
+    }
+    const char c = text[index];
+    const std::size_t end = c == '('   ? SkipLiteralString(text, index)
+                            : c == '%' ? SkipComment(text, index)
+                                       : SkipHexString(text, index);
+    piece = {index, end};
+    return true;
+  }
 }
 
 bool ReadNumberPair(std::string_view text, std::size_t index, std::span<const std::string_view> keywords,

@@ -29,6 +29,8 @@ inline constexpr CharacterSet kLineEndSet{kLineEnd};
 inline constexpr CharacterSet kDelimiterSet{kDelimiters};
 inline constexpr CharacterSet kDelimiterOrEscapeSet{kDelimitersWithEscape};
 inline constexpr CharacterSet kDigitSet{"0123456789"};
+/// White space to other programs.
+inline constexpr CharacterSet kOtherWhiteSpaceSet{std::string_view(" \r\n\t\f\0", 6)};
 
 /// The text without the white space at its right end, or at both ends.
 [[nodiscard]] constexpr std::string_view TrimRightBlanks(std::string_view text) {
@@ -96,6 +98,18 @@ class DecimalDigits {
   return kDelimiterSet.Find(text, index + 1);
 }
 
+/// Whether the text has a tab, a form feed or a NUL, which are white space to other programs.
+[[nodiscard]] bool HasOtherWhiteSpace(std::string_view text);
+
+/// A literal string, a hex string or a comment: what is passed over as a whole.
+struct OpaquePiece {
+  std::size_t Start = 0;
+  std::size_t End = 0;
+};
+
+/// Looks for the next one from `index` (outside such) on; false when there is none.
+[[nodiscard]] bool FindOpaque(std::string_view text, std::size_t index, OpaquePiece& piece);
+
 /// Two numbers and a keyword, as in "12 0 obj" and "12 0 R", as far as the text holds them.
 struct NumberPair {
   std::int32_t Number = -1;      ///< -1 = the text is no number that white space follows
@@ -122,5 +136,30 @@ inline constexpr std::string_view kObjectOrReference[] = {"obj", "R"};
 /// comments. False when there is none. Linear in the text that it passes.
 [[nodiscard]] bool FindReference(std::string_view text, std::size_t index,
                                  std::span<const std::string_view> keywords, NumberPair& found);
+
+/// Gives `take` the digits of whatever may be the number of a reference, found backwards from each "R". Takes
+/// a fraction of the time of `FindReference` and misses none; strings and comments are not told from the
+/// rest.
+template <typename Take>
+void GuessReferences(std::string_view text, Take take) {
+  // The run of members of the set that ends at `end`; empty when there is none.
+  const auto runBefore = [&](const CharacterSet& set, std::size_t end) {
+    std::size_t start = end;
+    while (start > 0 && set.Has(text[start - 1])) --start;
+    return text.substr(start, end - start);
+  };
+  for (std::size_t r = text.find('R'); r != std::string_view::npos; r = text.find('R', r + 1)) {
+    std::size_t end = r;
+    std::string_view run;
+    // Backwards: white space, the generation, white space.
+    for (const CharacterSet* set : {&kOtherWhiteSpaceSet, &kDigitSet, &kOtherWhiteSpaceSet}) {
+      run = runBefore(*set, end);
+      if (run.empty()) break;
+      end -= run.size();
+    }
+    if (!run.empty()) run = runBefore(kDigitSet, end);
+    if (!run.empty()) take(run);
+  }
+}
 
 }  // namespace folioweld

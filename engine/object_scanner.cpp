@@ -4,8 +4,10 @@
 #include <cstddef>
 #include <utility>
 
+#include "engine/alteration.h"
 #include "engine/lexer.h"
 #include "engine/line_cursor.h"
+#include "engine/object_text.h"
 #include "engine/pass_guard.h"
 #include "engine/pdf_reader.h"
 
@@ -54,7 +56,8 @@ class ObjectScan {
         start_(slot == 2 ? state.DocObjectCount(1) : 0),
         textLeft_(ByteAllowance(files.FileLength(fileNumber_))),
         captionPrefix_(shell.StatusText(slot - 1)),
-        lines_(files, fileNumber_, 1) {}
+        lines_(files, fileNumber_, 1),
+        rewritten_(IsRewritten(state, slot)) {}
 
   void Run() {
     if (slot_ == 2) state_.ObjLineLast = state_.ObjLineCount;
@@ -107,6 +110,7 @@ class ObjectScan {
     } else if (slot_ == 2 && index == start_) {
       MakeFiller(index);
     } else {
+      if (number_ > 0 && entry.EntryType == 'n' && !rewritten_) Note(AlterationKind::ObjectLeftOut);
       state_.Objects[index].ObjState = kNoObject;
     }
   }
@@ -127,7 +131,7 @@ class ObjectScan {
   void DescribeObject(std::int32_t index) {
     offset_ = state_.Objects[index].OutOffset;
     const ObjectEnd objectEnd = GatherText(index);
-    const std::string_view text = std::string_view(text_).substr(0, text_.size() - 1);
+    const std::string_view text = text_.View();
     std::int32_t generation = -1;
     const std::int32_t bodyPosition = ParseObjectHeader(text, 1, number_, generation);
     if (bodyPosition < 1) {
@@ -135,12 +139,13 @@ class ObjectScan {
     }
     const std::size_t bodyStart = static_cast<std::size_t>(bodyPosition) - 1;
     const std::size_t keywordLength = objectEnd.HasStream ? kStream.size() : kEndObject.size();
+    if (!rewritten_) FindAlterations(keywordLength, generation != state_.Objects[index].Generation);
     // The header's keyword and the closing one may not overlap, as in "1 0 obj" without a body.
     if (text.size() < bodyStart + keywordLength) Fail("the object has no value");
     const std::string_view body = TrimBlanks(text.substr(bodyStart, text.size() - bodyStart - keywordLength));
     // The closing keyword follows the body and makes room for its end.
     const auto bodyOffset = static_cast<std::size_t>(body.data() - text.data());
-    text_[bodyOffset + body.size()] = objectEnd.HasStream ? '\n' : '\r';
+    text_.Put(bodyOffset + body.size(), objectEnd.HasStream ? '\n' : '\r');
     const std::string_view kept = state_.Texts.Keep(text.substr(bodyOffset, body.size() + 1));
     StoreLines(index, kept, objectEnd.HasStream);
     if (objectEnd.HasStream) LocateStream(index, objectEnd.KeywordOffset);
@@ -148,14 +153,21 @@ class ObjectScan {
     if (objectEnd.HasStream) TakeStreamLength(index);
   }
 
-  /// Gathers lines in `text_`, each with a carriage return after it, until one ends with "stream" or
-  /// "endobj".
+  /// What the text of the object will be otherwise in the output.
+  void FindAlterations(std::size_t keywordLength, bool otherGeneration) {
+    if (otherGeneration) Note(AlterationKind::GenerationChanged);
+    if (text_.EndsWithin(keywordLength)) Note(AlterationKind::ObjectCutShort);
+    if (text_.StringLosesBytes(files_, fileNumber_)) Note(AlterationKind::StringLosesBytes);
+  }
+
+  void Note(AlterationKind kind) { NoteAlteration(state_, slot_, kind, number_); }
+
+  /// Gathers lines in `text_` until one ends with "stream" or "endobj".
   [[nodiscard]] ObjectEnd GatherText(std::int32_t index) {
     LineCursor& lines = lines_;
     lines.GoTo(CheckedAdd(state_.Objects[index].OutOffset, 1));
-    std::int64_t behind = state_.Objects[index].OutOffset;
-    bool begun = false;
-    text_.clear();
+    std::int64_t readTo = state_.Objects[index].OutOffset;
+    text_.Clear();
     for (;;) {
       shell_.Yield();
       const bool read = lines.Next();
@@ -167,13 +179,11 @@ class ObjectScan {
       }
       // The bytes between the lines count, too: they have been read as well.
       const std::int64_t end = lines.Offset() + static_cast<std::int64_t>(lines.Line.size());
-      textLeft_ -= end - std::exchange(behind, end);
+      textLeft_ -= end - std::exchange(readTo, end);
       if (textLeft_ < 0) FailForLength(lines.Line);
-      const std::string_view line = begun ? TrimRightBlanks(lines.Line) : TrimBlanks(lines.Line);
+      const std::string_view line = text_.Empty() ? TrimBlanks(lines.Line) : TrimRightBlanks(lines.Line);
       if (line.empty()) continue;
-      begun = true;
-      text_ += line;
-      text_ += '\r';
+      text_.Append(line, lines.Offset() + (line.data() - lines.Line.data()));
       if (EndsWith(line, kEndObject)) return {};
       if (EndsWith(line, kStream)) {
         const std::ptrdiff_t inLine = line.data() + line.size() - kStream.size() - lines.Line.data();
@@ -284,7 +294,8 @@ class ObjectScan {
   std::int64_t textLeft_;
   std::string captionPrefix_;
   LineCursor lines_;
-  std::string text_;  ///< of the object that is being read; used again for the next one
+  ObjectText text_;  ///< of the object that is being read; used again for the next one
+  bool rewritten_;   ///< by this run, so that nothing can be found
   std::int32_t number_ = -1;
   std::int64_t offset_ = -1;
 };

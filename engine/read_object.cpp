@@ -10,19 +10,6 @@ namespace folioweld {
 
 namespace {
 
-/// White space to others, and part of a token here.
-constexpr std::string_view kFurtherWhiteSpace("\t\f\0", 3);
-
-bool IsFurtherWhiteSpace(char c) {
-  return kFurtherWhiteSpace.find(c) != std::string_view::npos;
-}
-
-/// Nearly no text has any, so the search for each one alone is the quicker one.
-bool HasFurtherWhiteSpace(std::string_view text) {
-  const auto has = [text](char c) { return text.find(c) != std::string_view::npos; };
-  return std::any_of(kFurtherWhiteSpace.begin(), kFurtherWhiteSpace.end(), has);
-}
-
 const ObjectEntry* FindEntry(const MergeState& state, std::int16_t slot, std::int32_t number) {
   if (number < 0 || number >= state.DocObjectCount(slot)) return nullptr;
   const std::int32_t index = TableIndexOf(state, number, slot);
@@ -51,9 +38,10 @@ std::string PlainName(std::string_view written) {
 }
 
 std::int32_t ParseAsOthersDo(const ReadInput& input, std::string_view text) {
-  if (HasFurtherWhiteSpace(text)) {
+  if (HasOtherWhiteSpace(text)) {
     std::string spaced(text);
-    std::replace_if(spaced.begin(), spaced.end(), IsFurtherWhiteSpace, ' ');
+    std::replace_if(
+        spaced.begin(), spaced.end(), [](char c) { return kOtherWhiteSpaceSet.Has(c); }, ' ');
     text = input.State.Texts.Keep(spaced);
   }
   std::int32_t firstRow = -1;
@@ -74,7 +62,7 @@ ReadObject::ReadObject(const ReadInput& input, std::int32_t number)
   if (!Exists()) return;
   text_ = state_.ObjLines[entry_->LastLine];
   if (!IsDictionary()) return;
-  firstRow_ = HasFurtherWhiteSpace(text_) ? ParseAsOthersDo(input, TrimBlanks(text_)) : entry_->ObjAux;
+  firstRow_ = HasOtherWhiteSpace(text_) ? ParseAsOthersDo(input, TrimBlanks(text_)) : entry_->ObjAux;
 }
 
 std::int32_t ReferencedNumber(std::string_view text) {

@@ -88,7 +88,7 @@ bool PdfBuilder::BuildOutputPasses1And2() {
     CheckStreams(state_, files_, 1, 0, state_.ObjectsInDoc1);
     CheckStreams(state_, files_, 2, state_.ObjectsInDoc1, state_.ObjectsTotal);
     PdfReader reader(state_, files_, shell_);
-    FindAlterations(state_, reader, shell_);
+    FindAlterations(state_, files_, reader, shell_);
     return true;
   });
   if (!resolved) return false;

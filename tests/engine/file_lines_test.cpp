@@ -354,7 +354,7 @@ TEST(LineCursorTest, TellsWhereAndWhyItStopped) {
   FaultingSystem system;
   FileModule files(system);
   const std::int16_t number =
-      files.OpenForBinaryRead(folder.Write("in", "\nfirst\n\r\n second \r" + std::string(100001, 'x')));
+      files.OpenForBinaryRead(folder.Write("in", "\nfirst\n\r\n second \r" + std::string(300001, 'x')));
   LineCursor cursor(files, number, 1);
   ASSERT_TRUE(cursor.Next());
   EXPECT_EQ(cursor.Line, "first");
@@ -365,7 +365,7 @@ TEST(LineCursorTest, TellsWhereAndWhyItStopped) {
   EXPECT_FALSE(cursor.Next());
   EXPECT_EQ(cursor.Offset(), 18);
   EXPECT_EQ(cursor.Problem(), "a line is longer than 100000 bytes or has no end");
-  LineCursor behind(files, number, 200000);
+  LineCursor behind(files, number, 400000);
   EXPECT_FALSE(behind.Next());
   EXPECT_EQ(behind.Problem(), "the file ends here");
   system.Decide = FaultingSystem::Failing("ReadFile", EIO);

@@ -1,7 +1,10 @@
 #include "engine/lexer.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <random>
 #include <string>
+#include <vector>
 
 namespace folioweld {
 namespace {
@@ -88,6 +91,62 @@ TEST(ReadNumberPair, ADelimiterEndsNoNumber) {
   EXPECT_FALSE(ReadNumberPair("12 0[ obj", 0, kObjectKeyword, pair));
   EXPECT_EQ(pair.Number, 12);
   EXPECT_EQ(pair.Generation, -1);
+}
+
+using Pieces = std::vector<std::string>;
+
+Pieces OpaqueIn(std::string_view text) {
+  Pieces pieces;
+  OpaquePiece piece;
+  while (FindOpaque(text, piece.End, piece))
+    pieces.emplace_back(text.substr(piece.Start, piece.End - piece.Start));
+  return pieces;
+}
+
+TEST(FindOpaque, FindsStringsHexStringsAndComments) {
+  EXPECT_EQ(OpaqueIn("<</A(b(c))/D<65>%f (g\r/H 1>>"), (Pieces{"(b(c))", "<65>", "%f (g"}));
+  EXPECT_EQ(OpaqueIn("<</A 1>>"), Pieces{});
+  EXPECT_EQ(OpaqueIn("(%)(<"), (Pieces{"(%)", "(<"}));
+  EXPECT_EQ(OpaqueIn("<"), (Pieces{"<"}));
+  EXPECT_EQ(OpaqueIn(""), Pieces{});
+}
+
+TEST(HasOtherWhiteSpace, IsATabAFormFeedOrANul) {
+  EXPECT_FALSE(HasOtherWhiteSpace(" a\r\n"));
+  EXPECT_TRUE(HasOtherWhiteSpace("a\t"));
+  EXPECT_TRUE(HasOtherWhiteSpace("\f"));
+  EXPECT_TRUE(HasOtherWhiteSpace(std::string_view("a\0b", 3)));
+}
+
+Pieces GuessedIn(std::string_view text) {
+  Pieces numbers;
+  GuessReferences(text, [&](std::string_view digits) { numbers.emplace_back(digits); });
+  return numbers;
+}
+
+TEST(GuessReferences, FindsTheNumberOfWhateverLooksLikeAReference) {
+  EXPECT_EQ(GuessedIn("/A 12 0 R/B(3 0 R)/C 4\t0\fR"), (Pieces{"12", "3", "4"}));
+  EXPECT_EQ(GuessedIn("R 0 R /R 1 R 5 0R 0 0 /Rotate 5 R"), Pieces{});
+  EXPECT_EQ(GuessedIn("1 2 R"), (Pieces{"1"}));
+}
+
+/// Whatever the lookup finds has been guessed: in random texts of the characters that count.
+TEST(GuessReferences, MissesNoReferenceOfRandomTexts) {
+  std::mt19937 random(7);
+  constexpr std::string_view kCharacters = "R R R 0123  \r\n()<>[]/%\\\t";
+  int references = 0;
+  for (int round = 0; round < 100000; ++round) {
+    std::string text(20, ' ');
+    for (char& c : text) c = kCharacters[random() % kCharacters.size()];
+    std::vector<std::string> guessed = GuessedIn(text);
+    NumberPair found;
+    while (FindReference(text, found.End, kReferenceKeyword, found)) {
+      ++references;
+      const std::string digits = text.substr(found.Start, found.NumberEnd - found.Start);
+      ASSERT_NE(std::find(guessed.begin(), guessed.end(), digits), guessed.end()) << text;
+    }
+  }
+  EXPECT_GT(references, 100);
 }
 
 }  // namespace

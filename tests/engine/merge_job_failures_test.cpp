@@ -319,7 +319,7 @@ TEST_F(MergeJobFailureTest, OfAnInputThatCannotBeReadAnyMore) {
   RunAndFail(SimpleDocument(1), DocumentBuilder()
                                     .Object(1, "<</Pages 2 0 R>>")
                                     .Object(2, "<</Count 0>>")
-                                    .Stream(3, "", std::string(50000, 'x'))
+                                    .Stream(3, "", std::string(500000, 'x'))
                                     .Build());
   EXPECT_EQ(run_.Status(2), kBuilt + kPass4 + kFailed + "\r\n");
   ExpectOutputDeleted();

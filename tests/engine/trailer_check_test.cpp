@@ -41,7 +41,9 @@ std::string Told(const std::string& document) {
                          : found.Kind == Kind::StartXrefDisputed    ? "startxref"
                          : found.Kind == Kind::TrailerReadOtherwise ? "trailer"
                          : found.Kind == Kind::KeyRepeated          ? "repeated"
-                                                                    : "another kind";
+                                                                    : nullptr;
+      // The tests' own references are odd as well.
+      if (kind == nullptr) continue;
       words[first ? 0 : 1] += std::string(kind) + " " + std::to_string(found.ObjectNumber) +
                               (found.Detail.empty() ? "" : ": " + found.Detail) + "; ";
     }

@@ -1,0 +1,119 @@
+// References that lead elsewhere in the output: to an object of another document, or to one where there was
+// none.
+
+#include <string>
+
+#include "engine/alteration.h"
+#include "engine/alteration_checks.h"
+#include "engine/lexer.h"
+
+namespace folioweld {
+
+namespace {
+
+constexpr std::size_t kMostDigits = 10;
+
+/// Appends text that holds no string and no comment, with a space for all white space and without the leading
+/// zeros that make a number too long.
+void AppendPlain(std::string_view text, std::string& seen) {
+  for (std::size_t i = 0; i < text.size();) {
+    const std::size_t end = kDigitSet.Skip(text, i);
+    if (end > i) {
+      while (end - i > kMostDigits && text[i] == '0') ++i;
+      seen += text.substr(i, end - i);
+      i = end;
+    } else {
+      seen += kOtherWhiteSpaceSet.Has(text[i]) ? ' ' : text[i];
+      ++i;
+    }
+  }
+}
+
+/// The text as other programs see its references.
+std::string AsOthersSee(std::string_view text) {
+  std::string seen;
+  std::size_t plain = 0;
+  OpaquePiece piece;
+  while (FindOpaque(text, plain, piece)) {
+    AppendPlain(text.substr(plain, piece.Start - plain), seen);
+    const bool isComment = text[piece.Start] == '%';
+    seen += isComment ? std::string_view(" ") : text.substr(piece.Start, piece.End - piece.Start);
+    plain = piece.End;
+  }
+  AppendPlain(text.substr(plain), seen);
+  return seen;
+}
+
+int CountReferences(std::string_view text) {
+  int count = 0;
+  NumberPair found;
+  while (FindReference(text, found.End, kReferenceKeyword, found)) ++count;
+  return count;
+}
+
+/// Looks at the texts of one input.
+class ReferenceCheck {
+ public:
+  explicit ReferenceCheck(const ReadInput& input) : input_(input), state_(input.State) {}
+
+  void Look(std::int32_t number, std::string_view text) {
+    if (!IsWorthAWalk(text)) return;
+    const std::string seen = AsOthersSee(text);
+    NumberPair found;
+    while (FindReference(seen, found.End, kReferenceKeyword, found)) {
+      if (LeadsElsewhere(found.Number)) Note(number, found);
+    }
+    if (input_.Slot == 2 && CountReferences(seen) > CountReferences(text)) {
+      NoteAlteration(state_, input_.Slot, AlterationKind::ReferenceNotSeen, number);
+    }
+  }
+
+ private:
+  /// Most texts have no comment, no odd white space and no number that could be one to tell of.
+  [[nodiscard]] bool IsWorthAWalk(std::string_view text) const {
+    if (text.find('%') != std::string_view::npos || HasOtherWhiteSpace(text)) return true;
+    bool worth = false;
+    GuessReferences(text, [&](std::string_view digits) { worth = worth || MayLeadElsewhere(digits); });
+    return worth;
+  }
+
+  /// A first look at the digits of a number, which few pass.
+  [[nodiscard]] bool MayLeadElsewhere(std::string_view digits) const {
+    if (digits.size() > kMostDigits) return true;
+    return input_.Slot == 2 ? digits[0] == '0' : NumberOf(digits) >= state_.ObjectsInDoc1;
+  }
+
+  /// In the first input: an object that it does not have and the output has. In the second one: object 0, in
+  /// whose place the output has the filler.
+  [[nodiscard]] bool LeadsElsewhere(std::int32_t number) const {
+    if (input_.Slot == 2) return number == 0;
+    if (number < state_.ObjectsInDoc1 || number >= state_.ObjectsTotal) return false;
+    const std::int32_t target = state_.Objects[number].ObjState;
+    return target != kNoObject && target != kListed;
+  }
+
+  void Note(std::int32_t number, const NumberPair& reference) {
+    NoteAlteration(state_, input_.Slot,
+                   input_.Slot == 2 ? AlterationKind::ReferenceToFiller : AlterationKind::ReferenceToLater,
+                   number,
+                   std::to_string(reference.Number) + " " + std::to_string(reference.Generation) + " R");
+  }
+
+  const ReadInput& input_;
+  MergeState& state_;
+};
+
+}  // namespace
+
+void CheckReferences(const ReadInput& input, MergeShell& shell) {
+  MergeState& state = input.State;
+  ReferenceCheck check(input);
+  for (std::int32_t number = 0; number < state.DocObjectCount(input.Slot); ++number) {
+    if (YieldAndCheckAbort(shell, state)) throw RuleBroken({input.Slot, number, -1, kCancelled});
+    const ObjectEntry& entry = state.Objects[TableIndexOf(state, number, input.Slot)];
+    const bool isObject = entry.ObjState == kWithoutStream || entry.ObjState == kWithStream;
+    if (isObject && entry.LastLine >= 0) check.Look(number, state.ObjLines[entry.LastLine]);
+  }
+}
+
+}  // namespace folioweld

@@ -1,0 +1,46 @@
+// Whether every stream ends where its /Length says. Where one does not, other programs look for "endstream",
+// and the output gets what /Length says.
+
+#include <string>
+
+#include "engine/alteration.h"
+#include "engine/alteration_checks.h"
+#include "engine/lexer.h"
+
+namespace folioweld {
+
+namespace {
+
+constexpr std::string_view kEndStream = "endstream";
+/// Bytes looked at after the data: the keyword, and white space that others pass over before it.
+constexpr std::int16_t kLookedAt = 16;
+
+bool EndsThere(const ReadInput& input, FileModule& files, const ObjectEntry& entry) {
+  std::string bytes;
+  const std::int32_t position = CheckedAdd(CheckedAdd(entry.StreamStart, entry.StreamLength), 1);
+  const std::int16_t count =
+      files.ReadBlock(input.State.DocFileNumber(input.Slot), position, kLookedAt, bytes);
+  if (count < 0 && count != kBeyondEnd) {
+    throw RuleBroken({input.Slot, entry.ObjNumber, entry.StreamStart,
+                      "the stream cannot be read: " + files.LastError().Words()});
+  }
+  const std::size_t start = kOtherWhiteSpaceSet.Skip(bytes, 0);
+  return std::string_view(bytes).substr(start, kEndStream.size()) == kEndStream;
+}
+
+}  // namespace
+
+void CheckStreamEnds(const ReadInput& input, FileModule& files, MergeShell& shell) {
+  MergeState& state = input.State;
+  if (IsRewritten(state, input.Slot) || files.FileLength(state.DocFileNumber(input.Slot)) < 0) return;
+  for (std::int32_t number = 0; number < state.DocObjectCount(input.Slot); ++number) {
+    const ObjectEntry& entry = state.Objects[TableIndexOf(state, number, input.Slot)];
+    if (entry.ObjState != kWithStream) continue;
+    if (YieldAndCheckAbort(shell, state)) throw RuleBroken({input.Slot, number, -1, kCancelled});
+    if (!EndsThere(input, files, entry)) {
+      NoteAlteration(state, input.Slot, AlterationKind::StreamEndsElsewhere, number);
+    }
+  }
+}
+
+}  // namespace folioweld
