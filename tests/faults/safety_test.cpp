@@ -147,7 +147,7 @@ TEST_F(Safety, NothingInAFolderBlocksTheMerge) {
     testing::QuietSystem system;
     return static_cast<int>(Run(system, folder_.File("out.pdf"), docs));
   });
-  EXPECT_EQ(end.Status, kJoinedWithLosses) << "the empty document is named";
+  EXPECT_EQ(end.Status, kEverythingJoined);
   const std::string output = ReadFile(folder_.File("out.pdf"));
   for (const char* text : {"text of a", "text of b", "text of c"}) {
     EXPECT_NE(output.find(text), std::string::npos);
