@@ -1,7 +1,9 @@
 #include "ui/desktop_viewer.h"
 
+#include <cstring>
 #include <gio/gdesktopappinfo.h>
 #include <gio/gio.h>
+#include <string_view>
 
 #include "ui/x11_windows.h"
 
@@ -26,12 +28,21 @@ std::string ContentTypeOf(const std::string& extension) {
   return Taken(g_content_type_guess(("document." + extension).c_str(), nullptr, 0, nullptr));
 }
 
+/// The word of a command line that names the program: not "env" with the variables that it sets.
+const char* ProgramWord(char** words) {
+  char** word = words;
+  const std::string_view first(words[0]);
+  if (first.substr(first.rfind('/') + 1) == "env") ++word;
+  while (word != words && *word != nullptr && std::strchr(*word, '=') != nullptr) ++word;
+  return *word == nullptr || **word == '-' ? words[0] : *word;
+}
+
 std::string FullProgramPath(GAppInfo* program) {
   // Not g_app_info_get_executable, which ends at the first blank, also within quotes.
   const char* commandLine = g_app_info_get_commandline(program);
   char** words = nullptr;
   if (commandLine == nullptr || !g_shell_parse_argv(commandLine, nullptr, &words, nullptr)) return {};
-  std::string path = Taken(g_find_program_in_path(words[0]));
+  std::string path = Taken(g_find_program_in_path(ProgramWord(words)));
   g_strfreev(words);
   return path;
 }

@@ -23,7 +23,11 @@ class DesktopViewerTest : public ::testing::Test {
     for (const char* name : {"applications", "config"}) home_->MakeFolder(name);
     home_->Write("applications/reader.desktop", "[Desktop Entry]\nType=Application\nName=Reader\nExec=\"" +
                                                     Program() + "\" %f\nMimeType=application/pdf;\n");
-    home_->Write("config/mimeapps.list", "[Default Applications]\napplication/pdf=reader.desktop\n");
+    home_->Write("applications/wrapped.desktop",
+                 "[Desktop Entry]\nType=Application\nName=Wrapped\nExec=env A=1 B= \"" + Program() +
+                     "\" %f\nMimeType=image/png;\n");
+    home_->Write("config/mimeapps.list",
+                 "[Default Applications]\napplication/pdf=reader.desktop\nimage/png=wrapped.desktop\n");
     qputenv("XDG_DATA_HOME", home_->Path().c_str());
     qputenv("XDG_CONFIG_HOME", home_->File("config").c_str());
   }
@@ -70,6 +74,10 @@ TEST_F(DesktopViewerTest, GivesNamesOfAnyBytesToTheReaderAsOneArgument) {
     fs::remove(home_->File(name));
   }
   EXPECT_FALSE(Exists("x") || Exists("z.pdf"));
+}
+
+TEST_F(DesktopViewerTest, NamesTheProgramAndNotTheEnvThatStartsIt) {
+  EXPECT_EQ(desktop_.FindPdfReader("png"), Program());
 }
 
 TEST_F(DesktopViewerTest, AReaderThatHasGoneSinceItWasFoundIsNobodyToWaitFor) {
