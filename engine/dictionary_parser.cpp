@@ -34,7 +34,7 @@ bool IsDictionaryText(std::string_view text) {
   return text.size() >= 4 && text.substr(0, 2) == "<<" && text.substr(text.size() - 2) == ">>";
 }
 
-/// Where comments begin. A "%" behind the last line end of the text opens none, because trailer lines are
+/// Where comments begin. A "%" after the last line end of the text opens none, because trailer lines are
 /// joined without line ends. The last line end is looked up once for a dictionary: a search from every "%"
 /// would take the square of the text's length.
 class CommentStarts {
@@ -67,10 +67,10 @@ class EntryWalk {
   [[nodiscard]] bool Next() {
     const std::size_t key = FindKey(index_);
     if (key == text_.size()) return false;
-    const std::size_t behindKey = SkipName(text_, key);
-    key_ = Between(key, behindKey);
+    const std::size_t afterKey = SkipName(text_, key);
+    key_ = Between(key, afterKey);
     comments_.clear();
-    valueStart_ = SkipBlanksAndComments(behindKey);
+    valueStart_ = SkipBlanksAndComments(afterKey);
     index_ = FindValueEnd(valueStart_);
     return true;
   }
@@ -86,19 +86,19 @@ class EntryWalk {
     std::size_t start = valueStart_;
     for (const Comment& comment : comments_) {
       value += Between(start, comment.Start);
-      start = comment.Behind;
+      start = comment.End;
     }
     return value += Between(start, index_);
   }
 
-  /// 0-based index behind the last value.
+  /// 0-based index after the last value.
   [[nodiscard]] std::size_t Index() const { return index_; }
   [[nodiscard]] bool AtEnd() const { return index_ == text_.size(); }
 
  private:
   struct Comment {
     std::size_t Start = 0;
-    std::size_t Behind = 0;
+    std::size_t End = 0;
   };
 
   [[nodiscard]] std::string_view Between(std::size_t start, std::size_t end) const {
@@ -182,9 +182,9 @@ class EntryWalk {
 
   [[nodiscard]] std::size_t PassPercent(std::size_t index) {
     if (!commentStarts_.Has(index)) return index + 1;
-    const std::size_t behind = SkipComment(text_, index);
-    comments_.push_back({index, behind});
-    return behind;
+    const std::size_t end = SkipComment(text_, index);
+    comments_.push_back({index, end});
+    return end;
   }
 
   std::string_view text_;
@@ -249,7 +249,7 @@ std::int32_t PdfReader::ParseDictionaryText(std::string_view text, std::int32_t 
   const std::int32_t position = ParseDictionaryEntries(inner, firstEntry);
   if (firstEntry < 0 && inner.find('/') == std::string_view::npos) return TrimBlanks(inner).empty() ? 0 : -1;
   if (position == 0) return 0;
-  // A non-zero value in any case: the inner text begins two characters behind the start.
+  // A non-zero value in any case: the inner text begins two characters after the start.
   return position + static_cast<std::int32_t>(begin) + 2;
 }
 

@@ -87,8 +87,8 @@ class PagePasting {
                : "the catalog has no page tree (/Pages)");
     }
     const std::int32_t first = slot == 1 ? 0 : state_.ObjectsInDoc1;
-    const std::int32_t behind = slot == 1 ? state_.ObjectsInDoc1 : state_.ObjectsTotal;
-    if (pages.Number < first || pages.Number >= behind) {
+    const std::int32_t end = slot == 1 ? state_.ObjectsInDoc1 : state_.ObjectsTotal;
+    if (pages.Number < first || pages.Number >= end) {
       Fail(slot, catalog, "the root of the page tree (/Pages) is not in the document");
     }
     return pages;

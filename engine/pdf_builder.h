@@ -49,12 +49,12 @@ class PdfBuilder {
   /// failure.
   [[nodiscard]] std::int32_t WriteOutputFile();
 
-  /// Writes a text at a 0-based offset, in chunks of at most 1000 bytes. Returns the offset behind it, -1 on
+  /// Writes a text at a 0-based offset, in chunks of at most 1000 bytes. Returns the offset after it, -1 on
   /// failure.
   [[nodiscard]] std::int32_t WriteTextAt(std::string_view text, std::int32_t position);
 
   /// Writes "stream" LF, `length` bytes of the input from the 0-based offset `streamStart`, "endstream" CR
-  /// LF; the data goes in blocks of 1000 bytes. Returns the offset behind it (also in `position`), a value
+  /// LF; the data goes in blocks of 1000 bytes. Returns the offset after it (also in `position`), a value
   /// below 1 on failure.
   [[nodiscard]] std::int32_t CopyStreamBytes(std::int16_t inputFile, std::int32_t streamStart,
                                              std::int32_t length, std::int32_t& position);

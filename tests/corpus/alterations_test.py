@@ -68,14 +68,14 @@ class Alterations(unittest.TestCase):
             out.write(data)
         return path
 
-    def joined(self, warning, *documents):
-        """Joins the documents, which has to succeed with this warning and no other; the paths of the inputs and of the
+    def joined(self, warning, *documents, warnings=1):
+        """Joins the documents, which has to succeed with this warning and no other, or so many; the paths of the inputs and of the
         output."""
         paths = [self.file(f"{i}.pdf", data) for i, data in enumerate(documents, 1)]
         outcome = self.world.join(PROGRAM, [(os.path.basename(path), path) for path in paths])
         self.assertEqual([], outcome.problems)
         self.assertEqual(3, outcome.status, outcome.stderr)
-        self.assertEqual(1, len(outcome.stderr.splitlines()), outcome.stderr)
+        self.assertEqual(warnings, len(outcome.stderr.splitlines()), outcome.stderr)
         self.assertIn(warning, outcome.stderr)
         return [*paths, outcome.output]
 
@@ -111,7 +111,7 @@ class Alterations(unittest.TestCase):
 
     def test_page_tree_with_a_missing_node(self):
         wrong = plain("a") | {2: "<</Type/Pages/Kids[3 0 R 8 0 R]/Count 2>>"}
-        first, second, output = self.joined("an object that is no page", document(wrong), document(plain("b", 3)))
+        first, second, output = self.joined("an object that is no page", document(wrong), document(plain("b", 3)), warnings=2)
         self.assertEqual(["b1", "b2", "b3"], self.texts(second))
         self.assertEqual(["a", "b1", "b1", "b2", "b3"], self.texts(output), "object 8 is a page of the second one now")
 
@@ -179,6 +179,49 @@ class Alterations(unittest.TestCase):
         first, second, output = self.joined("the printing condition", document(plain("a")), document(press))
         self.assertIn("/OutputIntents", str(self.catalog(second)))
         self.assertNotIn("/OutputIntents", str(self.catalog(output)))
+
+    def test_stream_that_is_longer_than_its_length(self):
+        short = plain("a") | {4: "<</Length 5>>" + text("a").partition(">>")[2]}
+        first, output = self.joined('"endstream" does not stand', document(short))
+        self.assertEqual((["a"], []), (self.texts(first), self.texts(output)))
+
+    def test_string_that_loses_blanks(self):
+        titled = plain("a") | {5: "<</S (b \n\nc)>>"}
+        first, output = self.joined("a string over several lines", document(titled))
+        self.assertEqual("u:b \n\nc", self.qpdf(first)["obj:5 0 R"]["value"]["/S"])
+        self.assertEqual("u:b\nc", self.qpdf(output)["obj:5 0 R"]["value"]["/S"])
+
+    def test_reference_with_a_tab(self):
+        tab = plain("b") | {3: page(4).replace("4 0 R", "4\t0 R")}
+        first, second, output = self.joined("keeps its number", document(plain("a")), document(tab))
+        self.assertEqual((["b"], ["a", "a"]), (self.texts(second), self.texts(output)))
+
+    def test_reference_to_an_object_of_a_later_document(self):
+        missing = plain("a") | {3: page(9)}
+        first, second, output = self.joined("leads to one of a later document", document(missing), document(plain("b")))
+        self.assertEqual(([], ["b", "b"]), (self.texts(first), self.texts(output)))
+
+    def test_reference_to_object_0(self):
+        null = plain("b") | {5: "<</A 0 0 R>>"}
+        first, second, output = self.joined("a reference to object 0", document(plain("a")), document(null))
+        self.assertIn(self.qpdf(second)["obj:5 0 R"]["value"].get("/A"), (None, "0 0 R"))
+        self.assertEqual(19540716, self.qpdf(output)["obj:5 0 R"]["value"])
+
+    def test_object_in_use_with_the_generation_of_free_ones(self):
+        data = document(plain("a")).decode("latin-1")
+        offset = data.index("4 0 obj")
+        data = data.replace("4 0 obj", "4 65535 obj").replace(f"{offset:010} 00000 n", f"{offset:010} 65535 n")
+        data = data.replace("/Contents 4 0 R", "/Contents 4 65535 R")
+        start = data.rindex("xref\n0 ")
+        data = data.replace(f"startxref\n{start - 8}\n", f"startxref\n{start}\n")
+        first, output = self.joined("is not in the output", data.encode("latin-1"))
+        self.assertEqual([], self.texts(output))
+
+    def test_object_that_ends_within_a_string(self):
+        cut = plain("a") | {5: "<</S(the endobj\n)/T 1>>"}
+        first, output = self.joined("ends the object there", document(cut))
+        self.assertIn("/T", str(self.qpdf(first)["obj:5 0 R"]))
+        self.assertNotIn("/T", str(self.qpdf(output).get("obj:5 0 R")))
 
     def catalog(self, path):
         objects = self.qpdf(path)
