@@ -12,7 +12,7 @@ look() {
   local checks='' said
   # What is compiled several files at a time includes sources, and on purpose.
   case $1 in */Unity/*) checks=-bugprone-suspicious-include ;; esac
-  case $1 in */tests/* | */fuzz/*) checks+=,-performance-* ;; esac
+  case $1 in */tests/* | */fuzz/*) checks+=',-performance-*' ;; esac
   said=$(clang-tidy-14 -p "$work" --quiet --checks="$checks" --header-filter="^$PWD/[^/]+/(.*/)?[^/]+\.(h|cpp)\$" "$1" 2>&1) ||
     { printf '%s\n' "$said"; return 1; }
 }
