@@ -15,7 +15,7 @@ void CheckStartXref(const ReadInput& input) {
 /// Of the catalog and of the root of the page tree.
 void CheckKeys(const ReadInput& input, MergeShell& shell) {
   const std::int32_t number = input.State.DocRootNumber(input.Slot);
-  const ReadObject catalog(input, number);
+  ReadObject catalog(input, number);
   CheckRepeatedKeys(input, shell, catalog.FirstRow(), number);
   const std::int32_t root = ReferencedNumber(catalog.Value("/Pages"));
   CheckRepeatedKeys(input, shell, ReadObject(input, root).FirstRow(), root);

@@ -16,7 +16,7 @@ std::size_t CountReferences(std::string_view array) {
 }
 
 /// A layer that the configuration hides is shown where there is none.
-bool HidesLayers(const ReadInput& input, const ReadObject& catalog) {
+bool HidesLayers(const ReadInput& input, ReadObject& catalog) {
   const std::int32_t properties = DictionaryAt(input, catalog.Value("/OCProperties"));
   const std::int32_t usual = DictionaryAt(input, ValueOf(input.State, properties, "/D"));
   const auto count = [&](std::int32_t row, const char* key) {
@@ -28,7 +28,7 @@ bool HidesLayers(const ReadInput& input, const ReadObject& catalog) {
 }
 
 /// What the first output intent with a profile calls its printing condition; empty when there is none.
-std::string_view PrintingCondition(const ReadInput& input, const ReadObject& catalog) {
+std::string_view PrintingCondition(const ReadInput& input, ReadObject& catalog) {
   const std::string_view intents = TextAt(input, catalog.Value("/OutputIntents"));
   const std::size_t start = intents.find("<<");
   NumberPair found;
@@ -47,8 +47,8 @@ std::string_view PrintingCondition(const ReadInput& input, const ReadObject& cat
 
 void CheckCatalog(const ReadInput& input, const ReadInput& first, MergeShell& shell) {
   const std::int32_t number = input.State.DocRootNumber(input.Slot);
-  const ReadObject catalog(input, number);
-  const ReadObject firstCatalog(first, first.State.DocRootNumber(first.Slot));
+  ReadObject catalog(input, number);
+  ReadObject firstCatalog(first, first.State.DocRootNumber(first.Slot));
   if (HidesLayers(input, catalog)) {
     NoteAlteration(input.State, input.Slot, AlterationKind::LayersShown, number);
   }

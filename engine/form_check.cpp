@@ -1,5 +1,10 @@
 // Fields of a later document that are drawn by the form in its catalog, which the output does not have.
 
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <utility>
+
 #include "engine/alteration.h"
 #include "engine/alteration_checks.h"
 #include "engine/lexer.h"
@@ -10,81 +15,125 @@ namespace {
 
 constexpr int kDeepestField = 32;
 constexpr std::int32_t kHiddenFlag = 2;
+/// A default appearance names its font first, and is a line.
+constexpr std::size_t kAppearanceStart = 1000;
 
 /// What readers draw fields by.
 struct Form {
   std::string_view DefaultAppearance;
-  std::int32_t Fonts = -1;       ///< row of the dictionary
+  std::set<std::string> Fonts;
   bool NeedAppearances = false;  ///< fields are drawn anew, whatever they bring along
 };
 
 Form FormAt(const ReadInput& input, std::string_view value) {
   const MergeState& state = input.State;
   const std::int32_t row = DictionaryAt(input, value);
+  Form form{TextAt(input, ValueOf(state, row, "/DA")), {}, false};
+  form.NeedAppearances = TextAt(input, ValueOf(state, row, "/NeedAppearances")) == "true";
   const std::int32_t resources = DictionaryAt(input, ValueOf(state, row, "/DR"));
-  return {TextAt(input, ValueOf(state, row, "/DA")), DictionaryAt(input, ValueOf(state, resources, "/Font")),
-          TextAt(input, ValueOf(state, row, "/NeedAppearances")) == "true"};
+  std::int32_t font = DictionaryAt(input, ValueOf(state, resources, "/Font"));
+  for (; font >= 0; font = state.NameEntries[font].NameId) {
+    form.Fonts.insert(PlainName(state.NameEntries[font].NameText));
+  }
+  return form;
 }
 
 /// The name of the font in a default appearance such as "(/Helv 12 Tf 0 g)".
 std::string_view FontOf(std::string_view appearance) {
+  appearance = appearance.substr(0, kAppearanceStart);
   const std::size_t start = appearance.find('/');
   if (start == std::string_view::npos) return {};
   return appearance.substr(start, appearance.find_first_of(" \r\n\t()/", start + 1) - start);
-}
-
-/// The value of a field's key, its own or that of a field above it.
-std::string_view Inherited(const ReadInput& input, std::int32_t number, std::string_view key) {
-  for (int depth = 0; number >= 0 && depth < kDeepestField; ++depth) {
-    const ReadObject field(input, number);
-    const std::string_view value = field.Value(key);
-    if (!value.empty()) return value;
-    number = ReferencedNumber(field.Value("/Parent"));
-  }
-  return {};
-}
-
-bool IsHidden(const ReadObject& widget) {
-  const std::int32_t flags = FirstNumberOf(widget.Value("/F"));
-  return flags >= 0 && (flags & kHiddenFlag) != 0;
 }
 
 bool IsText(std::string_view value) {
   return !value.empty() && value != "()" && value != "<>" && value != "[]";
 }
 
-/// Whether a field that brings no appearance along is drawn alike by the first document's form.
-bool IsDrawnAlike(const ReadInput& first, const Form& other, std::string_view ownAppearance,
-                  const Form& form) {
-  const bool isOwn = !ownAppearance.empty();
-  if (!isOwn && form.DefaultAppearance != other.DefaultAppearance) return false;
-  const std::string_view font = FontOf(isOwn ? ownAppearance : form.DefaultAppearance);
-  return !font.empty() && !ValueOf(first.State, other.Fonts, font).empty();
+bool IsHidden(ReadObject& widget) {
+  const std::int32_t flags = FirstNumberOf(widget.Value("/F"));
+  return flags >= 0 && (flags & kHiddenFlag) != 0;
 }
+
+/// Goes through the widgets of the document whose form is lost.
+class FormCheck {
+ public:
+  FormCheck(const ReadInput& input, Form lost, Form kept)
+      : input_(input),
+        lost_(std::move(lost)),
+        kept_(std::move(kept)),
+        sameAppearance_(lost_.DefaultAppearance == kept_.DefaultAppearance) {}
+
+  void Check(std::int32_t number) {
+    ReadObject widget(input_, number);
+    if (widget.Value("/Subtype") != "/Widget" || IsHidden(widget)) return;
+    const std::string_view type = Inherited(number, &Field::Type);
+    if (type != "/Tx" && type != "/Ch") return;
+    if (!IsDrawnOtherwise(number, !widget.Value("/AP").empty())) return;
+    NoteAlteration(input_.State, input_.Slot, AlterationKind::FieldsDrawnOtherwise, number);
+  }
+
+ private:
+  struct Field {
+    std::string_view Type;
+    std::string_view Value;
+    std::string_view Appearance;
+    std::int32_t Parent = -1;
+  };
+
+  [[nodiscard]] bool IsDrawnOtherwise(std::int32_t number, bool hasAppearance) {
+    if (hasAppearance) return lost_.NeedAppearances != kept_.NeedAppearances;
+    return IsText(Inherited(number, &Field::Value)) && !IsDrawnAlike(Inherited(number, &Field::Appearance));
+  }
+
+  /// By the first document's form, a field with this default appearance.
+  [[nodiscard]] bool IsDrawnAlike(std::string_view appearance) const {
+    if (appearance.empty() && !sameAppearance_) return false;
+    return kept_.Fonts.count(PlainName(FontOf(appearance.empty() ? lost_.DefaultAppearance : appearance))) >
+           0;
+  }
+
+  /// What the field gives, or one above it.
+  [[nodiscard]] std::string_view Inherited(std::int32_t number, std::string_view Field::*entry) {
+    for (int depth = 0; number >= 0 && depth < kDeepestField; ++depth) {
+      const Field& field = FieldAt(number);
+      if (!(field.*entry).empty()) return field.*entry;
+      number = field.Parent;
+    }
+    return {};
+  }
+
+  /// Looked up once, however many fields are below.
+  [[nodiscard]] const Field& FieldAt(std::int32_t number) {
+    const auto [found, added] = fields_.try_emplace(number);
+    if (added) {
+      ReadObject object(input_, number);
+      found->second = {object.Value("/FT"), TextAt(input_, object.Value("/V")),
+                       TextAt(input_, object.Value("/DA")), ReferencedNumber(object.Value("/Parent"))};
+    }
+    return found->second;
+  }
+
+  const ReadInput& input_;
+  Form lost_;
+  Form kept_;
+  bool sameAppearance_;
+  std::unordered_map<std::int32_t, Field> fields_;
+};
 
 }  // namespace
 
 void CheckForm(const ReadInput& input, std::string_view form, const ReadInput& first,
                std::string_view firstForm, MergeShell& shell) {
   if (form.empty()) return;
-  const Form lost = FormAt(input, form);
-  const Form kept = FormAt(first, firstForm);
+  FormCheck check(input, FormAt(input, form), FormAt(first, firstForm));
+  // The other documents of the file had their catalogs in an earlier step.
   const auto& sources = SourcesOf(input.State, input.Slot);
   const std::int32_t end =
       sources.size() > 1 ? sources[1].FirstObject : input.State.DocObjectCount(input.Slot);
   for (std::int32_t number = 0; number < end; ++number) {
     if (YieldAndCheckAbort(shell, input.State)) throw RuleBroken({input.Slot, number, -1, kCancelled});
-    const ReadObject widget(input, number);
-    if (!widget.IsDictionary() || widget.Value("/Subtype") != "/Widget") continue;
-    if (IsHidden(widget)) continue;
-    const std::string_view type = Inherited(input, number, "/FT");
-    if (type != "/Tx" && type != "/Ch") continue;
-    const bool differs =
-        widget.Value("/AP").empty()
-            ? IsText(TextAt(input, Inherited(input, number, "/V"))) &&
-                  !IsDrawnAlike(first, kept, TextAt(input, Inherited(input, number, "/DA")), lost)
-            : lost.NeedAppearances != kept.NeedAppearances;
-    if (differs) NoteAlteration(input.State, input.Slot, AlterationKind::FieldsDrawnOtherwise, number);
+    check.Check(number);
   }
 }
 

@@ -14,7 +14,7 @@ std::string OtherUse(const ReadInput& input, std::int32_t number) {
   if (ReferencedNumber(ReadObject(input, catalog).Value("/Pages")) == number) {
     return "the root of the page tree";
   }
-  const ReadObject object(input, number);
+  ReadObject object(input, number);
   if (object.HasStream()) return "a stream";
   if (!object.IsDictionary()) return "no dictionary";
   const std::string_view type = object.Value("/Type");

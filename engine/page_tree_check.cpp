@@ -27,7 +27,13 @@ class PageTreeWalk {
     while (!open_.empty()) {
       const std::int32_t node = open_.back();
       open_.pop_back();
-      ReachAll(TextAt(input_, ReadObject(input_, node).Value("/Kids")), node);
+      const std::string_view kids = ReadObject(input_, node).Value("/Kids");
+      const std::int32_t array = ReferencedNumber(kids);
+      if (array < 0) {
+        ReachAll(kids, node);
+      } else if (IsNew(array, node)) {
+        ReachAll(ReadObject(input_, array).Text(), node);
+      }
     }
     return pages_;
   }
@@ -37,6 +43,17 @@ class PageTreeWalk {
 
  private:
   enum class Known : std::uint8_t { Nothing, NoNode, Node, Page };
+
+  /// Whether the array of kids is there and was not gone through before.
+  [[nodiscard]] bool IsNew(std::int32_t array, std::int32_t node) {
+    const bool isThere = static_cast<std::size_t>(array) < known_.size();
+    if (isThere && known_[static_cast<std::size_t>(array)] == Known::Nothing) {
+      known_[static_cast<std::size_t>(array)] = Known::NoNode;
+      return true;
+    }
+    Tell(isThere ? AlterationKind::PageTreeRepeated : AlterationKind::PageTreeIncomplete, array, node);
+    return false;
+  }
 
   /// A node that stands in the array itself is taken for a page.
   void ReachAll(std::string_view kids, std::int32_t parent) {
@@ -89,7 +106,7 @@ class PageTreeWalk {
   }
 
   [[nodiscard]] Known Look(std::int32_t number) const {
-    const ReadObject object(input_, number);
+    ReadObject object(input_, number);
     if (!object.IsDictionary()) return Known::NoNode;
     return object.Value("/Kids").empty() ? Known::Page : Known::Node;
   }
@@ -127,9 +144,9 @@ std::int32_t JoinedCount(const ReadInput& input, std::int32_t root) {
 void CheckPageTree(const ReadInput& input, MergeShell& shell) {
   // A file that holds several documents has a root of this run's making, which adds up what was checked.
   if (SourcesOf(input.State, input.Slot).size() > 1) return;
-  const ReadObject catalog(input, input.State.DocRootNumber(input.Slot));
+  ReadObject catalog(input, input.State.DocRootNumber(input.Slot));
   const std::int32_t number = ReferencedNumber(catalog.Value("/Pages"));
-  const ReadObject root(input, number);
+  ReadObject root(input, number);
   if (!root.IsDictionary()) return;
   if (!root.Value("/Parent").empty()) {
     NoteAlteration(input.State, input.Slot, AlterationKind::PageTreeHasParent, number);

@@ -58,11 +58,18 @@ std::string_view ValueOf(const MergeState& state, std::int32_t firstRow, std::st
 }
 
 ReadObject::ReadObject(const ReadInput& input, std::int32_t number)
-    : state_(input.State), entry_(FindEntry(state_, input.Slot, number)) {
-  if (!Exists()) return;
-  text_ = state_.ObjLines[entry_->LastLine];
-  if (!IsDictionary()) return;
-  firstRow_ = HasOtherWhiteSpace(text_) ? ParseAsOthersDo(input, TrimBlanks(text_)) : entry_->ObjAux;
+    : input_(input), entry_(FindEntry(input.State, input.Slot, number)) {
+  if (Exists()) text_ = input.State.ObjLines[entry_->LastLine];
+}
+
+std::int32_t ReadObject::FirstRow() {
+  if (firstRow_ == kNotLookedUp) {
+    firstRow_ = -1;
+    if (IsDictionary()) {
+      firstRow_ = HasOtherWhiteSpace(text_) ? ParseAsOthersDo(input_, TrimBlanks(text_)) : entry_->ObjAux;
+    }
+  }
+  return firstRow_;
 }
 
 std::int32_t ReferencedNumber(std::string_view text) {

@@ -45,14 +45,19 @@ class ReadObject {
   /// What stands between the object's header and "endobj" or "stream", as read.
   [[nodiscard]] std::string_view Text() const { return text_; }
 
-  [[nodiscard]] std::string_view Value(std::string_view key) const { return ValueOf(state_, firstRow_, key); }
-  [[nodiscard]] std::int32_t FirstRow() const { return firstRow_; }
+  [[nodiscard]] std::string_view Value(std::string_view key) {
+    return ValueOf(input_.State, FirstRow(), key);
+  }
+  /// -1 = the object is no dictionary that can be read.
+  [[nodiscard]] std::int32_t FirstRow();
 
  private:
-  const MergeState& state_;
+  static constexpr std::int32_t kNotLookedUp = -2;
+
+  const ReadInput& input_;
   const ObjectEntry* entry_ = nullptr;
   std::string_view text_;
-  std::int32_t firstRow_ = -1;
+  std::int32_t firstRow_ = kNotLookedUp;
 };
 
 /// The number of the reference with which the text begins; -1 when it begins with none.

@@ -75,6 +75,15 @@ TEST(PageTreeCheck, TellsOfANodeThatIsReachedAgain) {
             "repeated 5: object 2 x2;");
 }
 
+TEST(PageTreeCheck, GoesThroughAnArrayOnce) {
+  EXPECT_EQ(Told(Tree("/Kids[5 0 R 6 0 R]/Count 4")
+                     .Object(5, "<</Kids 7 0 R>>")
+                     .Object(6, "<</Kids 7 0 R>>")
+                     .Object(7, "[3 0 R 4 0 R]")),
+            "repeated 5: object 7;");
+  EXPECT_EQ(Told(Tree("/Kids 9 0 R/Count 0")), "incomplete 2: object 9;");
+}
+
 TEST(PageTreeCheck, CountsAPageAsOftenAsItIsNamed) {
   EXPECT_EQ(Told(Tree("/Kids[3 0 R 3 0 R]/Count 2")), "");
   EXPECT_EQ(Told(Tree("/Kids[3 0 R 3 0 R]/Count 1")), "count 2: 1 instead of 2;");
