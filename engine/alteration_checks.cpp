@@ -1,6 +1,6 @@
 #include "engine/alteration_checks.h"
 
-#include "engine/alteration.h"
+#include "engine/alteration_record.h"
 
 namespace folioweld {
 

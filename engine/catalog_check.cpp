@@ -1,7 +1,7 @@
 // What the pages of a later document lose with its catalog: the output has the first document's.
 
-#include "engine/alteration.h"
 #include "engine/alteration_checks.h"
+#include "engine/alteration_record.h"
 #include "engine/lexer.h"
 
 namespace folioweld {

@@ -69,20 +69,20 @@ std::int32_t FileModule::ReadLineFromRandomFile(std::int16_t fileNumber, std::in
   std::int32_t lineStart = -1;
   std::int16_t tries = 1;
   std::int32_t code = ReadLineChunk(fileNumber, position, bufferSize, line, lineStart, logging);
-  const auto behindLine = [&] { return lineStart + static_cast<std::int64_t>(line.size()); };
+  const auto afterLine = [&] { return lineStart + static_cast<std::int64_t>(line.size()); };
   while (code == kNoLineEnd && tries < mostTries) {
     ++tries;
     if (line.empty()) {
-      // Nothing but line ends so far: the line begins somewhere behind them.
+      // Nothing but line ends so far: the line begins somewhere after them.
       code = ReadLineChunk(fileNumber, lineStart, bufferSize, line, lineStart, logging);
     } else {
-      code = ContinueLine(fileNumber, behindLine(), bufferSize, line);
+      code = ContinueLine(fileNumber, afterLine(), bufferSize, line);
     }
   }
   if (code == kNoLineEnd && !line.empty()) {
-    // A line that fills the last buffer to its border is complete when its end stands right behind it.
+    // A line that fills the last buffer to its border is complete when its end stands right after it.
     std::string none;
-    if (ContinueLine(fileNumber, behindLine(), 1, none) == 0) code = 0;
+    if (ContinueLine(fileNumber, afterLine(), 1, none) == 0) code = 0;
   }
   if (logging && tries >= 2) LogRetries(bufferSize, tries, code);
   if (code >= 0) return lineStart;

@@ -54,7 +54,7 @@ class FileModule {
 
   /// Opens a regular file for writing, created when missing and emptied otherwise. A file with further names
   /// keeps its contents under those and the path gets a file of its own. -1, with the file as it was, when it
-  /// cannot be opened, is reached through a link or is the file behind one of the file numbers that are open
+  /// cannot be opened, is reached through a link or is the file of one of the file numbers that are open
   /// for reading, under whatever name. EBUSY when another program is writing it.
   [[nodiscard]] std::int16_t OpenForBinaryWrite(const std::string& path);
 
@@ -96,9 +96,9 @@ class FileModule {
   // Positioned reads. On every negative code the line or block is emptied, but for `kNoLineEnd` of
   // `ReadLineFromRandomFile` and `ReadLineChunk`, which give the bytes gathered.
 
-  /// One buffer's worth: the line that begins at or, behind line ends, after the position, without its line
+  /// One buffer's worth: the line that begins at the position, or after the line ends there, without its line
   /// end. Returns its start (also in `lineStart`), or a code with `lineStart` -1. With `kNoLineEnd` the start
-  /// is still given; where all bytes were line ends, it is the position behind them.
+  /// is still given; where all bytes were line ends, it is the position after them.
   std::int32_t ReadLineChunk(std::int16_t fileNumber, std::int32_t position, std::int16_t bufferSize,
                              std::string& line, std::int32_t& lineStart, bool logging);
 

@@ -5,8 +5,8 @@
 #include <unordered_map>
 #include <utility>
 
-#include "engine/alteration.h"
 #include "engine/alteration_checks.h"
+#include "engine/alteration_record.h"
 #include "engine/lexer.h"
 
 namespace folioweld {

@@ -1,7 +1,7 @@
 // Whether the object that the fixed information dictionary replaces is anything else.
 
-#include "engine/alteration.h"
 #include "engine/alteration_checks.h"
+#include "engine/alteration_record.h"
 
 namespace folioweld {
 

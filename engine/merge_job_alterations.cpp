@@ -1,6 +1,6 @@
 // How MergeJob tells what the output shows otherwise than its inputs.
 
-#include "engine/alteration.h"
+#include "engine/alteration_record.h"
 #include "engine/merge_job.h"
 
 namespace folioweld {

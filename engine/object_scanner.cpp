@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "engine/alteration.h"
+#include "engine/alteration_record.h"
 #include "engine/lexer.h"
 #include "engine/line_cursor.h"
 #include "engine/object_text.h"

@@ -71,9 +71,9 @@ class FileWriting {
   }
 
   void Write(std::string_view text) {
-    const std::int32_t behind = builder_.WriteTextAt(text, position_);
-    if (behind < 1) FailWrite();
-    position_ = behind;
+    const std::int32_t after = builder_.WriteTextAt(text, position_);
+    if (after < 1) FailWrite();
+    position_ = after;
   }
 
   void WriteObject(ObjectEntry& entry) {

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "engine/alteration.h"
 #include "engine/alteration_checks.h"
+#include "engine/alteration_record.h"
 #include "engine/lexer.h"
 
 namespace folioweld {

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "engine/alteration.h"
 #include "engine/alteration_checks.h"
+#include "engine/alteration_record.h"
 #include "engine/lexer.h"
 
 namespace folioweld {

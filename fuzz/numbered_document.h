@@ -12,7 +12,7 @@ namespace folioweld::fuzz {
 /// Ends the program with the words when something that always has to hold does not.
 void Require(bool holds, const char* what);
 
-/// A document of the bytes: header in front, and behind them a cross-reference section that lists every
+/// A document of the bytes: header in front, and after them a cross-reference section that lists every
 /// "n 0 obj" that begins a line. A fuzzer cannot keep offsets right by itself, and would otherwise hardly
 /// ever get beyond them. `trailer` stands in the trailer beside /Size.
 [[nodiscard]] std::string NumberedDocument(std::string_view body, std::string_view trailer);

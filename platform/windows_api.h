@@ -154,7 +154,7 @@ class WindowsAPI {
   /// Asks a process to end, in the way that it may refuse or take its time over.
   virtual SystemError TerminateProcess(Process process) = 0;
 
-  /// Asks for this memory, which begins at a multiple of a large page's size, to come in large pages; nothing
+  /// Asks for this memory, which begins at a multiple of a huge page's size, to come in huge pages; nothing
   /// that it holds changes.
   virtual SystemError PreferLargePages(void* memory, std::size_t size) = 0;
 

@@ -1,4 +1,4 @@
-// The whole merge of two documents. The first byte says how the two texts behind it, parted by a line of "@",
+// The whole merge of two documents. The first byte says how the two texts after it, parted by a line of "@",
 // become documents: as they stand, or with a cross-reference section made for their objects.
 
 #include "engine/merge_job.h"

@@ -98,7 +98,7 @@ def differences(output_path, input_paths):
 
 
 def layout_mistakes(joined):
-    """Objects that are not where the table says, or not closed right behind their data; readers would put up with
+    """Objects that are not where the table says, or not closed right after their data; readers would put up with
     much of that."""
     for number, obj in joined.objects.items():
         if not joined.data.startswith(b"%d %d obj\r" % (number, obj.generation), joined.offsets[number]):
@@ -106,7 +106,7 @@ def layout_mistakes(joined):
         if obj.stream and not joined.data.startswith(
             b"endstream\r\nendobj\r\n", obj.stream_start + obj.length
         ):
-            yield f"object {number}: endstream does not stand right behind the stream's {obj.length} bytes"
+            yield f"object {number}: endstream does not stand right after the stream's {obj.length} bytes"
 
 
 def parent_mistakes(joined, node):

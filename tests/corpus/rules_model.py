@@ -81,7 +81,7 @@ def number_pair(text, start, keywords):
 
 
 def skip_string(text, at):
-    """The position behind the literal string that opens at `at`, brackets nested and escapes counted."""
+    """The position after the literal string that opens at `at`, brackets nested and escapes counted."""
     depth = 0
     while at < len(text):
         c = text[at]
@@ -170,7 +170,7 @@ def named_object(value):
 
 
 def check_outline(data):
-    """The offset of the newest cross-reference section, behind its keyword."""
+    """The offset of the newest cross-reference section, after its keyword."""
 
     def refuse(rule):
         raise Refused("acceptance", rule)
@@ -251,7 +251,7 @@ def read_trailer(data, line, refuse):
     while True:
         line = read_line(data, line[0] + len(line[1]) + 1)
         if not line:
-            refuse("no startxref behind the trailer")
+            refuse("no startxref after the trailer")
         if line[1].startswith(b"startxref"):
             break
         if not line[1].startswith(b"trailer"):

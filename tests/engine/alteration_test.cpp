@@ -1,9 +1,8 @@
 // How alterations are kept and told: data with the document they are in, one line each, once.
 
-#include "engine/alteration.h"
-
 #include <gtest/gtest.h>
 
+#include "engine/alteration_record.h"
 #include "tests/support/document_builder.h"
 #include "tests/support/merge_run.h"
 

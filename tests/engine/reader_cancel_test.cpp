@@ -74,7 +74,7 @@ TEST(SectionCancel, AtAnyYieldFailsTheSection) {
 
 TEST(SectionCancel, BeforeTheEntriesLeavesTheTableAlone) {
   CancelledReading reading;
-  // The fifth yield is the one behind the header.
+  // The fifth yield is the one after the header.
   reading.CancelAtYield(5);
   EXPECT_FALSE(reading.ReadSection().SectionOk);
   EXPECT_EQ(reading.Shell.Yields, 5);

@@ -16,7 +16,7 @@ const std::string kOneEntry = "xref\n0 1\n0000000000 65535 f \n";
 
 class TrailerTest : public ::testing::Test, public ReaderSetup {
  protected:
-  XrefSectionInfo Read(const std::string& behindEntries) { return ReadSection(1, kOneEntry + behindEntries); }
+  XrefSectionInfo Read(const std::string& afterEntries) { return ReadSection(1, kOneEntry + afterEntries); }
 
   XrefSectionInfo ReadEntries(const std::string& entries) {
     return Read("trailer\n<<" + entries + ">>\nstartxref\n0\n");

@@ -65,7 +65,7 @@ std::string EndlessTrailer(std::size_t bytes) {
 }
 
 std::string EndlessObject(std::size_t bytes) {
-  // Everything behind the section belongs to object 1, and nothing ends it.
+  // Everything after the section belongs to object 1, and nothing ends it.
   const std::string start = kHeader;
   std::string text = start + "xref\n0 2\n" + kFreeEntry;
   const std::string trailer = "trailer\n<</Size 2/Root 1 0 R\n>>\nstartxref\n0\n";

@@ -233,7 +233,7 @@ TEST_F(PlantedNames, InTheOutputsPlaceAtAnyMomentReachNothing) {
       const ExitStatus status = Run(system);
       CheckVictim();
       // What stands there in the end is the whole output, or it was not said to be one. Nobody can tell what
-      // happens behind the last look.
+      // happens after the last look.
       const bool whole = fs::is_regular_file(fs::symlink_status(Output())) && ReadFile(Output()) == whole_;
       EXPECT_TRUE(whole || status == kNoOutput || site >= lastCut_) << status;
       Clear("tmp");

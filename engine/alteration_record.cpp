@@ -1,10 +1,8 @@
-#include "engine/alteration.h"
+#include "engine/alteration_record.h"
 
 #include <algorithm>
 #include <iterator>
 #include <utility>
-
-#include "engine/merge_state.h"
 
 namespace folioweld {
 
