@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "engine/activity_log.h"
+#include "engine/file_module.h"
 #include "engine/lexer.h"
 #include "engine/open_file.h"
 
@@ -21,7 +22,7 @@ inline std::int32_t FileModule::ViewUpTo(std::int16_t fileNumber, std::int64_t p
                                          std::string_view& bytes) {
   if (fileNumber < 0 || position < 0 || count < 1) return kBadArguments;
   OpenFile* const file = Find(fileNumber);
-  const std::int32_t length = file == nullptr ? static_cast<std::int32_t>(kNoLength) : file->Length();
+  const std::int32_t length = file == nullptr ? -1 : file->Length();
   if (length < 0) return kNoLength;
   if (position > length) return kBeyondEnd;
   if (position == 0) return kSeekFailed;

@@ -126,7 +126,8 @@ bool FileModule::IsNamed(std::int16_t fileNumber, const std::string& path) {
 
 std::int32_t FileModule::FileLength(std::int16_t fileNumber) const {
   const OpenFile* const file = Find(fileNumber);
-  return file == nullptr ? static_cast<std::int32_t>(kNoLength) : file->Length();
+  const std::int32_t length = file == nullptr ? -1 : file->Length();
+  return length < 0 ? static_cast<std::int32_t>(kNoLength) : length;
 }
 
 bool FileModule::InputIsUnchanged(std::int16_t fileNumber) {

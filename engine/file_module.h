@@ -14,6 +14,7 @@ namespace folioweld {
 
 class ActivityLog;
 class InputBuffer;
+struct OpenFile;
 
 /// Result codes of the positioned reads.
 enum FileReadCode : std::int32_t {
@@ -145,10 +146,10 @@ class FileModule {
   void SetLog(ActivityLog* log) { log_ = log; }
 
  private:
-  struct OpenFile;
-
-  // Defined in `open_file.h` and `file_lines.cpp`, where alone they are called.
-  [[nodiscard]] inline OpenFile* Find(std::int16_t fileNumber) const;
+  [[nodiscard]] OpenFile* Find(std::int16_t fileNumber) const {
+    if (fileNumber < 1 || static_cast<std::size_t>(fileNumber) > files_.size()) return nullptr;
+    return files_[static_cast<std::size_t>(fileNumber) - 1].get();
+  }
   std::int16_t OpenOutput(const std::string& path, bool mayReplace);
   std::int16_t ReplaceName(const std::string& path, WindowsAPI::Handle handle);
   std::int16_t Store(std::unique_ptr<OpenFile> file);
@@ -159,6 +160,7 @@ class FileModule {
   bool Fail(SystemError error);
   [[nodiscard]] bool IsOpenInput(const FileIdentity& identity) const;
   /// A view of `count` bytes from the 1-based position, or of as many as there are; 0 or a negative code.
+  /// Defined in `file_lines.cpp`, where alone it is called.
   inline std::int32_t ViewUpTo(std::int16_t fileNumber, std::int64_t position, std::int16_t count,
                                std::string_view& bytes);
   std::int32_t ContinueLine(std::int16_t fileNumber, std::int64_t position, std::int16_t bufferSize,

@@ -5,30 +5,24 @@
 #include <limits>
 #include <optional>
 
-#include "engine/file_module.h"
 #include "engine/input_buffer.h"
 #include "engine/output_buffer.h"
+#include "platform/windows_api.h"
 
 namespace folioweld {
 
-// What only the sources of FileModule see: an open file, and how its number leads to it. Every line read and
-// every text written looks that up, so it stands here, where the compiler can merge it into its callers.
-
-struct FileModule::OpenFile {
+/// An open file of `FileModule`, for its sources only.
+struct OpenFile {
   WindowsAPI::Handle Handle = -1;
   FileInformation Information;  ///< as it was when opened
   std::optional<InputBuffer> Input;
   std::optional<OutputBuffer> Output;
 
+  /// -1 when it is above 2,147,483,647.
   [[nodiscard]] std::int32_t Length() const {
-    if (Information.Size > std::numeric_limits<std::int32_t>::max()) return kNoLength;
+    if (Information.Size > std::numeric_limits<std::int32_t>::max()) return -1;
     return static_cast<std::int32_t>(Information.Size);
   }
 };
-
-inline FileModule::OpenFile* FileModule::Find(std::int16_t fileNumber) const {
-  if (fileNumber < 1 || static_cast<std::size_t>(fileNumber) > files_.size()) return nullptr;
-  return files_[static_cast<std::size_t>(fileNumber) - 1].get();
-}
 
 }  // namespace folioweld

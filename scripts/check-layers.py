@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""check-layers.py [TREE]: no folder includes another one that it may not use.
+"""check-layers.py [TREE]: no folder includes another one that it may not use, and no two files need each other.
 
 The arrows of ARCHITECTURE.md, kept: a folder of the program includes headers of its own and of what the table names
-for it, and nothing but the language's otherwise.
+for it, and nothing but the language's otherwise. A header counts as one file with the source of its name.
 """
 import pathlib
 import re
@@ -33,18 +33,27 @@ def used_by(header):
     return next((name for name, pattern in OTHERS.items() if pattern.match(header)), None)
 
 
+def mutual(needs):
+    """The pairs of files that need each other."""
+    return [f"{a} and {b} need each other" for a in sorted(needs) for b in sorted(needs[a])
+            if a < b and a in needs.get(b, ())]
+
+
 def main():
     tree = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else pathlib.Path(__file__).parent.parent)
-    wrong, read = [], 0
+    wrong, read, needs = [], 0, {}
     for folder, may_use in MAY_USE.items():
         for path in sorted(p for p in (tree / folder).rglob("*") if p.suffix in (".h", ".cpp")):
             read += 1
             name = path.relative_to(tree).as_posix()
+            own = needs.setdefault(name.rsplit(".", 1)[0], set())
             allowed = {folder, *may_use} - set(ONLY.get(name, []))
             for header in INCLUDE.findall(path.read_text(encoding="utf-8")):
                 used = used_by(header)
+                own.add(header.rsplit(".", 1)[0])
                 if used is not None and used not in allowed:
                     wrong.append(f"{name} includes {header}, and {folder} may not use {used}")
+    wrong += mutual(needs)
     print("\n".join(wrong) if wrong else f"{read} files include only what they may")
     return 1 if wrong or read == 0 else 0
 
