@@ -91,14 +91,19 @@ class Goals(unittest.TestCase):
 
     def test_the_fastest_peer_counts(self):
         entry = load("objects")
-        slow = [series(programs.OWN, 0.1)] + peers(2.1)
-        self.assertEqual(met(list(figures.load_goals(entry, slow)), "20 times"), [True])
-        slow[-1] = series("pdftk", 1.9)
-        self.assertEqual(met(list(figures.load_goals(entry, slow)), "20 times"), [False])
+        slow = [series(programs.OWN, 0.1)] + peers(1.6)
+        self.assertEqual(met(list(figures.load_goals(entry, slow)), "15 times"), [True])
+        slow[-1] = series("pdftk", 1.4)
+        self.assertEqual(met(list(figures.load_goals(entry, slow)), "15 times"), [False])
 
     def test_a_peer_without_a_figure_makes_no_goal_met(self):
         goals = figures.load_goals(load("objects"), [series(programs.OWN, 0.1), series("qpdf", 9)])
         self.assertEqual([goal.met for goal in goals], [False])
+
+    def test_a_folder_may_take_no_longer_than_mutool(self):
+        for own, expected in ((1.0, True), (1.1, False)):
+            goals = list(figures.load_goals(load("folder"), [series(programs.OWN, own)] + peers(1.0)))
+            self.assertEqual(met(goals, "mutool"), [expected])
 
     def test_the_start_is_compared_with_an_empty_program(self):
         entry = load("small")

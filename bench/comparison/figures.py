@@ -90,6 +90,9 @@ def folder_goals(load, times):
         value = ratio(times, name, OWN)
         yield Goal(load["words"], f"faster than `{name}`", shown(value, "{:.2f} times as fast"),
                    value is not None and value > 1)
+    value = ratio(times, "mutool", OWN)
+    yield Goal(load["words"], "at least as fast as `mutool`", shown(value, "{:.2f} times as fast"),
+               value is not None and value >= 1)
 
 
 def load_goals(load, series):
@@ -98,7 +101,7 @@ def load_goals(load, series):
         yield slower_than(load, times, COPY, 1.1, "`cat a b > c`")
         yield faster_than_peers(load, times, 1.4)
     elif load["name"] == "objects":
-        yield faster_than_peers(load, times, 20)
+        yield faster_than_peers(load, times, 15)
     elif load["name"] == "small":
         yield faster_than_peers(load, times, 1.6)
         yield start_goal(load, times)
