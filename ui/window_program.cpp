@@ -34,8 +34,6 @@ int RunWindowProgram(int argc, char** argv, const Arguments& arguments) {
   // The name of the desktop entry: by it the desktop knows whose window this is.
   QGuiApplication::setDesktopFileName(QStringLiteral("org.folioweld.Folioweld"));
   QGuiApplication::setWindowIcon(ApplicationIcon());
-  // Every caption is English, and a path read from right to left would name another file.
-  QApplication::setLayoutDirection(Qt::LeftToRight);
   // The main window decides when the program ends, and with which status.
   QApplication::setQuitOnLastWindowClosed(false);
   QtDialogs dialogs;

@@ -24,8 +24,7 @@ class Joining(DesktopTest):
         self.wait(lambda: "-> OK" in (window.status(OUTPUT) or ""), "the merge says OK")
         self.wait(lambda: window.is_enabled(GO), "the window is idle again")
         self.assertEqual(pages(joined), pages(LETTER) + pages(REPORT))
-        window.click(EXIT)
-        window.wait_end()
+        window.leave(lambda: window.click(EXIT))
 
 
 if __name__ == "__main__":

@@ -36,8 +36,7 @@ class Keyboard(DesktopTest):
         self.assertEqual(pages(joined), pages(LETTER) + pages(REPORT))
         self.assertEqual(window.focused(), GO)
         self.tab_to(window, EXIT)
-        self.screen.press("Space")
-        window.wait_end()
+        window.leave(lambda: self.screen.press("Space"))
 
     def test_tab_follows_the_places(self):
         window = self.open()

@@ -93,8 +93,7 @@ class Locales(DesktopTest):
             window.fill(LETTER, REPORT, joined)
             window.click(GO)
             window.wait_finished()
-            window.click(EXIT)
-            window.wait_end(0)
+            window.leave(lambda: window.click(EXIT))
             return self.taken(joined)
 
         self.assert_the_same(join)
@@ -106,8 +105,7 @@ class Locales(DesktopTest):
             window = self.open(kind=ActingWindow)
             window.merge_folder(self.documents, joined)
             self.wait(lambda: joined.exists() and window.is_enabled(select(0)), "the folder is joined")
-            window.click(EXIT)
-            window.wait_end(0)
+            window.leave(lambda: window.click(EXIT))
             return self.taken(joined)
 
         self.assert_the_same(join)

@@ -69,25 +69,6 @@ class Scales(DesktopTest):
         self.wait(lambda: self.face(window) == DARK_WINDOW, lambda: f"a dark face; it is {self.face(window)}")
         self.join(window)
 
-    def test_it_is_read_from_left_to_right_like_its_captions(self):
-        def picture(*arguments):
-            window = self.shown(1, *arguments)
-            window.fill(LETTER, REPORT, self.joined)
-            self.wait(lambda: self.screen.active() == window.main_window(), "the window has the keyboard")
-            seen = []
-
-            def settled():
-                seen.append(self.screen.pixels(self.screen.outline(window.main_window())))
-                return len(seen) > 8 and all(rows == seen[-1] for rows in seen[-8:]) and seen[-1]
-
-            rows = self.wait(settled, "the window stays the same")
-            window.close()
-            self.wait(lambda: not self.screen.managed(), "the window is gone")
-            return rows
-
-        # The toolkit's own argument says what the language of a user would say otherwise.
-        self.assertEqual(picture("-reverse"), picture())
-
     def test_the_question_for_the_order_at_every_scale(self):
         folder = fill_folder(self.folder / "to join")
         for scale in (1, 1.5, 2):

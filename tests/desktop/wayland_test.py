@@ -35,8 +35,7 @@ class Using(WaylandTest):
         window.click(GO)
         window.wait_finished()
         self.assertEqual(pages(self.joined), pages(LETTER) + pages(REPORT))
-        window.click(EXIT)
-        window.wait_end()
+        window.leave(lambda: window.click(EXIT))
 
     def test_a_folder_is_joined_from_the_menu(self):
         folder = fill_folder(self.folder / "to join")

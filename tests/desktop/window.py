@@ -2,6 +2,7 @@
 
 import os
 import subprocess
+import time
 from pathlib import Path
 
 from accessible import Gone
@@ -287,6 +288,20 @@ class Window:
         wait_for(lambda: self.process.poll() is not None, "the program ends")
         if self.process.returncode != status:
             raise AssertionError(f"ended with {self.process.returncode} instead of {status}: {self.errors()}")
+
+    def leave(self, press_exit):
+        """Presses until the program ends: right after a job, presses do not count as "Exit" yet."""
+        last = None
+
+        def ended():
+            nonlocal last
+            if last is None or time.monotonic() - last > 2:
+                press_exit()
+                last = time.monotonic()
+            return self.process.poll() is not None
+
+        wait_for(ended, "the program ends")
+        self.wait_end()
 
     def runs(self):
         return self.process.poll() is None
