@@ -38,7 +38,7 @@ std::string ShortenedInFront(std::string text, std::size_t columns) {
 /// A status line in one row: its label whole, the end of the name after it, and the end of the rest, where
 /// the progress is.
 std::string StatusRow(const std::string& text, std::size_t columns) {
-  const std::string whole = ShownOnTerminal(OnOneLine(text));
+  std::string whole = ShownOnTerminal(OnOneLine(text));
   if (whole.size() <= columns) return whole;
   const std::string first = ShownOnTerminal(text.substr(0, text.find('\r')));
   const std::string rest = whole.substr(std::min(first.size(), whole.size()));

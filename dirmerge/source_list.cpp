@@ -48,7 +48,8 @@ std::vector<Source> FindSources(WindowsAPI& system, const std::vector<std::strin
     const auto found = system.GetFileAttributes(source.Path);
     const std::string why = ProblemOf(found);
     if (!why.empty()) {
-      problem = "the source \"" + name + "\" cannot be joined: " + why;
+      problem = "the source \"" + name;
+      problem.append("\" cannot be joined: ").append(why);
       return {};
     }
     source.IsFolder = found.Value().Kind == FileKind::Directory;

@@ -55,7 +55,7 @@ std::string TmpDirectory::SafeTmpDirectory(const std::function<void(const std::s
   }
   why = WhyFolderIsUnsafe(system_, folder);
   if (why.empty()) return folder;
-  const std::string instead = SystemFolder();
+  std::string instead = SystemFolder();
   if (instead == folder || instead.empty()) {
     why += " (\"" + folder + "\")";
     return {};

@@ -22,13 +22,13 @@ class CrowdedSystem : public FaultingSystem {
   }
   void FindClose(Search /*search*/) override { Closed = true; }
   SystemResult<FileInformation> GetFileAttributes(const std::string& /*path*/) override {
-    return PosixApi::GetFileAttributes(
-        document_);  // NOLINT(bugprone-parent-virtual-call): too many to be recorded
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call): too many to be recorded
+    return PosixApi::GetFileAttributes(document_);
   }
   SystemResult<Handle> CreateFile(const std::string& path, OpenMode mode) override {
     if (mode != OpenMode::ReadExisting) return FaultingSystem::CreateFile(path, mode);
-    return PosixApi::CreateFile(document_,
-                                mode);  // NOLINT(bugprone-parent-virtual-call): too many to be recorded
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call): too many to be recorded
+    return PosixApi::CreateFile(document_, mode);
   }
 
   bool Closed = false;
