@@ -5,7 +5,7 @@
 
 namespace folioweld {
 
-/// What came of a directory merge; names are without the folder.
+/// What came of a directory merge; documents bear the names that the user is told.
 struct DirectoryMergeReport {
   bool OutputWritten = false;
   bool Cancelled = false;

@@ -19,8 +19,8 @@ struct ProgramState {
   bool ExternalBusy = false;
 
   std::string CommandLine;           ///< as given at the start
-  std::string CommandLineOutput;     ///< what stands before the first "|", as a full path
-  std::string CommandLineDirectory;  ///< what stands after it
+  std::string CommandLineOutput;     ///< the output that it names, as a full path
+  std::string CommandLineDirectory;  ///< the folder that it names, alone
   SystemError CommandLineError;      ///< why one of them was not reached
 };
 
