@@ -17,7 +17,7 @@ int main(int argc, char** argv) {
   if (const auto status = Answer(system, arguments)) return *status;
   std::string problem;
   if (!ReadSourceNames(system, arguments, problem)) {
-    WriteError(system, "folioweld: " + problem + "\n");
+    WriteError(system, "folioweld: " + ShownOnTerminal(problem) + "\n");
     return kNoOutput;
   }
   // The toolkit gets no arguments: an option of its own would be taken from among the documents.

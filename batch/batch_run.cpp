@@ -26,7 +26,7 @@ std::string ProblemOf(CommandLineOutcome outcome, const ProgramState& program) {
 ExitStatus RunBatch(WindowsAPI& system, Arguments arguments) {
   std::string problem;
   if (!ReadSourceNames(system, arguments, problem)) {
-    WriteError(system, "folioweld: " + problem + "\n");
+    WriteError(system, "folioweld: " + ShownOnTerminal(problem) + "\n");
     return kNoOutput;
   }
   ProgramState program;
