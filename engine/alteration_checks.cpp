@@ -33,9 +33,15 @@ void FindAlterations(MergeState& state, FileModule& files, PdfReader& reader, Me
     CheckStreamEnds(input, files, shell);
     if (!state.DocUsed(2)) continue;
     CheckPageTree(input, shell);
-    CheckReferences(input, shell);
+    CheckReferences(input, shell, slot == 1 ? ReferencePlace::First : ReferencePlace::Later);
   }
   if (state.DocUsed(2)) CheckCatalog({state, reader, 2}, {state, reader, 1}, shell);
+}
+
+std::int32_t FindAlterationsAmongOthers(MergeState& state, PdfReader& reader, MergeShell& shell) {
+  const ReadInput input{state, reader, 1};
+  CheckPageTree(input, shell);
+  return CheckReferences(input, shell, ReferencePlace::Any);
 }
 
 }  // namespace folioweld

@@ -11,6 +11,12 @@ namespace folioweld {
 /// Runs all of them; to be called between the reading and the renumbering.
 void FindAlterations(MergeState& state, FileModule& files, PdfReader& reader, MergeShell& shell);
 
+/// What they leave out for a first input that is read alone, as if it stood anywhere among others. Its
+/// catalog is not looked at: what a later document loses with it, no other form of the document would keep.
+/// Returns the lowest number that a reference names and that the input does not have; -1 = none.
+[[nodiscard]] std::int32_t FindAlterationsAmongOthers(MergeState& state, PdfReader& reader,
+                                                      MergeShell& shell);
+
 /// Whether the trailer of a section that was just read says the same to other programs, and that the newest
 /// one tells of no encryption. To be called before the section counts as read.
 void CheckTrailer(const ReadInput& input, MergeShell& shell, const XrefSectionInfo& section);
@@ -37,8 +43,15 @@ void CheckForm(const ReadInput& input, std::string_view form, const ReadInput& f
 /// Whether "endstream" stands where every stream's data ends.
 void CheckStreamEnds(const ReadInput& input, FileModule& files, MergeShell& shell);
 
-/// Whether every reference leads to the same object in the output. The first input has to be followed by a
-/// second one.
-void CheckReferences(const ReadInput& input, MergeShell& shell);
+/// Where the input stands whose references are looked at.
+enum class ReferencePlace {
+  First,  ///< followed by a second input
+  Later,
+  Any  ///< tried alone
+};
+
+/// Whether every reference leads to the same object in the output. Returns the number that
+/// `FindAlterationsAmongOthers` does; -1 but for `Any`.
+std::int32_t CheckReferences(const ReadInput& input, MergeShell& shell, ReferencePlace place);
 
 }  // namespace folioweld

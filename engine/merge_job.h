@@ -31,6 +31,12 @@ class MergeJob {
   /// `cmdOK_Click` only looks whether it is free and calls this one.
   void cmdOK_Click();
 
+  /// Whether `DocFileName`(1) could be joined: every step of a merge with this one input, but for the output.
+  /// `amongOthers` tries it as if it stood anywhere among other documents, too. Why not is left in `Failure`,
+  /// what would be altered in `DocSources`(1); `lowestMissing` becomes what `FindAlterationsAmongOthers`
+  /// gives.
+  [[nodiscard]] bool TryInput(bool amongOthers, std::int32_t& lowestMissing);
+
   /// What every Cancel does: the pass that runs ends as failed.
   void AbortOperation();
 

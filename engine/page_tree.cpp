@@ -58,6 +58,17 @@ class PagePasting {
     ReplaceInformation(2);
   }
 
+  /// All that is done to the pages of an input, in either place.
+  void Try() {
+    const std::int32_t catalog = CatalogSlot(1);
+    const Reference pages = PagesOf(1, catalog);
+    static_cast<void>(PageCount(1, pages));
+    // The root stands in for a new one, so that the catalog keeps its pages.
+    const std::string parent = " " + Text(pages.Number) + " " + Text(pages.Generation) + " R ";
+    RedirectCatalog(catalog, parent);
+    Adopt(1, pages.Number, parent);
+  }
+
  private:
   [[noreturn]] void Fail(std::int16_t slot, std::int32_t index, std::string rule) const {
     const std::int32_t own = slot == 2 ? index - state_.ObjectsInDoc1 : index;
@@ -221,6 +232,14 @@ bool PdfBuilder::PastePageCatalogs() {
   });
   if (pasted) shell_.AppendStatusText(2, state_.DocUsed(2) ? "   -> OK\r\n" : " -> OK \r\n");
   return pasted;
+}
+
+bool PdfBuilder::TryPageCatalog() {
+  PdfReader reader(state_, files_, shell_);
+  return RunGuarded(state_, 1, [&] {
+    PagePasting(state_, *this, reader, shell_).Try();
+    return true;
+  });
 }
 
 bool PdfBuilder::FindPagesReference(std::int32_t catalogSlot, std::int32_t& number,

@@ -31,6 +31,10 @@ class PdfBuilder {
   /// Pass #3: joins the page trees and prepares the trailer.
   [[nodiscard]] bool PastePageCatalogs();
 
+  /// Whether Pass #3 could join the first input's pages with another's, as the first or the second one. It
+  /// changes both for a try, so that the state is no use for a merge afterwards.
+  [[nodiscard]] bool TryPageCatalog();
+
   /// The reference under "/Pages" of the catalog in the slot; both numbers -1 when there is none.
   [[nodiscard]] bool FindPagesReference(std::int32_t catalogSlot, std::int32_t& number,
                                         std::int32_t& generation);

@@ -54,19 +54,28 @@ int CountReferences(std::string_view text) {
 /// Looks at the texts of one input.
 class ReferenceCheck {
  public:
-  explicit ReferenceCheck(const ReadInput& input) : input_(input), state_(input.State) {}
+  ReferenceCheck(const ReadInput& input, ReferencePlace place)
+      : input_(input),
+        state_(input.State),
+        isLater_(place != ReferencePlace::First),
+        isFollowed_(place != ReferencePlace::Later),
+        isTried_(place == ReferencePlace::Any) {}
 
   void Look(std::int32_t number, std::string_view text) {
     if (!IsWorthAWalk(text)) return;
     const std::string seen = AsOthersSee(text);
     NumberPair found;
     while (FindReference(seen, found.End, kReferenceKeyword, found)) {
-      if (LeadsElsewhere(found.Number)) Note(number, found);
+      if (isLater_ && found.Number == 0) Note(AlterationKind::ReferenceToFiller, number, found);
+      if (isFollowed_ && found.Number >= state_.ObjectsInDoc1) LookAtMissing(number, found);
     }
-    if (input_.Slot == 2 && CountReferences(seen) > CountReferences(text)) {
+    if (isLater_ && CountReferences(seen) > CountReferences(text)) {
       NoteAlteration(state_, input_.Slot, AlterationKind::ReferenceNotSeen, number);
     }
   }
+
+  /// The lowest number that a reference of a tried input names and that the input does not have; -1 = none.
+  [[nodiscard]] std::int32_t LowestMissing() const { return lowestMissing_; }
 
  private:
   /// Most texts have no comment, no odd white space and no number that could be one to tell of.
@@ -80,40 +89,49 @@ class ReferenceCheck {
   /// A first look at the digits of a number, which few pass.
   [[nodiscard]] bool MayLeadElsewhere(std::string_view digits) const {
     if (digits.size() > kMostDigits) return true;
-    return input_.Slot == 2 ? digits[0] == '0' : NumberOf(digits) >= state_.ObjectsInDoc1;
+    return (isLater_ && digits[0] == '0') || (isFollowed_ && NumberOf(digits) >= state_.ObjectsInDoc1);
   }
 
-  /// In the first input: an object that it does not have and the output has. In the second one: object 0, in
-  /// whose place the output has the filler.
-  [[nodiscard]] bool LeadsElsewhere(std::int32_t number) const {
-    if (input_.Slot == 2) return number == 0;
-    if (number < state_.ObjectsInDoc1 || number >= state_.ObjectsTotal) return false;
+  /// Among the documents of a whole run only who knows them all can tell what such a number leads to.
+  void LookAtMissing(std::int32_t number, const NumberPair& reference) {
+    if (isTried_) {
+      if (lowestMissing_ < 0 || reference.Number < lowestMissing_) lowestMissing_ = reference.Number;
+    } else if (IsInOutput(reference.Number)) {
+      Note(AlterationKind::ReferenceToLater, number, reference);
+    }
+  }
+
+  [[nodiscard]] bool IsInOutput(std::int32_t number) const {
+    if (number >= state_.ObjectsTotal) return false;
     const std::int32_t target = state_.Objects[number].ObjState;
     return target != kNoObject && target != kListed;
   }
 
-  void Note(std::int32_t number, const NumberPair& reference) {
-    NoteAlteration(state_, input_.Slot,
-                   input_.Slot == 2 ? AlterationKind::ReferenceToFiller : AlterationKind::ReferenceToLater,
-                   number,
+  void Note(AlterationKind kind, std::int32_t number, const NumberPair& reference) {
+    NoteAlteration(state_, input_.Slot, kind, number,
                    std::to_string(reference.Number) + " " + std::to_string(reference.Generation) + " R");
   }
 
   const ReadInput& input_;
   MergeState& state_;
+  bool isLater_;
+  bool isFollowed_;
+  bool isTried_;
+  std::int32_t lowestMissing_ = -1;
 };
 
 }  // namespace
 
-void CheckReferences(const ReadInput& input, MergeShell& shell) {
+std::int32_t CheckReferences(const ReadInput& input, MergeShell& shell, ReferencePlace place) {
   MergeState& state = input.State;
-  ReferenceCheck check(input);
+  ReferenceCheck check(input, place);
   for (std::int32_t number = 0; number < state.DocObjectCount(input.Slot); ++number) {
     if (YieldAndCheckAbort(shell, state)) throw RuleBroken({input.Slot, number, -1, kCancelled});
     const ObjectEntry& entry = state.Objects[TableIndexOf(state, number, input.Slot)];
     const bool isObject = entry.ObjState == kWithoutStream || entry.ObjState == kWithStream;
     if (isObject && entry.LastLine >= 0) check.Look(number, state.ObjLines[entry.LastLine]);
   }
+  return check.LowestMissing();
 }
 
 }  // namespace folioweld
