@@ -24,6 +24,9 @@ class ProgramFixture : public ::testing::Test {
     std::string Errors;
   };
 
+  static constexpr int kLongMergePages = 1500;
+  static constexpr const char* kLongMergeDocument = "1";
+
   ProgramFixture() {
     for (const char* name : {"docs", "tmp", "config"}) folder_.MakeFolder(name);
     setup_.Program = FOLIOWELD_PROGRAM;
@@ -42,12 +45,11 @@ class ProgramFixture : public ::testing::Test {
     folder_.Write("docs/" + name, bytes);
   }
 
-  /// So much to join that it takes seconds: one large document under many names.
+  /// So much to join that no test sees its end: half a minute on an idle machine. One document under many
+  /// names, of which kLongMergeDocument is one.
   void AddLongMerge() const {
-    folder_.Write("docs/000", SimpleDocument(1500));
-    for (int i = 1; i < 200; ++i) {
-      std::filesystem::create_hard_link(Doc("000"), Doc(std::to_string(1000 + i).substr(1)));
-    }
+    folder_.Write("docs/0", SimpleDocument(kLongMergePages));
+    for (int i = 1; i < 4000; ++i) std::filesystem::create_hard_link(Doc("0"), Doc(std::to_string(i)));
   }
 
   Outcome Run(const std::vector<std::string>& arguments) {

@@ -145,7 +145,7 @@ TEST_F(OnTerminal, NothingIsLeftOnTheScreenAfterASuccess) {
 TEST_F(OnTerminal, ControlCCancels) {
   AddLongMerge();
   ChildProgram program(setup_);
-  ASSERT_TRUE(WaitUntil([&] { return Temporaries().size() >= 2; }));
+  ASSERT_TRUE(WaitUntil([&] { return Temporaries().size() >= 2 && !Pictures(program.Errors()).empty(); }));
   program.Type("\x03");
   EXPECT_EQ(program.Wait(), 128 + SIGINT);
   EXPECT_TRUE(Temporaries().empty());
