@@ -26,7 +26,9 @@ FileModule::~FileModule() {
   for (std::size_t i = 0; i < files_.size(); ++i) Close(static_cast<std::int16_t>(i + 1));
 }
 
-std::int16_t FileModule::OpenForBinaryRead(const std::string& path) {
+std::int16_t FileModule::OpenForBinaryRead(const std::string& document) {
+  const PreparedCopy* const copy = prepared_.Find(document);
+  const std::string& path = copy == nullptr ? document : copy->Path;
   const FileInformation* const own = own_.Find(path);
   const OpenMode mode = own == nullptr ? OpenMode::ReadExisting : OpenMode::ReadUnlinked;
   const auto handle = RetryInterrupted([&] { return system_.CreateFile(path, mode); });
@@ -41,6 +43,7 @@ std::int16_t FileModule::OpenForBinaryRead(const std::string& path) {
   auto file = std::make_unique<OpenFile>();
   file->Handle = handle.Value();
   file->Information = information.Value();
+  if (copy != nullptr) file->Original = copy->Original;
   file->Input.emplace(system_, file->Handle, file->Information.Size, spareBuffers_);
   return Store(std::move(file));
 }
@@ -206,7 +209,7 @@ bool FileModule::Fail(SystemError error) {
 
 bool FileModule::IsOpenInput(const FileIdentity& identity) const {
   return std::any_of(files_.begin(), files_.end(), [&](const std::unique_ptr<OpenFile>& file) {
-    return file && file->Input && file->Information.Identity == identity;
+    return file && file->Input && (file->Information.Identity == identity || file->Original == identity);
   });
 }
 

@@ -8,6 +8,7 @@
 
 #include "engine/file_buffer.h"
 #include "engine/own_files.h"
+#include "engine/prepared_copies.h"
 #include "platform/windows_api.h"
 
 namespace folioweld {
@@ -50,13 +51,15 @@ class FileModule {
 
   // Open files.
 
-  /// Opens a regular file for reading and remembers its length. -1 when it cannot be opened.
+  /// Opens a regular file for reading and remembers its length; where a copy was prepared of it, that one is
+  /// opened in its place. -1 when it cannot be opened.
   [[nodiscard]] std::int16_t OpenForBinaryRead(const std::string& path);
 
   /// Opens a regular file for writing, created when missing and emptied otherwise. A file with further names
   /// keeps its contents under those and the path gets a file of its own. -1, with the file as it was, when it
   /// cannot be opened, is reached through a link or is the file of one of the file numbers that are open
-  /// for reading, under whatever name. EBUSY when another program is writing it.
+  /// for reading, under whatever name, or the document that one of them is a copy of. EBUSY when another
+  /// program is writing it.
   [[nodiscard]] std::int16_t OpenForBinaryWrite(const std::string& path);
 
   /// Writes out what is gathered and closes. False when the last bytes could not be written or the system
@@ -140,6 +143,8 @@ class FileModule {
   /// What is known of the files that the job made for itself. Such a path is opened only as long as it leads
   /// to the file that was made, untouched; it is never created anew, and only that file is deleted.
   [[nodiscard]] OwnFiles& Own() { return own_; }
+  /// The documents that are read from a copy.
+  [[nodiscard]] PreparedCopies& Prepared() { return prepared_; }
   [[nodiscard]] WindowsAPI& System() { return system_; }
 
   /// Where the line reader's warnings go; may be null.
@@ -172,6 +177,7 @@ class FileModule {
   SystemError lastError_;
   bool replaced_ = false;  ///< whether it says that one of the job's own files is another one now
   OwnFiles own_;
+  PreparedCopies prepared_;
   SpareFileBuffers spareBuffers_;
   std::vector<std::unique_ptr<OpenFile>> files_;
 };

@@ -14,7 +14,8 @@ namespace folioweld {
 /// An open file of `FileModule`, for its sources only.
 struct OpenFile {
   WindowsAPI::Handle Handle = -1;
-  FileInformation Information;  ///< as it was when opened
+  FileInformation Information;           ///< as it was when opened
+  std::optional<FileIdentity> Original;  ///< the document that it is a prepared copy of
   std::optional<InputBuffer> Input;
   std::optional<OutputBuffer> Output;
 
