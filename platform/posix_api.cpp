@@ -12,6 +12,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <poll.h>
+#include <sched.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/mman.h>
@@ -20,6 +21,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "platform/child_process.h"
 #include "platform/stop_signals.h"
 
 namespace folioweld {
@@ -278,6 +280,36 @@ SystemResult<bool> PosixApi::PollProcess(Process child) {
   const pid_t ended = ::waitpid(child, nullptr, WNOHANG);
   if (ended < 0) return LastError();
   return ended == 0;
+}
+
+SystemResult<StartedProcess> PosixApi::StartProcess(const std::string& program,
+                                                    const std::vector<std::string>& arguments,
+                                                    const std::vector<Handle>& kept) {
+  return SpawnProcess(program, arguments, kept);
+}
+
+SystemResult<std::optional<int>> PosixApi::ExitOfProcess(Process child) {
+  int status = 0;
+  const pid_t ended = ::waitpid(child, &status, WNOHANG);
+  if (ended < 0) return LastError();
+  if (ended == 0) return std::optional<int>();
+  return std::optional<int>(WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status));
+}
+
+SystemError PosixApi::KillProcess(Process child) {
+  return child > 0 ? Outcome(::kill(child, SIGKILL)) : SystemError{ESRCH};
+}
+
+void PosixApi::WaitForInput(const std::vector<Handle>& handles, int milliseconds) {
+  std::vector<struct pollfd> waiting{{CaughtSignalHandle(), POLLIN, 0}};
+  for (const Handle handle : handles) waiting.push_back({handle, POLLIN, 0});
+  // Waiting too short, after another signal, does no harm.
+  static_cast<void>(::poll(waiting.data(), waiting.size(), milliseconds));
+}
+
+int PosixApi::ProcessorCount() {
+  cpu_set_t processors;
+  return ::sched_getaffinity(0, sizeof processors, &processors) < 0 ? 1 : CPU_COUNT(&processors);
 }
 
 SystemError PosixApi::TerminateProcess(Process process) {

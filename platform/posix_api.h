@@ -44,6 +44,13 @@ class PosixApi : public WindowsAPI {
   SystemResult<std::string> GetModuleFileName() override;
   SystemError ReplaceProcess(const std::string& program, const std::vector<std::string>& arguments) override;
   SystemResult<bool> PollProcess(Process child) override;
+  SystemResult<StartedProcess> StartProcess(const std::string& program,
+                                            const std::vector<std::string>& arguments,
+                                            const std::vector<Handle>& kept) override;
+  SystemResult<std::optional<int>> ExitOfProcess(Process child) override;
+  SystemError KillProcess(Process child) override;
+  void WaitForInput(const std::vector<Handle>& handles, int milliseconds) override;
+  int ProcessorCount() override;
   SystemError TerminateProcess(Process process) override;
 
   SystemError PreferLargePages(void* memory, std::size_t size) override;

@@ -77,6 +77,12 @@ struct LocalTime {
   int Second = 0;
 };
 
+/// A child process.
+struct StartedProcess {
+  int Child = -1;   ///< its process id
+  int Errors = -1;  ///< the reading end of its standard error, EAGAIN where nothing is there yet
+};
+
 /// The only place that talks to the operating system. Every call can be made to fail in a test by deriving
 /// from this class; `PosixApi` is the real one. Paths are the system's bytes. Calls are not retried here:
 /// an interrupted or short call is reported as it happened and its caller goes on.
@@ -151,6 +157,20 @@ class WindowsAPI {
   /// Whether a child process still runs. One that ended is taken leave of here, so that nothing of it stays
   /// behind; asking about it again is an error.
   virtual SystemResult<bool> PollProcess(Process child) = 0;
+  /// Starts a program, not through a shell: its standard error can be read here, the other two streams lead
+  /// nowhere, and of the open files it gets those in `kept`, under their numbers.
+  virtual SystemResult<StartedProcess> StartProcess(const std::string& program,
+                                                    const std::vector<std::string>& arguments,
+                                                    const std::vector<Handle>& kept) = 0;
+  /// How a child ended: its exit status, or 128 and the signal that ended it; nothing while it runs. Like
+  /// `PollProcess` it takes leave of one that ended.
+  virtual SystemResult<std::optional<int>> ExitOfProcess(Process child) = 0;
+  /// Ends a child, which cannot refuse.
+  virtual SystemError KillProcess(Process child) = 0;
+  /// Waits until one of the handles can be read or has ended, a stop signal is there, or the time is over.
+  virtual void WaitForInput(const std::vector<Handle>& handles, int milliseconds) = 0;
+  /// How many processors this process may use; at least 1.
+  virtual int ProcessorCount() = 0;
   /// Asks a process to end, in the way that it may refuse or take its time over.
   virtual SystemError TerminateProcess(Process process) = 0;
 

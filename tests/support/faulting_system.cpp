@@ -50,6 +50,12 @@ SystemResult<std::size_t> FaultingSystem::ReadFile(Handle file, std::int64_t off
   return PosixApi::ReadFile(file, offset, bytes, Shortened(count, fault.ShortBy));
 }
 
+SystemResult<std::size_t> FaultingSystem::ReadNext(Handle file, char* bytes, std::size_t count) {
+  const Fault fault = Count("ReadNext");
+  if (fault.Error != 0) return SystemError{fault.Error};
+  return PosixApi::ReadNext(file, bytes, Shortened(count, fault.ShortBy));
+}
+
 SystemResult<std::size_t> FaultingSystem::WriteFile(Handle file, std::int64_t offset, const char* bytes,
                                                     std::size_t count) {
   const Fault fault = Count("WriteFile");
@@ -164,6 +170,25 @@ SystemResult<bool> FaultingSystem::PollProcess(Process child) {
   const Fault fault = Count("PollProcess");
   if (fault.Error != 0) return SystemError{fault.Error};
   return PosixApi::PollProcess(child);
+}
+
+SystemResult<StartedProcess> FaultingSystem::StartProcess(const std::string& program,
+                                                          const std::vector<std::string>& arguments,
+                                                          const std::vector<Handle>& kept) {
+  const Fault fault = Count("StartProcess", program);
+  if (fault.Error != 0) return SystemError{fault.Error};
+  return PosixApi::StartProcess(program, arguments, kept);
+}
+
+SystemResult<std::optional<int>> FaultingSystem::ExitOfProcess(Process child) {
+  const Fault fault = Count("ExitOfProcess");
+  if (fault.Error != 0) return SystemError{fault.Error};
+  return PosixApi::ExitOfProcess(child);
+}
+
+SystemError FaultingSystem::KillProcess(Process child) {
+  const Fault fault = Count("KillProcess");
+  return fault.Error != 0 ? SystemError{fault.Error} : PosixApi::KillProcess(child);
 }
 
 SystemError FaultingSystem::TerminateProcess(Process process) {

@@ -41,6 +41,7 @@ class FaultingSystem : public PosixApi {
   SystemResult<Handle> CreateFile(const std::string& path, OpenMode mode) override;
   SystemResult<std::size_t> ReadFile(Handle file, std::int64_t offset, char* bytes,
                                      std::size_t count) override;
+  SystemResult<std::size_t> ReadNext(Handle file, char* bytes, std::size_t count) override;
   SystemResult<std::size_t> WriteFile(Handle file, std::int64_t offset, const char* bytes,
                                       std::size_t count) override;
   SystemResult<FileInformation> GetFileInformationByHandle(Handle file) override;
@@ -62,6 +63,11 @@ class FaultingSystem : public PosixApi {
   SystemResult<std::uint32_t> RandomNumber() override;
   SystemResult<LocalTime> FileTimeToLocalTime(std::int64_t seconds) override;
   SystemResult<bool> PollProcess(Process child) override;
+  SystemResult<StartedProcess> StartProcess(const std::string& program,
+                                            const std::vector<std::string>& arguments,
+                                            const std::vector<Handle>& kept) override;
+  SystemResult<std::optional<int>> ExitOfProcess(Process child) override;
+  SystemError KillProcess(Process child) override;
   SystemError TerminateProcess(Process process) override;
   SystemError PreferLargePages(void* memory, std::size_t size) override;
 
