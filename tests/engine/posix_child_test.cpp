@@ -55,10 +55,10 @@ TEST_F(PosixChildTest, AProgramGetsTheFilesKeptForItAndNoOthers) {
   const int kept = ::open(folder_.Write("kept", "").c_str(), O_RDWR | O_CLOEXEC);
   const int other = ::open(folder_.Write("other", "").c_str(), O_RDWR | O_CLOEXEC);
   const std::string fd = "/proc/self/fd/";
-  const auto [text, status] =
-      Watch(StartShell("echo kept > " + fd + std::to_string(kept) + "; test -e " + fd +
-                           std::to_string(other) + "; echo $? >&2; readlink /proc/$$/fd/0 /proc/$$/fd/1 >&2",
-                       {kept}));
+  const auto [text, status] = Watch(
+      StartShell("echo kept > " + fd + std::to_string(kept) + "; test -e " + fd + std::to_string(other) +
+                     "; echo $? >&2; " + "for n in 0 1; do echo $(readlink /proc/$$/fd/$n) >&2; done",
+                 {kept}));
   EXPECT_EQ(text, "1\n/dev/null\n/dev/null\n");
   EXPECT_EQ(status, 0);
   EXPECT_EQ(ReadFile(folder_.File("kept")), "kept\n");
