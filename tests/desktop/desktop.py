@@ -13,7 +13,7 @@ import tempfile
 import time
 from pathlib import Path
 
-SECONDS = float(os.environ.get("FOLIOWELD_DESKTOP_SECONDS", "60"))
+SECONDS = float(os.environ.get("FOLIOWELD_DESKTOP_SECONDS", "300"))
 SCREEN = "1600x1200x24"
 
 _PR_SET_PDEATHSIG = 1

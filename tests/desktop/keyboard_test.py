@@ -12,9 +12,8 @@ class Keyboard(DesktopTest):
         for _ in range(12):
             if window.focused() == name:
                 return
-            before = window.focused()
             self.screen.press("Tab")
-            self.wait(lambda: window.focused() != before, f"the keyboard leaves {before}")
+            window.wait_handled()
         self.fail(f"no way to {name} with Tab")
 
     def fill_by_keyboard(self, window, *paths):
@@ -47,11 +46,11 @@ class Keyboard(DesktopTest):
         for here, there in zip(order, order[1:] + order[:1]):
             self.assertEqual(window.focused(), here)
             self.screen.press("Tab")
-            self.wait(lambda: window.focused() != here, f"the keyboard leaves {here}")
+            window.wait_handled()
             self.assertEqual(window.focused(), there)
         for here, there in zip(order[:1] + order[:0:-1], order[::-1]):
             self.screen.press("Shift+Tab")
-            self.wait(lambda: window.focused() != here, f"the keyboard leaves {here}")
+            window.wait_handled()
             self.assertEqual(window.focused(), there)
 
     def test_the_inputs_are_swapped_and_cleared(self):
@@ -107,9 +106,9 @@ class Keyboard(DesktopTest):
         self.screen.press("Esc")
         self.tab_to(window, EXIT)
         self.screen.press("Esc")
-        # What was typed before this was handled before it.
-        self.screen.press("Shift+Tab")
-        self.wait(lambda: window.focused() != EXIT, "the window still listens")
+        window.wait_handled()
+        self.assertEqual(window.focused(), EXIT)
+        self.assertEqual(window.dialogs(), [])
         self.assertTrue(window.runs())
 
     def test_the_menus_open_with_f10_and_follow_the_arrows(self):
@@ -135,7 +134,8 @@ class Keyboard(DesktopTest):
             if window.focused() == MERGE_FOLDER:
                 break
             self.screen.press("Down")
-        self.wait(lambda: window.focused() == MERGE_FOLDER, f"{MERGE_FOLDER} is chosen; {window.focused()} is")
+            window.wait_handled()
+        self.wait(lambda: window.focused() == MERGE_FOLDER, lambda: f"{MERGE_FOLDER} is chosen; {window.focused()} is")
         self.screen.press("Enter")
         window.answer_file(CHOOSE_FOLDER, folder)
         window.answer_file(CHOOSE_OUTPUT, joined)

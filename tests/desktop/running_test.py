@@ -75,11 +75,9 @@ class Running(DesktopTest):
         self.wait_cancelled(window)
 
     def test_quick_presses_that_follow_a_cancel_do_not_end_the_program(self):
-        for press in (lambda place: self.screen.click(place), lambda _place: self.screen.press("Enter")):
+        for press in (lambda place: self.screen.click(place, 3), lambda _place: self.screen.press("Enter", 3)):
             window = self.begin()
-            place = window.control(ABORT).extents
-            for _ in range(3):
-                press(place)
+            press(window.control(ABORT).extents)
             self.wait_cancelled(window)
             window.choose("About", "Folioweld")
             window.dialog("Folioweld")
@@ -121,6 +119,7 @@ class Running(DesktopTest):
         self.wait(lambda: window.main.find("menu item", MERGE_FOLDER, states=("showing",)) or
                   window.focused() == "File", "the menu bar answers")
         self.screen.press("Esc")
+        window.wait_handled()
         self.assertTrue(window.is_enabled(ABORT))
 
     def test_the_close_box_stops_the_merge_and_keeps_the_window(self):

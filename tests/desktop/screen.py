@@ -43,12 +43,14 @@ class Screen:
         xtest.fake_input(self._display, X.ButtonRelease, button)
         self._display.sync()
 
-    def click(self, place):
-        """Clicks the middle of a rectangle."""
+    def click(self, place, times=1):
+        """Clicks the middle of a rectangle; several times, it is as quick as the server can be."""
         left, top, width, height = place
         self.move(left + width // 2, top + height // 2)
-        self.press_button()
-        self.release_button()
+        for _ in range(times):
+            xtest.fake_input(self._display, X.ButtonPress, 1)
+            xtest.fake_input(self._display, X.ButtonRelease, 1)
+        self._display.sync()
 
     def pointer(self):
         """The picture of the pointer."""
@@ -57,13 +59,14 @@ class Screen:
 
     # The keyboard.
 
-    def press(self, keys):
+    def press(self, keys, times=1):
         """Presses and releases a key, with others held before it: "Tab", "Shift+Tab", "Alt+F4"."""
         codes = [self._code(key) for key in keys.split("+")]
-        for code in codes:
-            xtest.fake_input(self._display, X.KeyPress, code)
-        for code in reversed(codes):
-            xtest.fake_input(self._display, X.KeyRelease, code)
+        for _ in range(times):
+            for code in codes:
+                xtest.fake_input(self._display, X.KeyPress, code)
+            for code in reversed(codes):
+                xtest.fake_input(self._display, X.KeyRelease, code)
         self._display.sync()
 
     def hold(self, key):
@@ -154,6 +157,21 @@ class Screen:
     def activate(self, window):
         self.ask_manager(window, "_NET_ACTIVE_WINDOW", 2, X.CurrentTime)
         wait_for(lambda: self.active() == window, "the window comes to the front")
+
+    def ping(self, window, number):
+        """Asks a program, as window managers do, whether it is alive. It answers in the order of its events."""
+        self._root.change_attributes(event_mask=X.StructureNotifyMask)
+        target = self._display.create_resource_object("window", window)
+        target.send_event(event.ClientMessage(window=target, client_type=self.atom("WM_PROTOCOLS"),
+                                              data=(32, [self.atom("_NET_WM_PING"), number, window, 0, 0])))
+        self._display.sync()
+
+    def answered(self, number):
+        """Whether a program has just answered the question of this number or a later one."""
+        events = [self._display.next_event() for _ in range(self._display.pending_events())]
+        ping = self.atom("_NET_WM_PING")
+        return any(note.type & 0x7F == X.ClientMessage and note.data[1][0] == ping and note.data[1][1] >= number
+                   for note in events)
 
     def _windows_in(self, window, name):
         return self._numbers(window, name)

@@ -137,9 +137,7 @@ class Viewer(DesktopTest):
         self.with_script("exec sleep 1000\n")
         window = self.join()
         self.wait_viewer_mode(window)
-        place = window.control(CLOSE_VIEWER).extents
-        self.screen.click(place)
-        self.screen.click(place)
+        self.screen.click(window.control(CLOSE_VIEWER).extents, 2)
         self.wait_idle(window)
         window.choose("About", "Folioweld")
         window.dialog("Folioweld")

@@ -6,7 +6,7 @@ import time
 from pathlib import Path
 
 from accessible import Gone
-from desktop import SECONDS, TimeUp, children_of, wait_for
+from desktop import children_of, wait_for
 
 ROOT = Path(__file__).resolve().parents[2]
 PROGRAMS = Path(os.environ.get("FOLIOWELD_PROGRAMS", ROOT / "build" / "dev" / "app"))
@@ -49,6 +49,7 @@ class Window:
         self.process = desktop.start([PROGRAMS / program, *arguments], self.environment, stderr=self._errors,
                                      cwd=folder or environment["HOME"])
         self._root = None
+        self._pings = 0
 
     def close(self):
         if self.process.poll() is None:
@@ -207,32 +208,42 @@ class Window:
         """Types a name into a file dialog."""
         dialog = self.dialog(title)
         field = wait_for(lambda: dialog.find("text", states=("focused", "editable")), "the field for the name")
-        # Qt's dialog may put the name that it has found so far into the field, also while more is typed. Then a
-        # person types it again.
         # The list of completions takes the entry under the pointer for chosen, wherever it opens.
         self.screen.move(1, 1)
-        for attempt in range(1, 6):
+
+        # Qt's dialog may put the name that it has found so far into the field, also while more is typed, and the
+        # list of completions keeps Enter to itself. Then a person does it again.
+        def answered():
             self.screen.press("Ctrl+a")
             self.screen.type(str(path))
+            self.wait_handled()
             try:
-                wait_for(lambda: field.text == str(path), lambda: f"{path} is typed; there is {field.text!r}",
-                         SECONDS / 10)
+                if field.text != str(path):
+                    return False
                 self.screen.press(key)
-                wait_for(lambda: not self._is_on_top(dialog), f"{title!r} is answered with {path}", SECONDS / 10)
-                return
-            except (TimeUp, Gone):
-                if not self._is_on_top(dialog):
-                    return
-                if attempt == 5:
-                    raise
+                self.wait_handled()
+                return "showing" not in dialog.states or any(seen.node != dialog for seen in self.dialogs())
+            except Gone:
+                return True
 
-    def _is_on_top(self, dialog):
-        if not self.runs():
-            return False
-        try:
-            return "active" in dialog.states and self.screen.title(self.screen.active()) == dialog.name
-        except Gone:
-            return False
+        wait_for(answered, f"{title!r} is answered with {path}")
+
+    def wait_handled(self):
+        """The program has handled every key and every click that came before."""
+        first = self._pings + 1
+
+        def answered():
+            # A dialog may be gone before it is asked.
+            window = self.main_window() or next(iter(self.windows()), 0)
+            if window:
+                self._pings += 1
+                self.screen.ping(window, self._pings)
+            return not self.runs() or self.screen.answered(first)
+
+        wait_for(answered, "the program answers")
+        # It answers when it takes its events from the server, and handles them before it answers this.
+        if self.runs():
+            self.root.snapshot(without=("application",))
 
     def box_text(self, title):
         """What a message box says, line by line."""
@@ -298,7 +309,7 @@ class Window:
             if last is None or time.monotonic() - last > 2:
                 press_exit()
                 last = time.monotonic()
-            return self.process.poll() is not None
+            return not self.runs()
 
         wait_for(ended, "the program ends")
         self.wait_end()
