@@ -68,6 +68,7 @@ void StatusDisplay::Update(const MergeShell& shell) {
 
 void StatusDisplay::Draw(const MergeShell& shell) {
   if (headline_.empty() || !MayDraw()) return;
+  LeaveRowsOfBeforeAStop();
   const std::vector<std::string> rows = Rows(shell);
   if (drawn_ != rows.size()) Clear();
   std::string text = drawn_ > 0 ? CursorUp(drawn_) : "";
@@ -78,6 +79,7 @@ void StatusDisplay::Draw(const MergeShell& shell) {
 }
 
 bool StatusDisplay::Clear() {
+  LeaveRowsOfBeforeAStop();
   const std::size_t rows = std::exchange(drawn_, 0);
   // In the background the rows are left where they are: the terminal is somebody else's by now.
   if (rows == 0 || !MayDraw()) return false;
@@ -85,6 +87,11 @@ bool StatusDisplay::Clear() {
   for (std::size_t row = 0; row < rows; ++row) text += "\r\x1b[K\n";
   WriteError(system_, text + CursorUp(rows));
   return true;
+}
+
+void StatusDisplay::LeaveRowsOfBeforeAStop() {
+  const int times = system_.TimesContinued();
+  if (std::exchange(timesContinued_, times) != times) drawn_ = 0;
 }
 
 bool StatusDisplay::MayDraw() {

@@ -33,6 +33,8 @@ class StatusDisplay {
   void Draw(const MergeShell& shell);
 
  private:
+  /// The shell has written below them, or another program: the cursor no longer stands where it stood.
+  void LeaveRowsOfBeforeAStop();
   [[nodiscard]] bool MayDraw();
   [[nodiscard]] std::vector<std::string> Rows(const MergeShell& shell) const;
 
@@ -43,6 +45,7 @@ class StatusDisplay {
   std::string name_;
   std::size_t drawn_ = 0;  ///< rows on the screen
   std::int64_t lastDrawn_ = 0;
+  int timesContinued_ = 0;
 };
 
 }  // namespace folioweld

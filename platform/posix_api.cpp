@@ -339,6 +339,10 @@ bool PosixApi::ErrorOutputIsInForeground() {
   return ::tcgetpgrp(STDERR_FILENO) == ::getpgrp();
 }
 
+int PosixApi::TimesContinued() {
+  return ContinuationCount();
+}
+
 int PosixApi::TerminalColumns() {
   struct winsize size {};
   if (::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) < 0 || size.ws_col == 0) return 80;

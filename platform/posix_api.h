@@ -57,6 +57,7 @@ class PosixApi : public WindowsAPI {
   SystemResult<std::size_t> WriteStandardOutput(const char* bytes, std::size_t count) override;
   bool ErrorOutputIsTerminal() override;
   bool ErrorOutputIsInForeground() override;
+  int TimesContinued() override;
   int TerminalColumns() override;
   SystemResult<std::size_t> WriteErrorOutput(const char* bytes, std::size_t count) override;
   SystemError CatchStopSignals(StopRule rule) override;

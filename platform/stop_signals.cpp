@@ -19,6 +19,7 @@ constexpr int kTicksBeforeSecond = 4;
 volatile std::sig_atomic_t g_signal = 0;
 volatile std::sig_atomic_t g_secondSignal = 0;
 volatile std::sig_atomic_t g_ticks = 0;
+volatile std::sig_atomic_t g_continued = 0;
 std::array<bool, kStopSignals.size()> g_caught{};
 /// Reading and writing end of the pipe that wakes whoever waits.
 int g_pipe[2] = {-1, -1};
@@ -48,6 +49,10 @@ extern "C" void RememberFirst(int signal) {
 extern "C" void Tick(int /*signal*/) {
   if (g_ticks < kTicksBeforeSecond) g_ticks = g_ticks + 1;
   if (g_secondSignal != 0 && g_ticks >= kTicksBeforeSecond) EndProcessBy(g_secondSignal);
+}
+
+extern "C" void CountContinuation(int /*signal*/) {
+  g_continued = g_continued + 1;
 }
 
 extern "C" void PassOver(int /*signal*/) {}
@@ -83,6 +88,7 @@ SystemError CatchSignals(StopRule rule) {
   const bool ends = rule == StopRule::EndByIt;
   if (ends) {
     if (const SystemError error = Handle(SIGALRM, Tick, 0)) return error;
+    if (const SystemError error = Handle(SIGCONT, CountContinuation, SA_RESTART)) return error;
   }
   for (std::size_t i = 0; i < kStopSignals.size(); ++i) {
     const int signal = kStopSignals[i];
@@ -105,6 +111,10 @@ int ReleaseSignals() {
 
 const volatile std::sig_atomic_t& CaughtSignal() {
   return g_signal;
+}
+
+int ContinuationCount() {
+  return g_continued;
 }
 
 int CaughtSignalHandle() {

@@ -12,6 +12,7 @@ namespace folioweld {
 [[nodiscard]] SystemError CatchSignals(StopRule rule);
 [[nodiscard]] int ReleaseSignals();
 [[nodiscard]] const volatile std::sig_atomic_t& CaughtSignal();
+[[nodiscard]] int ContinuationCount();
 /// The end of a pipe that is readable once a signal came; -1 before `CatchSignals` or without a pipe.
 [[nodiscard]] int CaughtSignalHandle();
 /// Ends the process by the signal; may be called in a handler.

@@ -184,6 +184,9 @@ class WindowsAPI {
   /// Whether that terminal is the controlling one and this program belongs to its foreground; it can change
   /// at any moment.
   virtual bool ErrorOutputIsInForeground() = 0;
+  /// How often the program was stopped and went on since stop signals are caught to end it: each time
+  /// somebody else may have written to the terminal.
+  virtual int TimesContinued() = 0;
   /// Columns of the terminal, or 80 when they cannot be had.
   virtual int TerminalColumns() = 0;
   /// Waits until there is room; EAGAIN when there is none and a stop signal came. May write less than asked

@@ -14,6 +14,7 @@ class ScreenSystem : public FaultingSystem {
  public:
   bool ErrorOutputIsTerminal() override { return IsTerminal; }
   bool ErrorOutputIsInForeground() override { return IsInForeground; }
+  int TimesContinued() override { return Continued; }
   int TerminalColumns() override { return Columns; }
   SystemResult<std::size_t> WriteErrorOutput(const char* bytes, std::size_t count) override {
     ++Writes;
@@ -50,6 +51,7 @@ class ScreenSystem : public FaultingSystem {
 
   bool IsTerminal = false;
   bool IsInForeground = true;
+  int Continued = 0;
   int Columns = 80;
   std::string Written;
   int Writes = 0;

@@ -174,6 +174,18 @@ TEST_F(StatusDisplayTest, ShowsTheRowsAgainAtOnceAfterAClear) {
   EXPECT_EQ(system_.Take(), Rows("", "", ""));
 }
 
+TEST_F(StatusDisplayTest, RowsOfBeforeAStopAreLeftAsTheyAre) {
+  StatusDisplay display = Display();
+  display.Update(shell_);
+  system_.Take();
+  system_.Continued = 1;
+  display.Draw(shell_);
+  EXPECT_EQ(system_.Take(), Rows("", "", "")) << "the shell has written below the old ones";
+  system_.Continued = 2;
+  EXPECT_FALSE(display.Clear());
+  EXPECT_EQ(system_.Take(), "");
+}
+
 TEST_F(StatusDisplayTest, HeadlineShortensTheNameInFront) {
   system_.Columns = 46;
   EXPECT_EQ(HeadlineOf("chapter-07.pdf"), "Merge 7 of 11 (round 2 of 4): chapter-07.pdf");
