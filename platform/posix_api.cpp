@@ -52,6 +52,7 @@ int FlagsFor(OpenMode mode) {
       return kAlways | O_RDWR | O_NOFOLLOW;
     case OpenMode::TruncateExisting:
       return kAlways | O_WRONLY | O_TRUNC | O_NOFOLLOW;
+    case OpenMode::CreateNew:
     case OpenMode::CreateNewPrivate:
       return kAlways | O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW;
     case OpenMode::ReadWriteCreatePrivate:
@@ -61,7 +62,7 @@ int FlagsFor(OpenMode mode) {
 }
 
 mode_t ModeFor(OpenMode mode) {
-  return mode == OpenMode::WriteKeep ? 0666 : 0600;
+  return mode == OpenMode::WriteKeep || mode == OpenMode::CreateNew ? 0666 : 0600;
 }
 
 FileKind KindOf(mode_t mode) {

@@ -52,6 +52,7 @@ class PosixApi : public WindowsAPI {
   void WaitForInput(const std::vector<Handle>& handles, int milliseconds) override;
   int ProcessorCount() override;
   SystemError TerminateProcess(Process process) override;
+  SystemError LimitProcess(const ProcessLimits& limits) override;
 
   SystemError PreferLargePages(void* memory, std::size_t size) override;
   SystemResult<std::size_t> WriteStandardOutput(const char* bytes, std::size_t count) override;

@@ -22,6 +22,7 @@ enum class OpenMode {
   WriteKeep,              ///< writing, created when missing (mode 0666 less the umask), contents kept
   ReadWriteExisting,      ///< reading and writing, existing files only
   TruncateExisting,       ///< writing, existing files only, emptied by the open
+  CreateNew,              ///< writing, fails when the name exists, mode 0666 less the umask
   CreateNewPrivate,       ///< writing, fails when the name exists, mode 0600
   ReadWriteCreatePrivate  ///< reading and writing, created when missing with mode 0600
 };
@@ -57,6 +58,13 @@ struct UserIds {
   std::uint32_t User = 0;
   std::uint32_t Group = 0;         ///< the primary one
   std::uint32_t OverflowUser = 0;  ///< stands for owners that this process has no id for, as in a container
+};
+
+/// What a process may use at most.
+struct ProcessLimits {
+  std::int64_t Memory = 0;            ///< bytes of address space; not kept where sanitizers need more
+  std::int64_t ProcessorSeconds = 0;  ///< the process is ended after that
+  std::int64_t FileSize = 0;          ///< bytes; a write beyond is an error
 };
 
 /// What the signals that ask a program to end do while they are caught.
@@ -173,6 +181,10 @@ class WindowsAPI {
   virtual int ProcessorCount() = 0;
   /// Asks a process to end, in the way that it may refuse or take its time over.
   virtual SystemError TerminateProcess(Process process) = 0;
+
+  /// From now on this process has these limits, or the lower ones that it had, leaves no core dump, and is
+  /// ended together with the process that started it.
+  virtual SystemError LimitProcess(const ProcessLimits& limits) = 0;
 
   /// Asks for this memory, which begins at a multiple of a huge page's size, to come in huge pages; nothing
   /// that it holds changes.

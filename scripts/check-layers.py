@@ -13,12 +13,14 @@ MAY_USE = {
     "engine": ["platform"],
     "dirmerge": ["platform", "engine"],
     "batch": ["platform", "engine", "dirmerge"],
+    "prepare": ["platform", "engine", "batch", "libqpdf"],
     "ui": ["platform", "engine", "dirmerge", "the toolkit"],
     "app": ["platform", "engine", "dirmerge", "batch", "ui"],
 }
 OTHERS = {
     "the system": re.compile(r"sys/|(unistd|fcntl|dirent|poll|spawn)\.h$"),
     "the toolkit": re.compile(r"Q[A-Z]\w*$|Qt\w*/|gio/|xcb/"),
+    "libqpdf": re.compile(r"qpdf/"),
     "the tests": re.compile(r"(tests|fuzz|bench)/"),
 }
 # Whatever starts without a window starts without the toolkit.

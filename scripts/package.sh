@@ -13,7 +13,7 @@ read -r _version date < <("$root/packaging/debian/changelog.py" --newest "$root/
 SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(date -d "$date" +%s)}
 export SOURCE_DATE_EPOCH
 
-"$root/scripts/install-packages.sh" run window package
+"$root/scripts/install-packages.sh" run window prepare package
 "$root/scripts/build.sh" package "$build"
 mkdir -p "$folder"
 # Packages of an earlier version would be taken for this one's.
