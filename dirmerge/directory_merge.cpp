@@ -85,7 +85,7 @@ class DirectoryJob {
       TellReason(WhyNoOutput(files_.System(), output, probe.Error(), found_.Inputs));
       return;
     }
-    Join(sources, output);
+    Join(sources, output, probe);
   }
 
  private:
@@ -152,7 +152,7 @@ class DirectoryJob {
         {"Folioweld: Choose the OUTPUT FILE", kDialogExtension, kDialogFilter, ""});
   }
 
-  void Join(const std::vector<Source>& sources, const std::string& output) {
+  void Join(const std::vector<Source>& sources, const std::string& output, OutputProbe& probe) {
     logging_.Log("Request to merge towards: \"" + output + "\"  the following files:");
     std::vector<ListedDocument> documents;
     if (!Order(sources, documents)) return;
@@ -168,6 +168,8 @@ class DirectoryJob {
       return;
     }
     JoinInRounds(documents, output, tmpFolder);
+    // Whoever cancelled needs no message about an output that was never begun.
+    if (report_.Cancelled) probe.RemoveEmpty();
     Finish(output);
   }
 
@@ -209,6 +211,18 @@ class DirectoryJob {
     if (written.Ok() && written.Value().Size < kShortestOutput) {
       report_.OutputWritten = false;
       shell_.ShowMessage(MessageIcon::Exclamation, kTitle, "Unable to Merge and Create " + output);
+    }
+    if (report_.OutputWritten && written.Ok()) LogOutput(output, written.Value().Size);
+  }
+
+  /// The places and their status lines are empty by now.
+  void LogOutput(const std::string& output, std::int64_t bytes) {
+    try {
+      const std::string documents = report_.JoinedDocuments == 1 ? " document" : " documents";
+      logging_.Log("Output: \"" + output + "\"  holds " + std::to_string(report_.JoinedDocuments) +
+                   documents + " in " + std::to_string(bytes) + " bytes");
+    } catch (const std::exception&) {
+      // Without memory for the news the output is as good.
     }
   }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -8,6 +9,7 @@ namespace folioweld {
 /// What came of a directory merge; documents bear the names that the user is told.
 struct DirectoryMergeReport {
   bool OutputWritten = false;
+  std::size_t JoinedDocuments = 0;  ///< in the output
   bool Cancelled = false;
   int FailedMerges = 0;
   std::vector<std::string> RefusedDocuments;

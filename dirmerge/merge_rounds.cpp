@@ -157,7 +157,8 @@ void MergeRounds::AnnounceMerge(const Piece& first, const Piece* second) {
 /// Says what is not in the output, and what is not as it was. After a failure that may be all of it; what a
 /// cancel leaves out needs no list.
 void MergeRounds::NoteOutput(const Piece& whole) {
-  report_->OutputWritten = !whole.Documents.empty();
+  report_->JoinedDocuments = whole.Documents.size();
+  report_->OutputWritten = report_->JoinedDocuments > 0;
   report_->Cancelled = report_->Cancelled || program_.Merge.AbortRequested || program_.Merge.CancelSeen;
   if (!report_->OutputWritten && report_->Cancelled) return;
   std::multimap<std::string, bool> altered;

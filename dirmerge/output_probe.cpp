@@ -11,7 +11,11 @@ namespace folioweld {
 OutputProbe::OutputProbe(FileModule& files, std::string path) : files_(files), path_(std::move(path)) {}
 
 OutputProbe::~OutputProbe() {
-  if (!created_) return;
+  RemoveEmpty();
+}
+
+void OutputProbe::RemoveEmpty() {
+  if (!std::exchange(created_, false)) return;
   const auto now = files_.System().GetLinkAttributes(path_);
   if (now.Ok() && now.Value().Identity == identity_ && now.Value().Size == 0) files_.DeleteFile(path_);
 }

@@ -63,8 +63,12 @@ class Options(DesktopTest):
                   lambda: f"the first line of the log; {window.log_text()!r}")
         folder = fill_folder(self.folder / "to-join")
         window.merge_folder(folder, self.folder / "joined.pdf")
-        self.wait(lambda: " Kill " in window.log_text(), "the log tells of the clean-up")
+        self.wait(lambda: "Output: " in window.log_text(), "the log tells of the output")
         text = window.log_text()
+        self.assertIn(" Kill ", text)
+        self.assertTrue(text.rstrip().endswith(
+            f'[Folioweld-MergeDirectory]=>Output: "{self.folder / "joined.pdf"}"  holds 3 documents in '
+            f'{(self.folder / "joined.pdf").stat().st_size} bytes'), text)
         self.assertIn(f'Request to merge towards: "{self.folder / "joined.pdf"}"  the following files:', text)
 
     def test_the_display_of_the_output(self):

@@ -75,7 +75,16 @@ TEST_F(CancelledMerge, InRoundOneGoesToCleanUp) {
   ExpectCancelled();
   const Names lines = MergeLines();
   EXPECT_EQ(lines.at(lines.size() - 2).rfind(" Kill ", 0), 0U);
+  EXPECT_TRUE(shell_.Messages.empty()) << "there is no output to speak of";
+}
+
+TEST_F(CancelledMerge, GivesTheMessageAboutAnEmptyOutputThatWasThereBefore) {
+  AddFive();
+  folder_.Write("joined.pdf", "");
+  CancelWhen([this] { return LastLineBegins("sPdfM(1)= \"" + Doc("c")); });
+  EXPECT_FALSE(Merge().OutputWritten);
   EXPECT_EQ(MessageTexts(), Names{"Unable to Merge and Create " + Output()});
+  EXPECT_TRUE(Exists(Output()));
 }
 
 TEST_F(CancelledMerge, InRoundTwoDeletesTheTemporariesOfRoundOne) {

@@ -330,6 +330,28 @@ TEST_F(DirectoryMergeTest, OutputOfTenBytesGivesTheMessageAndElevenDoNot) {
   }
 }
 
+TEST_F(DirectoryMergeTest, LogEndsWithTheOutputAndWhatItHolds) {
+  folder_.Write("docs/refused.pdf", "");
+  const auto last = [&](const std::string& documents) {
+    return "Output: \"" + Output() + "\"  holds " + documents + " in " +
+           std::to_string(ReadFile(Output()).size()) + " bytes";
+  };
+  AddDocument("a");
+  Merge();
+  EXPECT_EQ(MergeLines().back(), last("1 document"));
+  AddDocument("b");
+  AddDocument("c");
+  Merge();
+  EXPECT_EQ(MergeLines().back(), last("3 documents"));
+}
+
+TEST_F(DirectoryMergeTest, LogNamesNoOutputWhereNoneWasWritten) {
+  AddBrokenDocument("a");
+  folder_.Write("joined.pdf", "an older output of some length");
+  Merge();
+  EXPECT_EQ(MergeLines().back(), "File: \"a\"  is missing in the output");
+}
+
 TEST_F(DirectoryMergeTest, ClearsTheNamesOnlyOnceAPairWasBegun) {
   program_.Merge.DocFileName(1) = "first";
   program_.Merge.DocFileName(2) = "second";

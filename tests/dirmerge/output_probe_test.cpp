@@ -66,6 +66,16 @@ TEST_F(OutputProbeTest, CreatedFileStaysOnceSomethingIsInIt) {
   EXPECT_EQ(ReadFile(folder_.File("out.pdf")), "%PDF-");
 }
 
+TEST_F(OutputProbeTest, CreatedFileIsRemovedOnlyOnce) {
+  OutputProbe probe(files_, folder_.File("out.pdf"));
+  ASSERT_TRUE(probe.Open({}));
+  probe.RemoveEmpty();
+  EXPECT_FALSE(Exists(folder_.File("out.pdf")));
+  folder_.Write("out.pdf", "");
+  probe.RemoveEmpty();
+  EXPECT_TRUE(Exists(folder_.File("out.pdf"))) << "made by somebody else";
+}
+
 TEST_F(OutputProbeTest, FileThatTookTheCreatedOnesPlaceStays) {
   {
     OutputProbe probe(files_, folder_.File("out.pdf"));
