@@ -214,6 +214,18 @@ TEST(PosixSignalsDeathTest, StopSignalsAreOnlyRememberedAndWakeWhoeverWaits) {
       ExitedWithCode(0), "");
 }
 
+TEST(PosixSignalsDeathTest, ContinuationsAreCountedWhereStopSignalsEndTheProgram) {
+  EXPECT_EXIT(
+      {
+        PosixApi system;
+        const bool caught = !system.CatchStopSignals(StopRule::EndByIt);
+        const bool none = system.TimesContinued() == 0;
+        for (int i = 0; i < 2; ++i) ::raise(SIGCONT);
+        ExitWithFirstFailure({caught, none, system.TimesContinued() == 2, system.StopSignal() == 0});
+      },
+      ExitedWithCode(0), "");
+}
+
 TEST(PosixSignalsDeathTest, TheEndOfTheTerminalIsAStopSignalToo) {
   EXPECT_EXIT(
       {
