@@ -49,6 +49,27 @@ class CommandLine(DesktopTest):
         window.wait_end(1)
         self.assertFalse(self.joined.exists())
 
+    def test_an_empty_output_before_sources_asks_for_the_output_and_ends(self):
+        cover = self.folder / "a cover|.pdf"
+        cover.write_bytes(LETTER.read_bytes())
+        (self.folder / "list").write_bytes(b"a cover|.pdf\0")
+        for program in ("folioweld", "folioweld-window"):
+            with self.subTest(program=program):
+                self.joined.unlink(missing_ok=True)
+                window = self.open("--order=name-reversed", "--files0-from=list", "", str(cover), str(self.documents),
+                                   ready=False, program=program, folder=self.folder)
+                window.answer_file(CHOOSE_OUTPUT, self.joined)
+                window.wait_end(0)
+                self.assertEqual(pages(self.joined), sum(map(pages, (LETTER, *ALL, LETTER))))
+                self.assertEqual(window.settings().get("MergeCurDir", ""), "")
+                self.assertEqual(window.settings()["MenuSort"], "1")
+
+    def test_an_empty_output_before_sources_ends_without_an_output_when_none_is_chosen(self):
+        window = self.open("", str(LETTER), str(REPORT), ready=False)
+        window.dialog(CHOOSE_OUTPUT)
+        self.screen.press("Esc")
+        window.wait_end(1)
+
     def test_a_folder_that_is_not_there_opens_the_window_with_its_name(self):
         window = self.open(f"{self.joined}|{self.folder}/none")
         window.wait_path(FIRST, f"{self.folder}/none")
