@@ -9,5 +9,5 @@ _arguments -S -A '-*' \
   '--progress=[when progress is drawn]:when:(auto never always)' \
   '(- *)'{-h,--help}'[print the help]' \
   '(- *)'{-V,--version}'[print the version]' \
-  '1:output:_files -g "*.pdf(-.)"' \
-  '*:source:_files -g "*.pdf(-.) *(-/)"'
+  '1:output:_files -g "*.[pP][dD][fF](-.)"' \
+  '*:source:_files -g "*.[pP][dD][fF](-.) *(-/)"'

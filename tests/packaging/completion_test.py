@@ -1,11 +1,14 @@
 #!/usr/bin/env python3
-"""The Tab key in a real bash: options first, then PDF files and folders."""
+"""The Tab key in real shells: options first, then PDF files and folders."""
 
 import os
 import pty
 import select
+import shutil
 import signal
+import subprocess
 import time
+import unittest
 
 from project import ROOT, FolderTest, main
 
@@ -14,19 +17,18 @@ PROMPT = "ready> "
 
 
 class Shell:
-    """An interactive bash with the completions of the system and this project's among those it looks up."""
+    """An interactive shell on a terminal, with this project's completion loaded."""
 
-    def __init__(self, folder, data):
+    program = ()
+    settings = ""
+
+    def __init__(self, folder, environment):
         self._said = ""
-        environment = {"HOME": str(folder), "PATH": "/usr/bin:/bin", "TERM": "dumb", "LC_ALL": "C.UTF-8",
-                       "XDG_DATA_DIRS": str(data), "XDG_DATA_HOME": str(folder / "none"), "INPUTRC": "/dev/null",
-                       "HISTFILE": "", "PS1": ""}
         self._process, self._terminal = pty.fork()
         if self._process == 0:
             os.chdir(folder)
-            os.execve("/bin/bash", ["bash", "--norc", "--noprofile", "-i"], environment)
-        self.type("bind 'set bell-style none'; bind 'set enable-bracketed-paste off'; stty -echoctl; "
-                  f". /usr/share/bash-completion/bash_completion; PS1='{PROMPT[:4]}''{PROMPT[4:]}'\n")
+            os.execve(self.program[0], self.program, environment)
+        self.type(f"stty -echoctl; {self.settings}; PS1='{PROMPT[:4]}''{PROMPT[4:]}'\n")
         self.wait(PROMPT)
 
     def close(self):
@@ -48,39 +50,55 @@ class Shell:
         before, _, self._said = self._said.partition(text)
         return before + text
 
-    def complete(self, line, keys="\t"):
+    def complete(self, line):
         """The words that the shell would run after the Tab key, of which the first is left out."""
-        # A function of the program's name shows its arguments; the end mark is put together by the shell so that
-        # the echo of what was typed does not hold it.
-        self.type('folioweld() { printf "<%s>" "$@"; echo "e""nd"; }\n')
+        # A function of the program's name shows its arguments; its marks are put together by the shell so that the
+        # echo of what was typed does not hold them.
+        self.type('folioweld() { printf "be""gin"; printf "<%s>" "$@"; echo "e""nd"; }\n')
         self.wait(PROMPT)
-        self.type(line + keys + "\n")
+        self.type(line + "\t\n")
         said = self.wait("end\r\n").removesuffix("end\r\n")
         self.wait(PROMPT)
-        return said[said.index("<"):].strip("<>").split("><")
-
-    def offered(self, line):
-        """What the shell lists after the Tab key was pressed twice."""
-        self.type(line + "\t\t")
-        self.wait(line + "\r\n")
-        listed = self.wait(PROMPT).removesuffix(PROMPT).split()
-        self.type("\x15\n")
-        self.wait(PROMPT)
-        return sorted(listed)
+        return said[said.index("begin<") + 5:].strip("<>").split("><")
 
 
-class Completion(FolderTest):
+class Bash(Shell):
+    program = ("/bin/bash", "--norc", "--noprofile", "-i")
+    settings = ("bind 'set bell-style none'; bind 'set enable-bracketed-paste off'; "
+                ". /usr/share/bash-completion/bash_completion")
+
+
+class Zsh(Shell):
+    program = ("/bin/zsh", "-f", "-i")
+    settings = "setopt no_auto_remove_slash; fpath=(~/zsh $fpath); autoload -U compinit; compinit -D -u"
+
+
+class CompletionTest(FolderTest):
     def setUp(self):
         super().setUp()
-        completions = self.folder / "data/bash-completion/completions"
-        completions.mkdir(parents=True)
-        (completions / "folioweld").symlink_to(ROOT / "packaging/folioweld.bash")
-        work = self.folder / "work"
+        for place in ("data/bash-completion/completions/folioweld", "zsh/_folioweld"):
+            link = self.folder / place
+            link.parent.mkdir(parents=True)
+            link.symlink_to(ROOT / ("packaging/folioweld." + ("zsh" if "zsh" in place else "bash")))
+        self.work = self.folder / "work"
         for name in ("letters", "old letters", "notes.d"):
-            (work / name).mkdir(parents=True)
+            (self.work / name).mkdir(parents=True)
         for name in ("joined.pdf", "notes.txt", "letter.PDF"):
-            (work / name).touch()
-        self.shell = Shell(work, self.folder / "data")
+            (self.work / name).touch()
+        self.environment = {
+            "HOME": str(self.folder), "PATH": "/usr/bin:/bin", "TERM": "dumb", "LC_ALL": "C.UTF-8",
+            "XDG_DATA_DIRS": str(self.folder / "data"), "XDG_DATA_HOME": str(self.folder / "none"),
+            "INPUTRC": "/dev/null", "HISTFILE": "", "PS1": ""}
+
+
+class Completion:
+    """What bash and zsh do alike."""
+
+    kind = None
+
+    def setUp(self):
+        super().setUp()
+        self.shell = self.kind(self.work, self.environment)
         self.addCleanup(self.shell.close)
 
     def test_the_output_is_a_pdf_file(self):
@@ -105,8 +123,44 @@ class Completion(FolderTest):
         self.assertEqual(self.shell.complete("folioweld joined.pdf --verb"), ["joined.pdf", "--verb"])
         self.assertEqual(self.shell.complete("folioweld -- --verb"), ["--", "--verb"])
 
+
+class BashCompletion(Completion, CompletionTest):
+    kind = Bash
+
     def test_nothing_is_added_to_the_form_with_a_bar(self):
         self.assertEqual(self.shell.complete("folioweld 'joined.pdf|letters' let"), ["joined.pdf|letters", "let"])
+
+
+@unittest.skipUnless(os.access(Zsh.program[0], os.X_OK), "there is no zsh")
+class ZshCompletion(Completion, CompletionTest):
+    kind = Zsh
+
+
+@unittest.skipUnless(shutil.which("fish"), "there is no fish")
+class FishCompletion(CompletionTest):
+    """fish tells what it would offer without a terminal."""
+
+    def offered(self, line):
+        commands = f"source {ROOT}/packaging/folioweld.fish; complete -C $argv[1]"
+        result = subprocess.run(["fish", "--no-config", "-c", commands, line], cwd=self.work, env=self.environment,
+                                capture_output=True, text=True, check=True)
+        self.assertEqual(result.stderr, "")
+        return sorted(row.partition("\t")[0] for row in result.stdout.splitlines())
+
+    def test_outputs_and_sources_are_pdf_files_and_folders(self):
+        everything = ["joined.pdf", "letter.PDF", "letters/", "notes.d/", "old letters/"]
+        self.assertEqual(self.offered("folioweld "), everything)
+        self.assertEqual(self.offered("folioweld joined.pdf "), everything)
+        self.assertEqual(self.offered("folioweld joined.pdf ol"), ["old letters/"])
+        self.assertEqual(self.offered("folioweld notes."), ["notes.d/"])
+
+    def test_options_stand_before_the_output_and_not_after_it(self):
+        self.assertEqual(self.offered("folioweld -v --verb"), ["--verbose"])
+        self.assertEqual(self.offered("folioweld --order=date-r"), ["--order=date-reversed"])
+        self.assertEqual(self.offered("folioweld --files0-from=notes"),
+                         ["--files0-from=notes.d/", "--files0-from=notes.txt"])
+        self.assertEqual(self.offered("folioweld joined.pdf --verb"), [])
+        self.assertEqual(self.offered("folioweld -- --verb"), [])
 
 
 if __name__ == "__main__":
