@@ -3,6 +3,7 @@
 #include <string>
 
 #include "batch/error_output.h"
+#include "dirmerge/prepare_program.h"
 #include "platform/retry.h"
 
 namespace folioweld {
@@ -30,8 +31,13 @@ std::optional<ExitStatus> Answer(WindowsAPI& system, const Arguments& arguments)
       WriteError(system, "folioweld: " + ShownOnTerminal(arguments.Problem) + " (see folioweld --help)\n");
       return kNotServed;
     default:
-      return std::nullopt;
+      break;
   }
+  if (!arguments.Prepare || !FindPrepareProgram(system).empty()) return std::nullopt;
+  WriteError(system, std::string("folioweld: --prepare needs the program folioweld-prepare, which is not "
+                                 "installed (it is in the package ") +
+                         kPreparePackage + ")\n");
+  return kNotServed;
 }
 
 }  // namespace folioweld

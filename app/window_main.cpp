@@ -1,7 +1,6 @@
 // folioweld-window: the main window.
 
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "app/answers.h"
@@ -23,7 +22,5 @@ int main(int argc, char** argv) {
   }
   // The toolkit gets no arguments: an option of its own would be taken from among the documents.
   argc = argc > 0 ? 1 : 0;
-  LogReader reader;
-  if (arguments.Verbose) reader = [&](const std::string& line) { PrintErrorLine(system, line); };
-  return RunWindowProgram(argc, argv, arguments, std::move(reader));
+  return RunWindowProgram(argc, argv, arguments);
 }

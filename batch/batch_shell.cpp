@@ -26,7 +26,7 @@ void BatchShell::HandleEvents() {
 void BatchShell::ShowMessage(MessageIcon /*icon*/, const std::string& /*title*/, const std::string& text) {
   PrintKeptNotices();
   // What a stopped run has to say comes in one line at its end.
-  if (system_.StopSignal() == 0) PrintLine("folioweld: " + text);
+  if (system_.StopSignal() == 0) PrintLine("folioweld: " + OnOneLine(text));
 }
 
 void BatchShell::Notice(const std::string& line) {
@@ -35,17 +35,17 @@ void BatchShell::Notice(const std::string& line) {
   if (quiet_) {
     kept_.push_back(line);
   } else {
-    PrintLine(line);
+    PrintLine(OnOneLine(line));
   }
 }
 
 void BatchShell::LogLineAdded(const std::string& line) {
   if (!verbose_) return;
-  PrintLine(line);
+  PrintLine(OnOneLine(line));
 }
 
 void BatchShell::PrintKeptNotices() {
-  for (const std::string& line : std::exchange(kept_, {})) PrintLine(line);
+  for (const std::string& line : std::exchange(kept_, {})) PrintLine(OnOneLine(line));
 }
 
 void BatchShell::MergeStarts(const MergeNumber& number, const std::string& document) {
@@ -55,13 +55,18 @@ void BatchShell::MergeStarts(const MergeNumber& number, const std::string& docum
                        document);
 }
 
+void BatchShell::PreparingStarts(int number, int documents, const std::string& document) {
+  display_.SetHeadline("Preparing " + std::to_string(number) + " of " + std::to_string(documents) + ": ",
+                       document);
+}
+
 void BatchShell::StatusTextChanged(int /*line*/) {
   display_.Update(*this);
 }
 
 void BatchShell::PrintLine(const std::string& line) {
   const bool wasDrawn = display_.Clear();
-  PrintErrorLine(system_, line);
+  WriteError(system_, (system_.ErrorOutputIsTerminal() ? ShownOnTerminal(line) : line) + "\n");
   if (wasDrawn) display_.Draw(*this);
 }
 

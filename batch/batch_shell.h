@@ -25,7 +25,11 @@ class BatchShell : public MergeShell {
   void Notice(const std::string& line) override;
   /// Printed where the run is verbose; a notice that is logged as well is printed once.
   void LogLineAdded(const std::string& line) override;
+  void PreparingStarts(int number, int documents, const std::string& document) override;
   void MergeStarts(const MergeNumber& number, const std::string& document) override;
+
+  /// Prints a line, whatever was chosen.
+  void PrintLine(const std::string& line);
 
   /// Prints the notices that a quiet run has kept for itself: it has not ended well.
   void PrintKeptNotices();
@@ -35,8 +39,6 @@ class BatchShell : public MergeShell {
   void StatusTextChanged(int line) override;
 
  private:
-  void PrintLine(const std::string& line);
-
   WindowsAPI& system_;
   MergeState& state_;
   bool verbose_;

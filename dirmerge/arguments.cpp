@@ -13,13 +13,14 @@ using Wish = Arguments::Wish;
 constexpr char kBar = '|';
 
 // Long options without a letter of their own.
-enum LongOption : int { kOrder = 256, kProgress, kFiles0From };
+enum LongOption : int { kOrder = 256, kProgress, kFiles0From, kPrepare };
 
 constexpr std::array kLongOptions = {option{"order", required_argument, nullptr, kOrder},
                                      option{"verbose", no_argument, nullptr, 'v'},
                                      option{"quiet", no_argument, nullptr, 'q'},
                                      option{"progress", required_argument, nullptr, kProgress},
                                      option{"files0-from", required_argument, nullptr, kFiles0From},
+                                     option{"prepare", no_argument, nullptr, kPrepare},
                                      option{"help", no_argument, nullptr, 'h'},
                                      option{"version", no_argument, nullptr, 'V'},
                                      option{nullptr, 0, nullptr, 0}};
@@ -86,6 +87,9 @@ class Parser {
         break;
       case kFiles0From:
         result_.SourcesFile = value;
+        return;
+      case kPrepare:
+        result_.Prepare = true;
         return;
       case 'v':
       case 'q':
@@ -177,6 +181,7 @@ Without an OUTPUT and a SOURCE the window opens. "OUTPUT|FOLDER" works, too.
   --order=ORDER       of the documents of a folder: name, name-reversed, date
                       or date-reversed
   --files0-from=FILE  more sources, each ended by a NUL; - is standard input
+  --prepare           make joinable first what is not (folioweld-extras)
   -v, --verbose       print the log
   -q, --quiet         no progress, and no word where everything is joined
   --progress=WHEN     auto (on a terminal), never or always

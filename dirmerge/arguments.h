@@ -38,6 +38,7 @@ struct Arguments {
 
   // Choices for this run only; what is not chosen stays as the settings have it.
   std::optional<std::int16_t> SortOrder;
+  bool Prepare = false;  ///< with any of the above but an answer; also for a window
   bool Verbose = false;
   bool Quiet = false;
   ProgressChoice Progress = ProgressChoice::Auto;

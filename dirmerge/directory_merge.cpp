@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "dirmerge/document_list.h"
+#include "dirmerge/document_preparation.h"
 #include "dirmerge/file_ordering.h"
 #include "dirmerge/merge_rounds.h"
 #include "dirmerge/output_probe.h"
@@ -121,16 +122,19 @@ class DirectoryJob {
     const auto output = IdentityOf(program_.CommandLineOutput);
     for (const Source& source : sources) {
       const std::size_t before = found_.Names.size();
-      if (!Take(ListDocuments(source, files_, shell_, program_.Merge, logging_, output, found_)))
-        return false;
+      if (!Take(ListDocuments(source, files_, shell_, program_, logging_, output, found_))) return false;
       ends_.push_back(found_.Names.size());
       if (source.IsFolder && !source.Name.empty() && ends_.back() == before) NoteEmptyFolder(source);
     }
     report_.LeftTemporaries = found_.LeftTemporaries;
     if (!found_.Names.empty()) return true;
     NoteRefusedDocuments(std::nullopt);
-    shell_.ShowMessage(MessageIcon::Exclamation, kTitle, "NO INPUT FILE!  I DIDN'T DO ANYTHING");
+    ShowNoInput();
     return false;
+  }
+
+  void ShowNoInput() {
+    shell_.ShowMessage(MessageIcon::Exclamation, kTitle, "NO INPUT FILE!  I DIDN'T DO ANYTHING");
   }
 
   /// Whether the listing goes on.
@@ -156,12 +160,13 @@ class DirectoryJob {
     logging_.Log("Request to merge towards: \"" + output + "\"  the following files:");
     std::vector<ListedDocument> documents;
     if (!Order(sources, documents)) return;
-    TmpDirectory tmp(files_.System(), settings_, shell_);
+    DocumentPreparation preparation(files_, shell_, program_.Merge, logging_);
+    if (program_.Prepare && !Prepare(preparation, documents)) return;
     // Two documents need no temporary file; the setting gets its default all the same.
     const bool needsFolder = documents.size() > 2;
     std::string why;
     const std::string tmpFolder =
-        needsFolder ? tmp.SafeTmpDirectory(logging_.Notice, why) : tmp.GetTmpDirectory();
+        needsFolder ? SafeFolder(why) : TmpDirectory(files_.System(), settings_, shell_).GetTmpDirectory();
     if (needsFolder && tmpFolder.empty()) {
       logging_.Notice("Unable to get a temporary directory");
       TellReason(why);
@@ -171,6 +176,26 @@ class DirectoryJob {
     // Whoever cancelled needs no message about an output that was never begun.
     if (report_.Cancelled) probe.RemoveEmpty();
     Finish(output);
+  }
+
+  /// Whether there is something to be joined afterwards, and not too much.
+  bool Prepare(DocumentPreparation& preparation, std::vector<ListedDocument>& documents) {
+    const auto folder = [this](std::string& why) { return SafeFolder(why); };
+    if (!preparation.Run(documents, folder, report_)) return false;
+    const std::string tooMany = preparation.WhyTooMany();
+    if (documents.empty()) ShowNoInput();
+    if (!tooMany.empty()) shell_.ShowMessage(MessageIcon::Exclamation, kTitle, tooMany);
+    return !documents.empty() && tooMany.empty();
+  }
+
+  /// The folder for temporary files, looked for once; empty, with the reason, when there is none.
+  std::string SafeFolder(std::string& why) {
+    if (!tmpFolder_) {
+      tmpFolder_ =
+          TmpDirectory(files_.System(), settings_, shell_).SafeTmpDirectory(logging_.Notice, noFolder_);
+    }
+    why = noFolder_;
+    return *tmpFolder_;
   }
 
   /// The documents of all sources in the order in which they are joined; false when the user cancelled.
@@ -234,7 +259,9 @@ class DirectoryJob {
   const Logging logging_;
   DirectoryMergeReport& report_;
   CurrentDirectoryKeeper keeper_;
-  DocumentList found_;             ///< of all sources, one after the other
+  DocumentList found_;  ///< of all sources, one after the other
+  std::optional<std::string> tmpFolder_;
+  std::string noFolder_;           ///< why there is none
   std::vector<std::size_t> ends_;  ///< of each source's documents in that list
 };
 

@@ -4,7 +4,8 @@ namespace folioweld {
 
 bool DirectoryMergeReport::Complete() const {
   return OutputWritten && FailedMerges == 0 && RefusedDocuments.empty() && EmptyFolders.empty() &&
-         LeftTemporaries.empty() && AlteredDocuments.empty() && MissingDocuments.empty();
+         LeftTemporaries.empty() && RepairedDocuments.empty() && AlteredDocuments.empty() &&
+         MissingDocuments.empty();
 }
 
 ExitStatus StatusOf(const DirectoryMergeReport& report) {

@@ -12,11 +12,13 @@ struct DirectoryMergeReport {
   std::size_t JoinedDocuments = 0;  ///< in the output
   bool Cancelled = false;
   int FailedMerges = 0;
+  int FailedByDocuments = 0;  ///< of these, because of what a document is like
   std::vector<std::string> RefusedDocuments;
-  std::vector<std::string> EmptyFolders;      ///< named by the user, without a document to join
-  std::vector<std::string> LeftTemporaries;   ///< of a run that was killed; joined if they are documents
-  std::vector<std::string> AlteredDocuments;  ///< in the output, but with a warning
-  std::vector<std::string> MissingDocuments;  ///< accepted, but not in the output that was written
+  std::vector<std::string> EmptyFolders;       ///< named by the user, without a document to join
+  std::vector<std::string> LeftTemporaries;    ///< of a run that was killed; joined if they are documents
+  std::vector<std::string> RepairedDocuments;  ///< joined from a copy for which they had to be repaired
+  std::vector<std::string> AlteredDocuments;   ///< in the output, but with a warning
+  std::vector<std::string> MissingDocuments;   ///< accepted, but not in the output that was written
 
   /// The output was written and every document of the folder is in it, with nothing to warn of.
   [[nodiscard]] bool Complete() const;

@@ -53,12 +53,12 @@ class OpenSearch {
 
 class Listing {
  public:
-  Listing(const Source& source, FileModule& files, MergeShell& shell, const MergeState& state,
+  Listing(const Source& source, FileModule& files, MergeShell& shell, const ProgramState& program,
           const Logging& logging, const std::optional<FileIdentity>& output, DocumentList& list)
       : source_(source),
         files_(files),
         shell_(shell),
-        state_(state),
+        program_(program),
         logging_(logging),
         output_(output),
         list_(list) {}
@@ -83,7 +83,7 @@ class Listing {
       if (!next.Ok()) return Failed(next.Error());
       if (!next.Value()) return ListOutcome::Complete;
       if (!Take(*next.Value())) return ListOutcome::TooMany;
-      if (YieldAndCheckAbort(shell_, state_)) return ListOutcome::Cancelled;
+      if (YieldAndCheckAbort(shell_, program_.Merge)) return ListOutcome::Cancelled;
     }
   }
 
@@ -100,8 +100,9 @@ class Listing {
     if (!source_.IsFolder) list_.Inputs.push_back({attributes.Value().Identity, document.Name});
     if (source_.IsFolder) NoteLeft(document, name, attributes.Value().Identity);
     PassFailure why;
-    if (!IsThisDocumentApdf(files_, document.Path, &why)) {
-      Refuse(document, attributes.Value().Identity, why);
+    const FileIdentity& identity = attributes.Value().Identity;
+    if (!IsThisDocumentApdf(files_, document.Path, &why) && !IsToBePrepared(document, identity)) {
+      Refuse(document, identity, why);
       return true;
     }
     if (list_.Names.size() >= static_cast<std::size_t>(std::numeric_limits<std::int16_t>::max()))
@@ -109,6 +110,10 @@ class Listing {
     list_.Names.push_back(name);
     if (source_.IsFolder) list_.Inputs.push_back({attributes.Value().Identity, document.Name});
     return true;
+  }
+
+  [[nodiscard]] bool IsToBePrepared(const ListedDocument& document, const FileIdentity& identity) {
+    return program_.Prepare && IsWanted(document, identity);
   }
 
   void NoteLeft(const ListedDocument& document, const std::string& name, const FileIdentity& identity) {
@@ -145,7 +150,7 @@ class Listing {
   const Source& source_;
   FileModule& files_;
   MergeShell& shell_;
-  const MergeState& state_;
+  const ProgramState& program_;
   const Logging& logging_;
   const std::optional<FileIdentity>& output_;
   DocumentList& list_;
@@ -158,10 +163,10 @@ ListedDocument DocumentOf(const Source& source, const std::string& name) {
   return {source.Name.empty() ? name : WithSeparator(source.Name) + name, source.Path + name};
 }
 
-ListOutcome ListDocuments(const Source& source, FileModule& files, MergeShell& shell, const MergeState& state,
-                          const Logging& logging, const std::optional<FileIdentity>& output,
-                          DocumentList& list) {
-  return Listing(source, files, shell, state, logging, output, list).Run();
+ListOutcome ListDocuments(const Source& source, FileModule& files, MergeShell& shell,
+                          const ProgramState& program, const Logging& logging,
+                          const std::optional<FileIdentity>& output, DocumentList& list) {
+  return Listing(source, files, shell, program, logging, output, list).Run();
 }
 
 }  // namespace folioweld

@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "dirmerge/logging.h"
+#include "dirmerge/program_state.h"
 #include "dirmerge/source_list.h"
 #include "engine/file_module.h"
 #include "engine/merge_shell.h"
-#include "engine/merge_state.h"
 #include "engine/output_refusal.h"
 #include "platform/windows_api.h"
 
@@ -40,8 +40,10 @@ enum class ListOutcome { Complete, Cancelled, TooMany, FolderFailed };
 /// first 1,024 bytes is taken for a document: it is noticed, with the reason, and listed as refused; in a
 /// folder unless it is the output. A temporary file that a killed run left in a folder is noticed
 /// and listed as that, and else treated like any other. More documents than 16 bits count give `TooMany`.
+/// What is refused and would be noticed is listed like an acceptable document where `program` has it
+/// prepared.
 [[nodiscard]] ListOutcome ListDocuments(const Source& source, FileModule& files, MergeShell& shell,
-                                        const MergeState& state, const Logging& logging,
+                                        const ProgramState& program, const Logging& logging,
                                         const std::optional<FileIdentity>& output, DocumentList& list);
 
 }  // namespace folioweld

@@ -140,6 +140,8 @@ void MergeRounds::Merge(const Piece& first, const Piece* second, const std::stri
   result.Path = output;
   if (state.MergeStatus == -1) {
     ++report_->FailedMerges;
+    const std::int16_t slot = state.Failure.DocumentSlot;
+    if ((slot == 1 || slot == 2) && state.Failure.Rule != kCancelled) ++report_->FailedByDocuments;
     return;
   }
   result.Documents = std::move(state.DocSources(3));

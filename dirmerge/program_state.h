@@ -15,6 +15,8 @@ struct ProgramState {
 
   /// 1 by name, -1 by name reversed, 2 by date, -2 by date reversed.
   std::int16_t SortOrder = 1;
+  /// Documents that cannot be joined as they are, or not without a warning, are prepared first.
+  bool Prepare = false;
   /// A directory merge or an output viewer is in progress.
   bool ExternalBusy = false;
 

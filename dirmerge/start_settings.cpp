@@ -21,6 +21,7 @@ void ReadStartSettings(ProgramState& program, SettingsStore& settings) {
 
 void TakeChoices(const Arguments& arguments, ProgramState& program) {
   if (arguments.SortOrder) program.SortOrder = *arguments.SortOrder;
+  program.Prepare = arguments.Prepare;
   if (arguments.Verbose) program.Merge.LogEnabled = true;
 }
 

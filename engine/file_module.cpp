@@ -9,17 +9,6 @@
 
 namespace folioweld {
 
-namespace {
-
-/// The time of the last write alone says little: whoever can write a file can set that back.
-bool SameState(const FileInformation& now, const FileInformation& before) {
-  return now.Identity == before.Identity && now.Size == before.Size &&
-         now.WriteSeconds == before.WriteSeconds && now.WriteNanoseconds == before.WriteNanoseconds &&
-         now.ChangeSeconds == before.ChangeSeconds && now.ChangeNanoseconds == before.ChangeNanoseconds;
-}
-
-}  // namespace
-
 FileModule::FileModule(WindowsAPI& system) : system_(system) {}
 
 FileModule::~FileModule() {
@@ -138,7 +127,7 @@ bool FileModule::InputIsUnchanged(std::int16_t fileNumber) {
   if (file == nullptr) return false;
   const auto now = system_.GetFileInformationByHandle(file->Handle);
   if (!now.Ok()) return Fail(now.Error());
-  return SameState(now.Value(), file->Information);
+  return IsSameState(now.Value(), file->Information);
 }
 
 bool FileModule::WriteAt(std::int16_t fileNumber, std::string_view text, std::int32_t offset) {

@@ -28,6 +28,8 @@ void MergeShell::TakeChange(int line) {
 
 void MergeShell::MergeStarts(const MergeNumber& /*number*/, const std::string& /*document*/) {}
 
+void MergeShell::PreparingStarts(int /*number*/, int /*documents*/, const std::string& /*document*/) {}
+
 void MergeShell::ShowMessage(MessageIcon /*icon*/, const std::string& /*title*/,
                              const std::string& /*text*/) {}
 

@@ -70,6 +70,9 @@ class MergeShell {
   /// A directory merge joins the next two files; `document` is the first one of the second input.
   virtual void MergeStarts(const MergeNumber& number, const std::string& document);
 
+  /// Of so many documents that are prepared before a directory merge, this one begins; `number` begins at 1.
+  virtual void PreparingStarts(int number, int documents, const std::string& document);
+
   /// A message box; comes back when it was answered.
   virtual void ShowMessage(MessageIcon icon, const std::string& title, const std::string& text);
   /// A save dialog; empty = cancelled.

@@ -17,4 +17,11 @@ bool IsUntouched(const FileInformation& made, const FileInformation& now) {
   return IsSameFile(made, now) && now.Mode == made.Mode && now.Links == made.Links;
 }
 
+/// The time of the last write alone says little: whoever can write a file can set that back.
+bool IsSameState(const FileInformation& now, const FileInformation& before) {
+  return now.Identity == before.Identity && now.Size == before.Size &&
+         now.WriteSeconds == before.WriteSeconds && now.WriteNanoseconds == before.WriteNanoseconds &&
+         now.ChangeSeconds == before.ChangeSeconds && now.ChangeNanoseconds == before.ChangeNanoseconds;
+}
+
 }  // namespace folioweld

@@ -27,4 +27,8 @@ class OwnFiles {
 /// The same file, and its owner alone can still get at it: no other mode and no further name.
 [[nodiscard]] bool IsUntouched(const FileInformation& made, const FileInformation& now);
 
+/// The same file in the same state: not written to since, and neither its name, nor its links, nor its
+/// permissions changed.
+[[nodiscard]] bool IsSameState(const FileInformation& now, const FileInformation& before);
+
 }  // namespace folioweld

@@ -3,6 +3,9 @@
 include(GNUInstallDirs)
 
 set(FOLIOWELD_PRIVATE_DIR ${CMAKE_INSTALL_LIBEXECDIR}/folioweld)
+# Where the programs that folioweld starts live, seen from the folder of folioweld.
+# Going there from the program and not from the root lets an installation be moved as a whole.
+file(RELATIVE_PATH FOLIOWELD_PRIVATE_FOLDER ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBEXECDIR}/folioweld)
 # Named as the program, unless the builder chose another folder.
 string(REGEX REPLACE "/${PROJECT_NAME}$" "/folioweld" FOLIOWELD_DOC_DIR ${CMAKE_INSTALL_DOCDIR})
 set(FOLIOWELD_WINDOW_DOC_DIR ${CMAKE_INSTALL_DATAROOTDIR}/doc/folioweld-window)

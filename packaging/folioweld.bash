@@ -16,7 +16,7 @@ _folioweld() {
     [[ ${words[i]} == -- || ${words[i]} != -* ]] && { _filedir pdf && return; }
   done
   if [[ $cur == -* ]]; then
-    COMPREPLY=($(compgen -W '--order= --files0-from= --verbose --quiet --progress= --help --version' -- "$cur"))
+    COMPREPLY=($(compgen -W '--order= --files0-from= --prepare --verbose --quiet --progress= --help --version' -- "$cur"))
     [[ ${COMPREPLY[0]-} == *= ]] && compopt -o nospace
     return
   fi

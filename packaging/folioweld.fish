@@ -14,6 +14,7 @@ end
 complete -c folioweld -f
 complete -c folioweld -n __folioweld_takes_options -x -l order -a 'name name-reversed date date-reversed' -d 'Order of the documents of a folder'
 complete -c folioweld -n __folioweld_takes_options -r -F -l files0-from -d 'More sources, each ended by a NUL'
+complete -c folioweld -n __folioweld_takes_options -l prepare -d 'Make joinable first what is not'
 complete -c folioweld -n __folioweld_takes_options -s v -l verbose -d 'Print the log'
 complete -c folioweld -n __folioweld_takes_options -s q -l quiet -d 'No progress, and no word where everything is joined'
 complete -c folioweld -n __folioweld_takes_options -x -l progress -a 'auto never always' -d 'When progress is drawn'

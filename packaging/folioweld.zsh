@@ -4,6 +4,7 @@
 _arguments -S -A '-*' \
   '--order=[order of the documents of a folder]:order:(name name-reversed date date-reversed)' \
   '--files0-from=[more sources, each ended by a NUL]:file:_files' \
+  '--prepare[make joinable first what is not]' \
   '(-v --verbose -q --quiet)'{-v,--verbose}'[print the log]' \
   '(-v --verbose -q --quiet)'{-q,--quiet}'[no progress, and no word where everything is joined]' \
   '--progress=[when progress is drawn]:when:(auto never always)' \

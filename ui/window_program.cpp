@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QIcon>
-#include <utility>
 
 #include "ui/desktop_viewer.h"
 #include "ui/main_window.h"
@@ -28,7 +27,7 @@ QIcon ApplicationIcon() {
 
 }  // namespace
 
-int RunWindowProgram(int argc, char** argv, const Arguments& arguments, LogReader reader) {
+int RunWindowProgram(int argc, char** argv, const Arguments& arguments) {
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("Folioweld"));
   QApplication::setApplicationVersion(QStringLiteral(FOLIOWELD_VERSION));
@@ -41,7 +40,6 @@ int RunWindowProgram(int argc, char** argv, const Arguments& arguments, LogReade
   DesktopViewer desktop;
   Folioweld window(RealSystem(), dialogs, desktop, arguments);
   dialogs.SetOwner(&window);
-  window.ShowLogTo(std::move(reader));
   window.Start();
   return QApplication::exec();
 }

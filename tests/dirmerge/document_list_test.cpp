@@ -30,7 +30,7 @@ class DocumentListTest : public testing::DirectoryMergeFixture {
     logged_.clear();
     noticed_.clear();
     const ListOutcome outcome =
-        ListDocuments({"", Docs(), true}, files_, shell_, program_.Merge, logging_, output_, list_);
+        ListDocuments({"", Docs(), true}, files_, shell_, program_, logging_, output_, list_);
     std::sort(list_.Names.begin(), list_.Names.end());
     refused_.clear();
     for (const ListedDocument& document : list_.RefusedDocuments) refused_.push_back(document.Name);
@@ -371,7 +371,7 @@ class CrowdedListing : public DocumentListTest {
     testing::CrowdedSystem crowd(folder_.Write("one", SimpleDocument(1)), count);
     FileModule files(crowd);
     const ListOutcome outcome =
-        ListDocuments({"", "/anywhere/", true}, files, shell_, program_.Merge, logging_, output_, list_);
+        ListDocuments({"", "/anywhere/", true}, files, shell_, program_, logging_, output_, list_);
     EXPECT_TRUE(crowd.Closed);
     return outcome;
   }

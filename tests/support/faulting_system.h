@@ -69,10 +69,18 @@ class FaultingSystem : public PosixApi {
   SystemResult<std::optional<int>> ExitOfProcess(Process child) override;
   SystemError KillProcess(Process child) override;
   SystemError TerminateProcess(Process process) override;
+  std::int64_t MillisecondsNow() override { return PosixApi::MillisecondsNow() + MillisecondsAhead; }
+  SystemResult<std::string> GetModuleFileName() override {
+    return ModulePath.empty() ? PosixApi::GetModuleFileName() : SystemResult<std::string>(ModulePath);
+  }
+  int ProcessorCount() override { return Processors == 0 ? PosixApi::ProcessorCount() : Processors; }
   SystemError PreferLargePages(void* memory, std::size_t size) override;
 
   /// Environment variables as the code under test sees them, in place of the real ones; "\x01" = unset.
   std::vector<std::pair<std::string, std::string>> Environment;
+  std::string ModulePath;              ///< of the running program; empty = the real one
+  std::int64_t MillisecondsAhead = 0;  ///< of the real clock
+  int Processors = 0;                  ///< 0 = as many as there are
 
  protected:
   /// Notes a call and decides about it; for calls that a derived class answers by itself.

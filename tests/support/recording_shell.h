@@ -45,6 +45,9 @@ class RecordingShell : public MergeShell {
     Merges.push_back(std::to_string(number.Merge) + "/" + std::to_string(number.Merges) + " round " +
                      std::to_string(number.Round) + "/" + std::to_string(number.Rounds) + ": " + document);
   }
+  void PreparingStarts(int number, int documents, const std::string& document) override {
+    Preparings.push_back(std::to_string(number) + "/" + std::to_string(documents) + ": " + document);
+  }
   void Notice(const std::string& line) override {
     Notices.push_back(line);
     Events.emplace_back("Notice");
@@ -63,7 +66,8 @@ class RecordingShell : public MergeShell {
   std::vector<std::pair<std::string, std::string>> FolderQuestions;
   std::vector<std::string> ShownOutputs;
   std::vector<std::string> Notices;
-  std::vector<std::string> Merges;  ///< "3/4 round 2/3: name"
+  std::vector<std::string> Merges;      ///< "3/4 round 2/3: name"
+  std::vector<std::string> Preparings;  ///< "1/2: name"
   std::string OutputAnswer;
   std::string FolderAnswer;
 
