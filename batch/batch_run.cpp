@@ -4,6 +4,7 @@
 #include "batch/error_output.h"
 #include "dirmerge/command_line.h"
 #include "dirmerge/directory_merge.h"
+#include "dirmerge/prepare_program.h"
 #include "dirmerge/source_list.h"
 #include "dirmerge/start_settings.h"
 #include "engine/activity_log.h"
@@ -19,6 +20,15 @@ std::string ProblemOf(CommandLineOutcome outcome, const ProgramState& program) {
     return "the folder in which the program was started cannot be had";
   }
   return "the folder \"" + program.Merge.DocFileName(1) + "\" cannot be entered";
+}
+
+/// What a run says in the end about documents that it was not asked to prepare; empty where it has lost none.
+std::string Advice(WindowsAPI& system, const Arguments& arguments, const DirectoryMergeReport& report) {
+  const bool lostDocuments = !report.RefusedDocuments.empty() || report.FailedByDocuments > 0;
+  if (arguments.Prepare || report.Cancelled || !lostDocuments) return {};
+  std::string advice = "folioweld --prepare joins many of these";
+  if (FindPrepareProgram(system).empty()) advice += std::string(" (package ") + kPreparePackage + ")";
+  return advice;
 }
 
 }  // namespace
@@ -58,6 +68,8 @@ ExitStatus RunBatch(WindowsAPI& system, Arguments arguments) {
     shell.Notice(reason);
   }
   if (status != kEverythingJoined) shell.PrintKeptNotices();
+  const std::string advice = Advice(system, arguments, merge.Report());
+  if (!advice.empty()) shell.PrintLine(advice);
   return status;
 }
 

@@ -59,6 +59,14 @@ class ProgramFixture : public ::testing::Test {
     return {status, program.Output(), program.Errors()};
   }
 
+  /// The last line of a run that could not join a document.
+  [[nodiscard]] static std::string Advice() {
+    const std::filesystem::path program = FOLIOWELD_PROGRAM;
+    const bool isThere = std::filesystem::exists(program.parent_path() / "folioweld-prepare");
+    return std::string("folioweld --prepare joins many of these") +
+           (isThere ? "" : " (package folioweld-extras)") + "\n";
+  }
+
   /// The run has the status, writes exactly this to standard error and nothing to standard output.
   void ExpectRun(const std::vector<std::string>& arguments, int status, const std::string& errors) {
     const Outcome outcome = Run(arguments);

@@ -98,7 +98,8 @@ TEST_F(OddlyNamed, RefusedDocumentIsNamedOnOneLine) {
       {"out.pdf", "docs"}, 3,
       "[Folioweld-MergeDirectory]=>File: \"line end\"  is not acceptable for merging\n"
       "[Folioweld-MergeDirectory]=>  because of file offset 8: the second line is no comment of at least 5 "
-      "characters (\"line end\")\n");
+      "characters (\"line end\")\n" +
+          Advice());
 }
 
 TEST_F(OddlyNamed, MessageKeepsTheBytesOfAName) {

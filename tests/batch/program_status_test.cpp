@@ -16,7 +16,7 @@ using testing::ReadFile;
 
 constexpr char kNoScreen[] =
     "folioweld: there is no screen to open a window on; to join without one: "
-    "folioweld [OPTION]... [--] OUTPUT SOURCE... (see folioweld --help)\n";
+    "folioweld [OPTION]... [--] OUTPUT SOURCE...\n";
 
 class ProgramStatus : public testing::ProgramFixture {
  protected:
@@ -54,7 +54,8 @@ TEST_F(ProgramStatus, IsThreeWhenAFileNamedLikeADocumentIsNone) {
   ExpectRun({"out.pdf", "docs"}, 3,
             "[Folioweld-MergeDirectory]=>File: \"page.pdf\"  is not acceptable for merging\n"
             "[Folioweld-MergeDirectory]=>  because of file offset 0: the file does not begin with \"%PDF-\" "
-            "(\"page.pdf\")\n");
+            "(\"page.pdf\")\n" +
+                Advice());
 }
 
 TEST_F(ProgramStatus, IsZeroWhenTheOldOutputIsEmpty) {
@@ -70,7 +71,8 @@ TEST_F(ProgramStatus, IsThreeWhenADocumentIsRefused) {
       {"out.pdf", "docs"}, 3,
       "[Folioweld-MergeDirectory]=>File: \"half.pdf\"  is not acceptable for merging\n"
       "[Folioweld-MergeDirectory]=>  because of file offset 8: the second line is no comment of at least 5 "
-      "characters (\"half.pdf\")\n");
+      "characters (\"half.pdf\")\n" +
+          Advice());
   EXPECT_EQ(Pages(folder_.File("out.pdf")), 1);
 }
 
@@ -150,7 +152,8 @@ TEST_F(ProgramStatus, IsOneWhenTheOnlyMergeFails) {
   const Outcome outcome = Run({"out.pdf", "docs"});
   EXPECT_EQ(outcome.Status, 1);
   EXPECT_FALSE(Exists(folder_.File("out.pdf")));
-  const std::string last = "\nfolioweld: Unable to Merge and Create " + folder_.File("out.pdf") + "\n";
+  const std::string last =
+      "\nfolioweld: Unable to Merge and Create " + folder_.File("out.pdf") + "\n" + Advice();
   ASSERT_GT(outcome.Errors.size(), last.size());
   EXPECT_EQ(outcome.Errors.substr(outcome.Errors.size() - last.size()), last);
 }

@@ -165,11 +165,12 @@ TEST_F(OnTerminal, MessageStandsWhereTheLinesWere) {
   Screen screen(10000);
   screen.Feed(program.Errors());
   const auto rows = screen.Rows();
-  ASSERT_EQ(rows.size(), 4U);
+  ASSERT_EQ(rows.size(), 5U);
   EXPECT_EQ(rows[0].rfind("[Folioweld-cmdOK]=>The merge failed: ", 0), 0U) << rows[0];
   EXPECT_EQ(rows[1], "[Folioweld-MergeDirectory]=>File: \"a\"  is missing in the output");
   EXPECT_EQ(rows[2], "[Folioweld-MergeDirectory]=>File: \"b\"  is missing in the output");
   EXPECT_EQ(rows[3], "folioweld: Unable to Merge and Create " + folder_.File("out.pdf"));
+  EXPECT_EQ(rows[4] + "\n", Advice());
 }
 
 TEST_F(OnTerminal, NameOfAFileNeverCommandsTheTerminal) {
