@@ -8,6 +8,7 @@
 #include "engine/activity_log.h"
 #include "engine/file_module.h"
 #include "engine/lexer.h"
+#include "engine/line_cursor.h"
 #include "engine/open_file.h"
 
 namespace folioweld {
@@ -45,7 +46,7 @@ std::int32_t FileModule::ReadLineChunk(std::int16_t fileNumber, std::int32_t pos
   std::int32_t code = ViewUpTo(fileNumber, position, bufferSize, bytes);
   if (code < 0) return code;
   const std::size_t first = kLineEndSet.Skip(bytes, 0);
-  const std::size_t end = kLineEndSet.Find(bytes, first);
+  const std::size_t end = FindLineEnd(bytes, first);
   const std::int64_t start = position + static_cast<std::int64_t>(first);
   // Behind the line ends at the end of the longest file there is no position any more.
   if (start > std::numeric_limits<std::int32_t>::max()) return kBeyondEnd;
@@ -59,7 +60,7 @@ std::int32_t FileModule::ContinueLine(std::int16_t fileNumber, std::int64_t posi
   std::string_view bytes;
   std::int32_t code = ViewUpTo(fileNumber, position, bufferSize, bytes);
   if (code < 0) return code;
-  const std::size_t end = kLineEndSet.Find(bytes, 0);
+  const std::size_t end = FindLineEnd(bytes, 0);
   line.append(bytes.substr(0, end));
   return end < bytes.size() ? 0 : static_cast<std::int32_t>(kNoLineEnd);
 }

@@ -13,6 +13,14 @@
 
 namespace folioweld {
 
+/// Index of the first line end of a buffer at or after `index`; the buffer's size when there is none. Two
+/// searches of the standard library, which are quicker than a look at each character. May look at the whole
+/// buffer, so it is for short ones.
+[[nodiscard]] inline std::size_t FindLineEnd(std::string_view buffer, std::size_t index) {
+  const std::string_view line = buffer.substr(0, buffer.find('\n', index));
+  return std::min(line.find('\r', index), line.size());
+}
+
 /// Walks the lines of an open file, empty ones left out. Lines of up to 100,000 bytes are read whole.
 class LineCursor {
  public:
@@ -29,7 +37,7 @@ class LineCursor {
     const std::string_view bytes =
         window_ == nullptr ? std::string_view() : window_->AtHand(std::int64_t{next_} - 1, kBufferSize);
     const std::size_t first = kLineEndSet.Skip(bytes, 0);
-    const std::size_t end = kLineEndSet.Find(bytes, first);
+    const std::size_t end = FindLineEnd(bytes, first);
     if (end < bytes.size()) {
       Line = bytes.substr(first, end - first);
       code_ = next_ + static_cast<std::int32_t>(first);

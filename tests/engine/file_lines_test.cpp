@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <gtest/gtest.h>
+#include <random>
 #include <string>
 
 #include "engine/activity_log.h"
@@ -11,6 +12,21 @@
 
 namespace folioweld {
 namespace {
+
+TEST(FindLineEnd, AgreesWithALookAtEveryCharacterOfRandomTexts) {
+  std::mt19937 random(11);
+  constexpr std::string_view kCharacters = "\r\nab \t";
+  for (int round = 0; round < 20000; ++round) {
+    std::string text(random() % 40, 'x');
+    // Few line ends, so that long lines come up too.
+    for (char& c : text) {
+      if (random() % 4 == 0) c = kCharacters[random() % kCharacters.size()];
+    }
+    for (std::size_t index = 0; index <= text.size(); ++index) {
+      ASSERT_EQ(FindLineEnd(text, index), kLineEndSet.Find(text, index)) << text;
+    }
+  }
+}
 
 using testing::FaultingSystem;
 
