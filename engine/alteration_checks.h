@@ -40,7 +40,9 @@ void CheckCatalog(const ReadInput& input, const ReadInput& first, MergeShell& sh
 void CheckForm(const ReadInput& input, std::string_view form, const ReadInput& first,
                std::string_view firstForm, MergeShell& shell);
 
-/// Whether "endstream" stands where every stream's data ends.
+/// Whether "endstream" stands where the data of an object's stream ends. For a length that is given directly
+/// the reader asks at once, while that place is at hand; `CheckStreamEnds` asks for all others.
+void CheckStreamEnd(MergeState& state, FileModule& files, std::int16_t slot, std::int32_t number);
 void CheckStreamEnds(const ReadInput& input, FileModule& files, MergeShell& shell);
 
 /// Where the input stands whose references are looked at.

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "engine/alteration_checks.h"
 #include "engine/alteration_record.h"
 #include "engine/lexer.h"
 #include "engine/line_cursor.h"
@@ -26,15 +27,6 @@ constexpr std::string_view kFillerLine = "19540716\r";
 bool EndsWith(std::string_view text, std::string_view end) {
   return text.size() >= end.size() && text.back() == end.back() &&
          text.substr(text.size() - end.size()) == end;
-}
-
-/// "12 0 obj" and a carriage return.
-std::string HeaderLine(std::int32_t number, std::int32_t generation) {
-  std::string line(DecimalDigits(number).View());
-  line += ' ';
-  line += DecimalDigits(generation).View();
-  line += " obj\r";
-  return line;
 }
 
 /// What ends the text of an object.
@@ -260,6 +252,7 @@ class ObjectScan {
     if (value.back() != 'R') {
       entry.StreamLength = number;
       entry.LengthRefNumber = -1;
+      if (!rewritten_) CheckStreamEnd(state_, files_, slot_, number_);
       return;
     }
     entry.LengthRefNumber = number;

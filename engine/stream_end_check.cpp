@@ -15,13 +15,12 @@ constexpr std::string_view kEndStream = "endstream";
 /// Bytes looked at after the data: the keyword, and white space that others pass over before it.
 constexpr std::int16_t kLookedAt = 16;
 
-bool EndsThere(const ReadInput& input, FileModule& files, const ObjectEntry& entry) {
+bool EndsThere(FileModule& files, std::int16_t fileNumber, std::int16_t slot, const ObjectEntry& entry) {
   std::string bytes;
   const std::int32_t position = CheckedAdd(CheckedAdd(entry.StreamStart, entry.StreamLength), 1);
-  const std::int16_t count =
-      files.ReadBlock(input.State.DocFileNumber(input.Slot), position, kLookedAt, bytes);
+  const std::int16_t count = files.ReadBlock(fileNumber, position, kLookedAt, bytes);
   if (count < 0 && count != kBeyondEnd) {
-    throw RuleBroken({input.Slot, entry.ObjNumber, entry.StreamStart,
+    throw RuleBroken({slot, entry.ObjNumber, entry.StreamStart,
                       "the stream cannot be read: " + files.LastError().Words()});
   }
   const std::size_t start = kOtherWhiteSpaceSet.Skip(bytes, 0);
@@ -30,16 +29,23 @@ bool EndsThere(const ReadInput& input, FileModule& files, const ObjectEntry& ent
 
 }  // namespace
 
+void CheckStreamEnd(MergeState& state, FileModule& files, std::int16_t slot, std::int32_t number) {
+  const ObjectEntry& entry = state.Objects[TableIndexOf(state, number, slot)];
+  const std::int16_t file = state.DocFileNumber(slot);
+  // A stream that goes beyond the end of its file is no alteration but a failure, later on.
+  if (std::int64_t{entry.StreamStart} + entry.StreamLength > files.FileLength(file)) return;
+  if (EndsThere(files, file, slot, entry)) return;
+  NoteAlteration(state, slot, AlterationKind::StreamEndsElsewhere, number);
+}
+
 void CheckStreamEnds(const ReadInput& input, FileModule& files, MergeShell& shell) {
   MergeState& state = input.State;
-  if (IsRewritten(state, input.Slot) || files.FileLength(state.DocFileNumber(input.Slot)) < 0) return;
+  if (IsRewritten(state, input.Slot)) return;
   for (std::int32_t number = 0; number < state.DocObjectCount(input.Slot); ++number) {
     const ObjectEntry& entry = state.Objects[TableIndexOf(state, number, input.Slot)];
-    if (entry.ObjState != kWithStream) continue;
+    if (entry.ObjState != kWithStream || entry.LengthRefNumber < 0) continue;
     if (YieldAndCheckAbort(shell, state)) throw RuleBroken({input.Slot, number, -1, kCancelled});
-    if (!EndsThere(input, files, entry)) {
-      NoteAlteration(state, input.Slot, AlterationKind::StreamEndsElsewhere, number);
-    }
+    CheckStreamEnd(state, files, input.Slot, number);
   }
 }
 
