@@ -118,6 +118,14 @@ std::int32_t TableIndexOf(const MergeState& state, std::int32_t objectNumber, st
   }
 }
 
+std::string HeaderLine(std::int32_t number, std::int32_t generation) {
+  std::string line(DecimalDigits(number).View());
+  line += ' ';
+  line += DecimalDigits(generation).View();
+  line += " obj\r";
+  return line;
+}
+
 std::int32_t AppendObjLine(MergeState& state, std::string_view line) {
   return AppendKeptObjLine(state, state.Texts.Keep(line));
 }

@@ -142,6 +142,9 @@ void ResetMergeState(MergeState& state);
 [[nodiscard]] std::int32_t TableIndexOf(const MergeState& state, std::int32_t objectNumber,
                                         std::int32_t slot);
 
+/// The first line of an object: "12 0 obj" and a carriage return.
+[[nodiscard]] std::string HeaderLine(std::int32_t number, std::int32_t generation);
+
 /// Appends a copy of the line to `ObjLines` and returns its index; the second one takes a line that `Texts`
 /// keeps already.
 std::int32_t AppendObjLine(MergeState& state, std::string_view line);

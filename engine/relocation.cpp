@@ -108,7 +108,9 @@ bool PdfBuilder::RenumberSecondInput() {
     }
     ObjectEntry& entry = state_.Objects[i];
     if (entry.ObjState != kNoObject && entry.ObjState != kListed && entry.FirstLine >= 0) {
-      for (std::int32_t j = entry.FirstLine; j <= entry.LastLine; ++j) {
+      // The header is the reader's own writing, which need not be read.
+      state_.ObjLines[entry.FirstLine] = state_.Texts.Keep(HeaderLine(i, entry.Generation));
+      for (std::int32_t j = entry.FirstLine + 1; j <= entry.LastLine; ++j) {
         if (state_.AbortRequested) {
           state_.Failure = {2, i - state_.ObjectsInDoc1, -1, kCancelled};
           return false;
