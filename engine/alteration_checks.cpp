@@ -1,10 +1,21 @@
 #include "engine/alteration_checks.h"
 
+#include <algorithm>
+#include <string_view>
+
 #include "engine/alteration_record.h"
 
 namespace folioweld {
 
 namespace {
+
+/// An input whose texts are all kept by now.
+ReadInput InputOf(MergeState& state, PdfReader& reader, std::int16_t slot) {
+  const auto holds = [&](std::string_view characters) {
+    return std::any_of(characters.begin(), characters.end(), [&](char c) { return state.Texts.Holds(c); });
+  };
+  return {state, reader, slot, holds(std::string_view("\t\f\0", 3)), holds("%")};
+}
 
 /// The last "startxref" of the file is the one that others take.
 void CheckStartXref(const ReadInput& input) {
@@ -26,7 +37,7 @@ void CheckKeys(const ReadInput& input, MergeShell& shell) {
 void FindAlterations(MergeState& state, FileModule& files, PdfReader& reader, MergeShell& shell) {
   for (const std::int16_t slot : {std::int16_t{1}, std::int16_t{2}}) {
     if (!state.DocUsed(slot)) continue;
-    const ReadInput input{state, reader, slot};
+    const ReadInput input = InputOf(state, reader, slot);
     CheckStartXref(input);
     CheckKeys(input, shell);
     CheckInformation(input);
@@ -39,7 +50,7 @@ void FindAlterations(MergeState& state, FileModule& files, PdfReader& reader, Me
 }
 
 std::int32_t FindAlterationsAmongOthers(MergeState& state, PdfReader& reader, MergeShell& shell) {
-  const ReadInput input{state, reader, 1};
+  const ReadInput input = InputOf(state, reader, 1);
   CheckPageTree(input, shell);
   return CheckReferences(input, shell, ReferencePlace::Any);
 }

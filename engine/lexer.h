@@ -142,23 +142,20 @@ inline constexpr std::string_view kObjectOrReference[] = {"obj", "R"};
 /// rest.
 template <typename Take>
 void GuessReferences(std::string_view text, Take take) {
-  // The run of members of the set that ends at `end`; empty when there is none.
-  const auto runBefore = [&](const CharacterSet& set, std::size_t end) {
-    std::size_t start = end;
-    while (start > 0 && set.Has(text[start - 1])) --start;
-    return text.substr(start, end - start);
+  // Index of the first of the members of the set that stand before `end`; `end` when none does.
+  const auto startOf = [&](const CharacterSet& set, std::size_t end) {
+    while (end > 0 && set.Has(text[end - 1])) --end;
+    return end;
   };
   for (std::size_t r = text.find('R'); r != std::string_view::npos; r = text.find('R', r + 1)) {
-    std::size_t end = r;
-    std::string_view run;
-    // Backwards: white space, the generation, white space.
-    for (const CharacterSet* set : {&kOtherWhiteSpaceSet, &kDigitSet, &kOtherWhiteSpaceSet}) {
-      run = runBefore(*set, end);
-      if (run.empty()) break;
-      end -= run.size();
+    const std::size_t afterGeneration = startOf(kOtherWhiteSpaceSet, r);
+    if (afterGeneration == r) continue;
+    const std::size_t generation = startOf(kDigitSet, afterGeneration);
+    const std::size_t afterNumber = startOf(kOtherWhiteSpaceSet, generation);
+    const std::size_t number = startOf(kDigitSet, afterNumber);
+    if (generation < afterGeneration && afterNumber < generation && number < afterNumber) {
+      take(text.substr(number, afterNumber - number));
     }
-    if (!run.empty()) run = runBefore(kDigitSet, end);
-    if (!run.empty()) take(run);
   }
 }
 

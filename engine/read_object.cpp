@@ -23,6 +23,8 @@ const ObjectEntry* FindEntry(const MergeState& state, std::int16_t slot, std::in
 
 bool IsName(std::string_view written, std::string_view key) {
   if (written.size() <= key.size()) return written == key;
+  // An escape makes a name two characters longer.
+  if ((written.size() - key.size()) % 2 != 0) return false;
   return written.find('#') != std::string_view::npos && PlainName(written) == key;
 }
 
@@ -66,7 +68,8 @@ std::int32_t ReadObject::FirstRow() {
   if (firstRow_ == kNotLookedUp) {
     firstRow_ = -1;
     if (IsDictionary()) {
-      firstRow_ = HasOtherWhiteSpace(text_) ? ParseAsOthersDo(input_, TrimBlanks(text_)) : entry_->ObjAux;
+      const bool isOdd = input_.MayHaveOtherWhiteSpace && HasOtherWhiteSpace(text_);
+      firstRow_ = isOdd ? ParseAsOthersDo(input_, TrimBlanks(text_)) : entry_->ObjAux;
     }
   }
   return firstRow_;

@@ -14,6 +14,9 @@ struct ReadInput {
   MergeState& State;
   PdfReader& Reader;
   std::int16_t Slot;
+  /// False when it is known that no object's text has white space that only others see, or a "%". Few have.
+  bool MayHaveOtherWhiteSpace = true;
+  bool MayHavePercent = true;
 };
 
 // How other readers see a dictionary: a tab, a form feed and a NUL part tokens as well, and "#41" in a name

@@ -80,7 +80,8 @@ class ReferenceCheck {
  private:
   /// Most texts have no comment, no odd white space and no number that could be one to tell of.
   [[nodiscard]] bool IsWorthAWalk(std::string_view text) const {
-    if (text.find('%') != std::string_view::npos || HasOtherWhiteSpace(text)) return true;
+    if (input_.MayHavePercent && text.find('%') != std::string_view::npos) return true;
+    if (input_.MayHaveOtherWhiteSpace && HasOtherWhiteSpace(text)) return true;
     bool worth = false;
     GuessReferences(text, [&](std::string_view digits) { worth = worth || MayLeadElsewhere(digits); });
     return worth;

@@ -11,17 +11,29 @@ char* TextPool::RoomInNewBlock(std::size_t size) {
   if (blocks_.size() == blocks_.capacity()) blocks_.reserve(2 * blocks_.size() + 1);
   const std::size_t blockSize = std::max(kBlockSize, size);
   char* const block = static_cast<char*>(memory_->allocate(blockSize, 1));
-  blocks_.push_back({block, blockSize});
+  blocks_.push_back({block, blockSize, size});
   // A long text gets a block of its own and the current block stays in use.
   if (size > kBlockSize / 2) return block;
+  if (next_ != nullptr) blocks_[inUse_].Used = kBlockSize - left_;
+  inUse_ = blocks_.size() - 1;
   next_ = block + size;
   left_ = kBlockSize - size;
   return block;
 }
 
+bool TextPool::Holds(char c) const {
+  for (std::size_t i = 0; i < blocks_.size(); ++i) {
+    const bool isInUse = i == inUse_ && next_ != nullptr;
+    const std::size_t used = isInUse ? kBlockSize - left_ : blocks_[i].Used;
+    if (std::string_view(blocks_[i].Start, used).find(c) != std::string_view::npos) return true;
+  }
+  return false;
+}
+
 void TextPool::Reset() {
   for (const Block& block : blocks_) memory_->deallocate(block.Start, block.Size, 1);
   blocks_.clear();
+  inUse_ = 0;
   next_ = nullptr;
   left_ = 0;
 }

@@ -27,6 +27,10 @@ class TextPool {
     return {kept, text.size()};
   }
 
+  /// Whether any of the texts holds the character. One quick search of them all: much cheaper than a search
+  /// of every text by itself.
+  [[nodiscard]] bool Holds(char c) const;
+
   void Reset();
 
  private:
@@ -40,10 +44,12 @@ class TextPool {
   struct Block {
     char* Start = nullptr;
     std::size_t Size = 0;
+    std::size_t Used = 0;  ///< counts for all but the one in use
   };
   std::pmr::memory_resource* memory_ = std::pmr::new_delete_resource();
   std::vector<Block> blocks_;
-  char* next_ = nullptr;  ///< what is left of the block in use
+  std::size_t inUse_ = 0;  ///< index of the block in use
+  char* next_ = nullptr;   ///< what is left of the block in use
   std::size_t left_ = 0;
 };
 

@@ -43,6 +43,24 @@ TEST(TextPoolTest, TextsStayWhereTheyAreWhileOthersAreAdded) {
   for (const auto& [view, text] : kept) EXPECT_EQ(view, text);
 }
 
+TEST(TextPoolTest, HoldsTheCharactersOfItsTextsAndNoOthers) {
+  TextPool pool;
+  EXPECT_FALSE(pool.Holds('a'));
+  // Each ends a block, gets one of its own or begins one.
+  char next = 'a';
+  for (const std::size_t size : {1U, 40000U, 20000U, 30000U, 65536U, 3U}) {
+    EXPECT_FALSE(pool.Holds(next)) << next;
+    static_cast<void>(pool.Keep(std::string(size - 1, '.') + next));
+    ++next;
+    for (char c = 'a'; c < next; ++c) EXPECT_TRUE(pool.Holds(c)) << c;
+  }
+  pool.Reset();
+  EXPECT_FALSE(pool.Holds('.'));
+  static_cast<void>(pool.Keep("b"));
+  EXPECT_TRUE(pool.Holds('b'));
+  EXPECT_FALSE(pool.Holds('a'));
+}
+
 TEST(TextPoolTest, ALongTextDoesNotEndTheBlockInUse) {
   TextPool pool;
   const std::string_view before = pool.Keep("before");
