@@ -25,7 +25,7 @@ int main(int argc, char** argv) {
   if (!HasScreen(system)) {
     WriteError(system,
                std::string("folioweld: there is no screen to open a window on; to join without one: ") +
-                   kUsage + "\n");
+                   kUsage + " (see folioweld --help)\n");
     return kNotServed;
   }
   const SystemError error = BecomeWindowProgram(system, words);

@@ -1,6 +1,7 @@
 // folioweld-window: the main window.
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/answers.h"
@@ -22,5 +23,7 @@ int main(int argc, char** argv) {
   }
   // The toolkit gets no arguments: an option of its own would be taken from among the documents.
   argc = argc > 0 ? 1 : 0;
-  return RunWindowProgram(argc, argv, arguments);
+  LogReader reader;
+  if (arguments.Verbose) reader = [&](const std::string& line) { PrintErrorLine(system, line); };
+  return RunWindowProgram(argc, argv, arguments, std::move(reader));
 }

@@ -26,7 +26,7 @@ void BatchShell::HandleEvents() {
 void BatchShell::ShowMessage(MessageIcon /*icon*/, const std::string& /*title*/, const std::string& text) {
   PrintKeptNotices();
   // What a stopped run has to say comes in one line at its end.
-  if (system_.StopSignal() == 0) PrintLine("folioweld: " + OnOneLine(text));
+  if (system_.StopSignal() == 0) PrintLine("folioweld: " + text);
 }
 
 void BatchShell::Notice(const std::string& line) {
@@ -35,17 +35,17 @@ void BatchShell::Notice(const std::string& line) {
   if (quiet_) {
     kept_.push_back(line);
   } else {
-    PrintLine(OnOneLine(line));
+    PrintLine(line);
   }
 }
 
 void BatchShell::LogLineAdded(const std::string& line) {
   if (!verbose_) return;
-  PrintLine(OnOneLine(line));
+  PrintLine(line);
 }
 
 void BatchShell::PrintKeptNotices() {
-  for (const std::string& line : std::exchange(kept_, {})) PrintLine(OnOneLine(line));
+  for (const std::string& line : std::exchange(kept_, {})) PrintLine(line);
 }
 
 void BatchShell::MergeStarts(const MergeNumber& number, const std::string& document) {
@@ -66,7 +66,7 @@ void BatchShell::StatusTextChanged(int /*line*/) {
 
 void BatchShell::PrintLine(const std::string& line) {
   const bool wasDrawn = display_.Clear();
-  WriteError(system_, (system_.ErrorOutputIsTerminal() ? ShownOnTerminal(line) : line) + "\n");
+  PrintErrorLine(system_, line);
   if (wasDrawn) display_.Draw(*this);
 }
 

@@ -77,6 +77,11 @@ std::string OnOneLine(std::string_view text) {
   return line;
 }
 
+void PrintErrorLine(WindowsAPI& system, std::string_view text) {
+  const std::string line = OnOneLine(text);
+  WriteError(system, (system.ErrorOutputIsTerminal() ? ShownOnTerminal(line) : line) + "\n");
+}
+
 std::string ShownOnTerminal(std::string text) {
   std::replace_if(text.begin(), text.end(), IsControl, '?');
   if (IsUtf8(text)) return WithoutHarmfulCharacters(text);

@@ -14,6 +14,10 @@ void WriteError(WindowsAPI& system, std::string_view text);
 /// The text on one line: every run of carriage returns and line feeds becomes one blank.
 [[nodiscard]] std::string OnOneLine(std::string_view text);
 
+/// Writes a line of the log or a message: on one line and, where it is a terminal that reads it, shown
+/// safely.
+void PrintErrorLine(WindowsAPI& system, std::string_view text);
+
 /// The text with a "?" for every control character and every mark that turns the direction of reading: the
 /// name of a file may hold anything, and a terminal would obey. Of text that is not UTF-8 only ASCII stays.
 [[nodiscard]] std::string ShownOnTerminal(std::string text);

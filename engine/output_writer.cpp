@@ -15,6 +15,7 @@ namespace {
 constexpr std::int32_t kBlockSize = 1000;
 /// Blocks copied between two looks at the user's wishes.
 constexpr std::int32_t kBlocksPerYield = 1000;
+constexpr std::int32_t kBytesPerMark = 64 * 1024 * 1024;
 
 /// Puts the right-most digits of the number into `places`, which hold zeros.
 void PutDigits(std::span<char> places, std::uint32_t value) {
@@ -158,6 +159,10 @@ void PdfBuilder::ShowCaption() {
   shell_.AppendStatusText(2, " Write the output file");
 }
 
+void PdfBuilder::ShowWritten(std::int32_t position) {
+  for (; marks_ < position / kBytesPerMark; ++marks_) shell_.AppendStatusText(2, "+");
+}
+
 std::int32_t PdfBuilder::WriteOutputFile() {
   ShowCaption();
   std::int32_t length = -1;
@@ -176,6 +181,7 @@ std::int32_t PdfBuilder::WriteTextAt(std::string_view text, std::int32_t positio
     position = CheckedAdd(position, static_cast<std::int32_t>(chunk.size()));
     text.remove_prefix(chunk.size());
   }
+  ShowWritten(position);
   return position;
 }
 
@@ -187,7 +193,10 @@ std::int32_t PdfBuilder::CopyStreamBytes(std::int16_t inputFile, std::int32_t st
   static_cast<void>(CheckedAdd(dataStart, length));
   std::int32_t blocks = 0;
   for (std::int32_t copied = 0; copied < length; ++blocks) {
-    if (blocks % kBlocksPerYield == kBlocksPerYield - 1 && YieldAndCheckAbort(shell_, state_)) return -1;
+    if (blocks % kBlocksPerYield == kBlocksPerYield - 1) {
+      ShowWritten(dataStart + copied);
+      if (YieldAndCheckAbort(shell_, state_)) return -1;
+    }
     const std::int32_t count = std::min(kBlockSize, length - copied);
     if (!files_.CopyBlock(inputFile, streamStart + copied, state_.DocFileNumber(3), dataStart + copied,
                           count)) {

@@ -49,8 +49,8 @@ class PdfBuilder {
   /// not, the caption of pass #4 is shown.
   [[nodiscard]] bool CheckLineLimit();
 
-  /// Pass #4: writes the output to file number `DocFileNumber`(3). Returns its length in bytes, -1 on
-  /// failure.
+  /// Pass #4: writes the output to file number `DocFileNumber`(3), and adds a "+" to the progress label after
+  /// every 64 MiB of it. Returns its length in bytes, -1 on failure.
   [[nodiscard]] std::int32_t WriteOutputFile();
 
   /// Writes a text at a 0-based offset, in chunks of at most 1000 bytes. Returns the offset after it, -1 on
@@ -65,6 +65,8 @@ class PdfBuilder {
 
  private:
   void ShowCaption();
+  /// What the output holds up to this offset is written.
+  void ShowWritten(std::int32_t position);
   /// False on a cancel.
   [[nodiscard]] bool AppendDictionary(std::int32_t firstRow, std::string& text);
   void ShiftLine(std::string_view& line);
@@ -72,7 +74,8 @@ class PdfBuilder {
   MergeState& state_;
   FileModule& files_;
   MergeShell& shell_;
-  std::string shifted_;  ///< the line that is being renumbered; used again for the next one
+  std::int32_t marks_ = 0;  ///< shown by pass #4
+  std::string shifted_;     ///< the line that is being renumbered; used again for the next one
 };
 
 }  // namespace folioweld

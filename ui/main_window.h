@@ -45,6 +45,8 @@ class Folioweld : public QMainWindow, private JobWindow {
 
   /// Loads and shows the window; its first activation follows from the event loop.
   void Start();
+  /// Besides the log window.
+  void ShowLogTo(LogReader reader) { shell_.ReadsLog = std::move(reader); }
 
   // What happens to the window.
   void Form_Load();

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <utility>
 
 #include "ui/desktop_viewer.h"
 #include "ui/main_window.h"
@@ -27,7 +28,7 @@ QIcon ApplicationIcon() {
 
 }  // namespace
 
-int RunWindowProgram(int argc, char** argv, const Arguments& arguments) {
+int RunWindowProgram(int argc, char** argv, const Arguments& arguments, LogReader reader) {
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("Folioweld"));
   QApplication::setApplicationVersion(QStringLiteral(FOLIOWELD_VERSION));
@@ -40,6 +41,7 @@ int RunWindowProgram(int argc, char** argv, const Arguments& arguments) {
   DesktopViewer desktop;
   Folioweld window(RealSystem(), dialogs, desktop, arguments);
   dialogs.SetOwner(&window);
+  window.ShowLogTo(std::move(reader));
   window.Start();
   return QApplication::exec();
 }

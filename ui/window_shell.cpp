@@ -78,6 +78,10 @@ std::string WindowShell::BrowseForFolder(const std::string& title, const std::st
   return window_.BrowseForFolder({title, initialFolder});
 }
 
+void WindowShell::LogLineAdded(const std::string& line) {
+  if (ReadsLog) ReadsLog(line);
+}
+
 void WindowShell::ShowOutput(const std::string& path) {
   window_.ShowOutput(path);
 }

@@ -16,7 +16,7 @@ using testing::ReadFile;
 
 constexpr char kNoScreen[] =
     "folioweld: there is no screen to open a window on; to join without one: "
-    "folioweld [OPTION]... [--] OUTPUT SOURCE...\n";
+    "folioweld [OPTION]... [--] OUTPUT SOURCE... (see folioweld --help)\n";
 
 class ProgramStatus : public testing::ProgramFixture {
  protected:

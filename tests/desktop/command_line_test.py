@@ -64,6 +64,12 @@ class CommandLine(DesktopTest):
                 self.assertEqual(window.settings().get("MergeCurDir", ""), "")
                 self.assertEqual(window.settings()["MenuSort"], "1")
 
+    def test_a_verbose_run_prints_the_log_on_standard_error(self):
+        window = self.open("-v", str(self.joined), str(LETTER), str(REPORT), ready=False)
+        window.wait_end(0)
+        self.assertIn(f"Command line: -v {self.joined} {LETTER} {REPORT}\n", window.errors())
+        self.assertEqual(window.errors().count("Request to merge towards"), 1)
+
     def test_an_empty_output_before_sources_ends_without_an_output_when_none_is_chosen(self):
         window = self.open("", str(LETTER), str(REPORT), ready=False)
         window.dialog(CHOOSE_OUTPUT)

@@ -309,6 +309,25 @@ TEST_F(WriteTextAtTest, WritesAtAnyPosition) {
   EXPECT_EQ(Written(), "abXYef");
 }
 
+TEST_F(WriteTextAtTest, ShowsAMarkAfterEvery64MebibytesOfTheOutput) {
+  constexpr std::int32_t kMark = 64 * 1024 * 1024;
+  PdfBuilder builder(State(), run_.Files, run_.Shell);
+  EXPECT_EQ(builder.WriteTextAt("x", kMark - 2), kMark - 1);
+  EXPECT_EQ(run_.Shell.StatusText(2), "");
+  EXPECT_EQ(builder.WriteTextAt("x", kMark - 1), kMark);
+  EXPECT_EQ(run_.Shell.StatusText(2), "+");
+  EXPECT_EQ(builder.WriteTextAt("x", 2 * kMark - 2), 2 * kMark - 1);
+  EXPECT_EQ(run_.Shell.StatusText(2), "+");
+  EXPECT_EQ(builder.WriteTextAt("xxx", 4 * kMark - 2), 4 * kMark + 1);
+  EXPECT_EQ(run_.Shell.StatusText(2), "++++");
+}
+
+TEST_F(WriteTextAtTest, ShowsNoMarkForBytesThatCouldNotBeWritten) {
+  State().DocFileNumber(3) = -1;
+  EXPECT_EQ(PdfBuilder(State(), run_.Files, run_.Shell).WriteTextAt("x", 64 * 1024 * 1024), -1);
+  EXPECT_EQ(run_.Shell.StatusText(2), "");
+}
+
 TEST_F(WriteTextAtTest, WritesOneByteForEveryCharacterWhateverItsValue) {
   std::string text;
   for (int i = 0; i < 2500; ++i) text += static_cast<char>(i);

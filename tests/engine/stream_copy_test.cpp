@@ -100,6 +100,16 @@ TEST_F(StreamCopyTest, GoesOnAtThePositionGiven) {
   EXPECT_EQ(Written(), "head stream\n45endstream\r\nstream\n0endstream\r\n");
 }
 
+TEST_F(StreamCopyTest, AMarkIsShownWithinALongStream) {
+  constexpr std::int32_t kMark = 64 * 1024 * 1024;
+  const std::int16_t input = OpenInput(std::string(3'000'000, 'x'));
+  position_ = kMark - 1'500'000;
+  std::vector<std::string> shown;
+  run_.Shell.OnYield = [&] { shown.push_back(run_.Shell.StatusText(2)); };
+  EXPECT_GT(Copy(input, 0, 3'000'000), 1);
+  EXPECT_EQ(shown, (std::vector<std::string>{"", "", "+", "+", "+", "+"})) << "two yields a megabyte";
+}
+
 TEST_F(StreamCopyTest, ANegativeInputFails) {
   EXPECT_EQ(Copy(-1, 0, 3), -1);
   EXPECT_EQ(position_, 0);
