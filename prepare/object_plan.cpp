@@ -1,5 +1,6 @@
 #include "prepare/object_plan.h"
 
+#include <algorithm>
 #include <set>
 #include <string>
 
@@ -24,9 +25,17 @@ bool IsScalar(QPDFObjectHandle value) {
   return value.isNull() || value.isBool() || value.isInteger() || value.isReal() || value.isName();
 }
 
+/// Such as the states of a button, of which poppler draws another one where they stand in its appearance.
+bool HoldsStreamsOnly(QPDFObjectHandle dictionary) {
+  const auto entries = dictionary.getDictAsMap();
+  return !entries.empty() && std::all_of(entries.begin(), entries.end(), [](const auto& entry) {
+    return QPDFObjectHandle(entry.second).isStream();
+  });
+}
+
 bool MayStandInPlace(QPDFObjectHandle value) {
   if (value.isString() || value.isArray()) return true;
-  if (!value.isDictionary()) return false;
+  if (!value.isDictionary() || HoldsStreamsOnly(value)) return false;
   for (const std::string& key : value.getKeys()) {
     if (kKeysOfNodes.count(key) != 0) return false;
     if (key != "/Type") continue;

@@ -4,6 +4,7 @@
     harness_test.py --program BUILD/app/folioweld --corpus FOLDER
 """
 
+import json
 import os
 import re
 import sys
@@ -12,7 +13,9 @@ import unittest
 
 import documents as corpus_documents
 import join_corpus
+import object_graph
 import object_values
+import prepare_corpus
 from program import World
 
 FIRST, SECOND = "r-uncompressed.pdf", "qt6-pdfa1b.pdf"
@@ -103,6 +106,43 @@ class Tokens(unittest.TestCase):
 
     def test_strings_are_equal_by_what_they_mean(self):
         self.assertEqual(object_values.tokens(b"(a\\(b\\051\\\r\nc\rd)"), object_values.tokens(b"(a\\050b\\)c\nd)"))
+
+
+class ObjectGraphs(unittest.TestCase):
+    """The walk that compares what two documents hold, whatever their numbers are."""
+
+    def setUp(self):
+        self.was, self.now = (object_graph.Graph(prepare_corpus.PLAIN) for _ in range(2))
+
+    def differences(self):
+        return "\n".join(object_graph.catalog_differences(self.was, self.now))
+
+    def test_are_the_same_with_other_numbers_and_with_values_in_place(self):
+        page = self.now.resolve(self.now.pages()[0])
+        page["/Resources"] = self.now.resolve(page["/Resources"])
+        moved = json.dumps(self.now.objects).replace("6 0 R", "60 0 R")
+        self.now.objects = json.loads(moved)
+        self.assertEqual(self.differences(), "")
+
+    def test_notice_a_changed_byte_of_a_stream(self):
+        stream = next(item["stream"] for item in self.now.objects.values() if "stream" in item)
+        stream["data"] = stream["data"].swapcase()
+        self.assertIn("the bytes of the stream differ", self.differences())
+
+    def test_notice_a_lost_entry(self):
+        del self.now.catalog()["/Lang"]
+        self.assertIn("only one has ['/Lang']", self.differences())
+
+    def test_notice_a_page_in_the_place_of_another(self):
+        kids = self.now.resolve(self.now.catalog()["/Pages"])["/Kids"]
+        kids[1] = kids[0]
+        self.assertIn("are other objects elsewhere", self.differences())
+
+    def test_notice_a_link_to_another_page(self):
+        first, second = self.was.pages()
+        for graph, target in ((self.was, first), (self.now, second)):
+            graph.catalog()["/OpenAction"] = [target, "/Fit"]
+        self.assertNotEqual(self.differences(), "")
 
 
 if __name__ == "__main__":

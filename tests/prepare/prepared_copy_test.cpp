@@ -54,6 +54,12 @@ TEST_F(PreparedCopy, WritesAValueWhereItIsReferredToOnce) {
   EXPECT_THAT(copy, AllOf(HasSubstr("4 0 obj\n[ 2 ]\n"), HasSubstr("5 0 obj\n<< /Parent 3 0 R >>\n")));
 }
 
+TEST_F(PreparedCopy, KeepsADictionaryOfStreamsAnObject) {
+  auto document = OnePage("/A 4 0 R");
+  document.Object(4, "<< /Off 5 0 R /Yes 6 0 R >>").Stream(5, "", "no").Stream(6, "", "yes");
+  EXPECT_THAT(Copied(document.Build()), HasSubstr("4 0 obj\n<< /Off 5 0 R /Yes 6 0 R >>"));
+}
+
 TEST_F(PreparedCopy, PutsNoEndlessChainOfValuesIntoEachOther) {
   auto document = OnePage("/A 4 0 R");
   constexpr int kLast = 2000;
