@@ -2,6 +2,7 @@
 """Writes the seeds of the fuzz targets into fuzz/corpus. They are made here, from nothing."""
 
 import pathlib
+import zlib
 
 CORPUS = pathlib.Path(__file__).resolve().parent / "corpus"
 HEADER = b"%PDF-1.4\n%\xe2\xe3\xcf\xd3\n"
@@ -52,6 +53,21 @@ def revised():
             b"startxref\n%d\n%%%%EOF\n" % (len(first), old, xref))
 
 
+def compressed():
+    """A document with an object stream and a cross-reference stream."""
+    objects = [b"<</Type/Catalog/Pages 2 0 R>>", b"<</Type/Pages/Kids[3 0 R]/Count 1>>",
+               b"<</Type/Page/Parent 2 0 R/MediaBox[0 0 9 9]/A(x)/B[null 7 0 R true]>>"]
+    places = [sum(map(len, objects[:i])) for i in range(3)]
+    head = b" ".join(b"%d %d" % (i + 1, place) for i, place in enumerate(places)) + b" "
+    packed = zlib.compress(head + b"".join(objects), 9)
+    body = HEADER + (b"4 0 obj\n<</Type/ObjStm/N 3/First %d/Length %d/Filter/FlateDecode>>\nstream\n%s\nendstream\nendobj\n"
+                     % (len(head), len(packed), packed))
+    rows = [b"\0\0\0\0", b"\2\0\4\0", b"\2\0\4\1", b"\2\0\4\2", b"\1" + len(HEADER).to_bytes(2, "big") + b"\0",
+            b"\1" + len(body).to_bytes(2, "big") + b"\0"]
+    return body + (b"5 0 obj\n<</Type/XRef/Size 6/W[1 2 1]/Root 1 0 R/Length 24>>\nstream\n%s\nendstream\nendobj\n"
+                   b"startxref\n%d\n%%%%EOF\n" % (b"".join(rows), len(body)))
+
+
 def write(target, seeds):
     folder = CORPUS / target
     folder.mkdir(parents=True, exist_ok=True)
@@ -83,4 +99,10 @@ write("command_line", {"bar": b"out.pdf|folder", "two": b"out.pdf\nfolder", "non
 write("dropped_files", {
     "usual": b"file:///home/a/one.pdf\r\nfile:///home/a/two%20%C3%A9.pdf\r\n",
     "odd": b"# comment\n\nFILE://LocalHost/%FF%0a%25%\nfile:/b%2\nfile://there/c\nhttp://here/d\nfile:///e%00?x#y",
+})
+write("prepare", {
+    "plain": document(), "revised": revised(), "compressed": compressed(), "unnumbered": HEADER + PAGES + b"trailer<</Root 1 0 R>>",
+    "odd": HEADER + PAGES.replace(b"/Contents 4 0 R", b"/A[9 0 R]/B 8 0 R/C 5 0 R/Bitstream/stream(\\)%\r\n )<0a>")
+    + b"8 0 obj\n-1.5\nendobj\ntrailer<</Root 1 0 R/Info 1 0 R/ID[(a)(b)]>>",
+    "tree": HEADER + PAGES.replace(b"/Kids[3 0 R]", b"/Kids[3 0 R<</Kids[3 0 R]>>null 9 0 R]") + b"trailer<</Root 1 0 R>>",
 })
