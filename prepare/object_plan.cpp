@@ -21,6 +21,9 @@ const std::set<std::string> kKeysOfNodes = {"/Parent",    "/P",    "/Kids",  "/F
 const std::set<std::string> kTypesOfValues = {"/Action",    "/Border", "/Encoding",
                                               "/ExtGState", "/Group",  "/Mask"};
 
+/// An output holds 16,384; beyond this a document gets a form that not every program may know.
+constexpr std::size_t kManyObjects = 16'000;
+
 bool IsScalar(QPDFObjectHandle value) {
   return value.isNull() || value.isBool() || value.isInteger() || value.isReal() || value.isName();
 }
@@ -45,21 +48,30 @@ bool MayStandInPlace(QPDFObjectHandle value) {
   return true;
 }
 
+/// Such as a link: nothing but its page has to find it.
+bool IsPlainAnnotation(QPDFObjectHandle value) {
+  return value.isDictionary() && value.hasKey("/Rect") && !value.hasKey("/Parent") &&
+         !value.getKey("/Subtype").isNameAndEquals("/Widget");
+}
+
 }  // namespace
 
 void ObjectPlan::KeepOwn(const QPDFObjectHandle& object) {
-  own_[object.getObjGen()] = true;
+  own_.insert(object.getObjGen());
 }
 
-void ObjectPlan::Explore(const std::vector<QPDFObjectHandle>& roots) {
-  for (const QPDFObjectHandle& root : roots) {
-    KeepOwn(root);
-    Refer(root, found_.size());
-  }
+void ObjectPlan::Explore(const QPDFObjectHandle& catalog, const QPDFObjectHandle& information) {
+  KeepOwn(catalog);
+  Refer(catalog, 0);
   for (std::size_t i = 0; i < found_.size(); ++i) Look(found_[i].Object, i);
-  // The first reference to an object precedes those that it makes.
-  for (Found& object : found_) Place(object);
-  GiveNumbers();
+  const std::size_t ofCatalog = found_.size();
+  if (information.isInitialized()) Look(information, 0);
+  for (std::size_t i = ofCatalog; i < found_.size(); ++i) Look(found_[i].Object, i);
+  PlaceAll(false);
+  GiveNumbers(information);
+  if (numbered_.size() <= kManyObjects) return;
+  PlaceAll(true);
+  GiveNumbers(information);
 }
 
 void ObjectPlan::Refer(const QPDFObjectHandle& object, std::size_t referrer) {
@@ -100,26 +112,42 @@ void ObjectPlan::LookAtDictionary(QPDFObjectHandle dictionary, std::size_t refer
   }
 }
 
-void ObjectPlan::Place(Found& object) {
-  if (IsScalar(object.Object)) return;
-  const Found& referrer = found_[object.Referrer];
-  object.Depth = referrer.Own ? 1 : referrer.Depth + 1;
-  if (object.References > 1 || object.Depth > kDeepestPlace || !MayStandInPlace(object.Object))
-    object.Own = true;
+/// The first reference to an object precedes those that it makes.
+void ObjectPlan::PlaceAll(bool annotationsToo) {
+  for (Found& object : found_) {
+    const Found& referrer = found_[object.Referrer];
+    object.Depth = referrer.Number != kInPlace ? 1 : referrer.Depth + 1;
+    // Any number will do until they are given.
+    object.Number = IsOwn(object, annotationsToo) ? 1 : kInPlace;
+  }
 }
 
-void ObjectPlan::GiveNumbers() {
+bool ObjectPlan::IsOwn(const Found& object, bool annotationsToo) const {
+  if (object.Own) return true;
+  if (IsScalar(object.Object)) return false;
+  if (object.References > 1 || object.Depth > kDeepestPlace) return true;
+  return !MayStandInPlace(object.Object) && !(annotationsToo && IsPlainAnnotation(object.Object));
+}
+
+void ObjectPlan::GiveNumbers(const QPDFObjectHandle& information) {
+  numbered_.clear();
   for (const auto& [name, place] : index_) {
     Found& object = found_[place];
-    if (!object.Own) continue;
+    if (object.Number == kInPlace) continue;
     numbered_.push_back(object.Object);
     object.Number = static_cast<int>(numbered_.size());
   }
+  if (information.isInitialized()) numbered_.push_back(information);
 }
 
 int ObjectPlan::NumberOf(const QPDFObjectHandle& object) const {
   const auto place = index_.find(object.getObjGen());
   return place == index_.end() ? kInPlace : found_[place->second].Number;
+}
+
+std::size_t ObjectPlan::InPlace() const {
+  const auto isInPlace = [](const Found& object) { return object.Number == kInPlace; };
+  return static_cast<std::size_t>(std::count_if(found_.begin(), found_.end(), isInPlace));
 }
 
 }  // namespace folioweld

@@ -53,6 +53,27 @@ void Open(QPDF& document, const std::shared_ptr<SystemInput>& input, const std::
   }
 }
 
+bool memoryRanOut = false;
+
+/// Notices that memory runs out: libqpdf takes an object that it has no room for for null.
+class MemoryWatch {
+ public:
+  MemoryWatch() {
+    memoryRanOut = false;
+    std::set_new_handler([] {
+      memoryRanOut = true;
+      throw std::bad_alloc();
+    });
+  }
+  MemoryWatch(const MemoryWatch&) = delete;
+  MemoryWatch& operator=(const MemoryWatch&) = delete;
+  ~MemoryWatch() { std::set_new_handler(nullptr); }
+
+  static void Check() {
+    if (memoryRanOut) throw NotPrepared("there is not enough memory for it");
+  }
+};
+
 Preparation Copy(WindowsAPI& system, const OpenPair& files, const std::string& password) {
   const FileInformation was = Look(system, files.Input);
   const auto input = std::make_shared<SystemInput>(system, files.Input, was.Size);
@@ -64,6 +85,7 @@ Preparation Copy(WindowsAPI& system, const OpenPair& files, const std::string& p
   done.Copy = WriteCopy(document, sink);
   sink.Flush();
   input->CheckReads();
+  MemoryWatch::Check();
   if (!IsUnchanged(was, Look(system, files.Input))) throw NotPrepared("it was changed meanwhile");
   return done;
 }
@@ -71,16 +93,17 @@ Preparation Copy(WindowsAPI& system, const OpenPair& files, const std::string& p
 }  // namespace
 
 Preparation Prepare(WindowsAPI& system, const OpenPair& files, const std::string& password) {
+  const MemoryWatch watch;
   Preparation done;
   try {
     done = Copy(system, files, password);
   } catch (const NotPrepared&) {
     throw;
   } catch (const QPDFExc& broken) {
+    MemoryWatch::Check();
     throw NotPrepared(Words(broken));
-  } catch (const std::bad_alloc&) {
-    throw NotPrepared("there is not enough memory for it");
   } catch (const std::exception& broken) {
+    MemoryWatch::Check();
     throw NotPrepared(broken.what());
   }
   // libqpdf's objects are gone by now.

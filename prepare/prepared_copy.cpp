@@ -26,13 +26,11 @@ class Copying {
     report_.Repaired = std::move(pages.Repairs);
     for (const QPDFObjectHandle& node : pages.Nodes) plan_.KeepOwn(node);
     const QPDFObjectHandle information = TakeInformation();
-    std::vector<QPDFObjectHandle> roots = {document_.getRoot()};
-    if (information.isInitialized()) roots.push_back(information);
-    plan_.Explore(roots);
+    plan_.Explore(document_.getRoot(), information);
     if (plan_.Numbered().size() > kMostObjects) throw NotPrepared("it has more than 349,999 objects");
     WriteObjects();
     Trailer trailer{plan_.NumberOf(document_.getRoot()), 0, Identifiers()};
-    if (information.isInitialized()) trailer.Information = plan_.NumberOf(information);
+    if (information.isInitialized()) trailer.Information = static_cast<int>(plan_.Numbered().size());
     serialiser_.WriteTableAndTrailer(trailer);
     report_.Done.push_back(std::to_string(plan_.Numbered().size()) + " objects written, " +
                            std::to_string(plan_.InPlace()) + " put where they were referred to");
@@ -42,7 +40,7 @@ class Copying {
   }
 
  private:
-  /// An object of its own, which the engine can replace without replacing anything else.
+  /// A copy that nothing else refers to, which the engine can replace without replacing anything else.
   QPDFObjectHandle TakeInformation() {
     QPDFObjectHandle information = document_.getTrailer().getKey("/Info");
     if (information.isNull()) return {};
@@ -51,7 +49,7 @@ class Copying {
       report_.Repaired.push_back("/Info, which names no information dictionary, was left out");
       return {};
     }
-    return document_.makeIndirectObject(information.shallowCopy());
+    return information.shallowCopy();
   }
 
   void WriteObjects() {

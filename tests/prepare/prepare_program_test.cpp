@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include "tests/prepare/address_sanitizer.h"
 #include "tests/prepare/prepare_fixture.h"
 #include "tests/support/child_program.h"
 
@@ -81,6 +82,16 @@ TEST_F(PrepareProgram, WritesNoMoreThanItsLimit) {
   EXPECT_EQ(status, 1);
   EXPECT_EQ(told, "failed: its copy cannot be written: File too large\n");
 }
+
+#ifndef UNDER_ADDRESS_SANITIZER
+TEST_F(PrepareProgram, TakesNoMoreMemoryThanItsLimit) {
+  // What is compressed here is far more than there is room for.
+  folder_.Write("in.pdf", Rewritten(SimpleDocument(1, std::string(30'000'000, 'x')), [](QPDFWriter&) {}));
+  const auto [status, told] = RunWithDescriptors({"--limits=41943040,60,67108864"});
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(told, "failed: there is not enough memory for it\n");
+}
+#endif
 
 }  // namespace
 }  // namespace folioweld

@@ -68,6 +68,22 @@ TEST_F(PreparedCopy, PutsNoEndlessChainOfValuesIntoEachOther) {
   EXPECT_THAT(Copied(document.Build()), AllOf(HasSubstr("(end)"), Not(HasSubstr("[ [ [ [ [ [ [ [ [ ["))));
 }
 
+TEST_F(PreparedCopy, OfManyLinksHoldsThemInTheirPage) {
+  std::string links;
+  for (int i = 4; i < 17'000; ++i) links += std::to_string(i) + " 0 R ";
+  auto document = OnePage("/Annots [ " + links + "]");
+  for (int i = 4; i < 17'000; ++i) document.Object(i, "<< /Subtype /Link /Rect [ 0 0 1 1 ] >>");
+  EXPECT_THAT(Copied(document.Build()), HasSubstr("xref\n0 4\n"));
+  EXPECT_THAT(system_.Take(), HasSubstr("did: 3 objects written, 16996 put where they were referred to\n"));
+}
+
+TEST_F(PreparedCopy, SaysNothingOfDamageThatNothingRefersTo) {
+  auto document = OnePage("/A 6 0 R");
+  document.Object(4, "<< /Broken", 0).Object(5, "<< /A 1 /A 2 >>").Object(6, "<< /A 1 >>");
+  document.TrailerExtra("/Info 6 0 R");
+  Copied(document.Build());
+}
+
 TEST_F(PreparedCopy, LeavesOutWhatNothingRefersTo) {
   auto document = OnePage("");
   document.Object(4, "(nobody)");

@@ -8,14 +8,7 @@
 #include <unistd.h>
 
 #include "platform/windows_api.h"
-
-#if defined(__SANITIZE_ADDRESS__)
-#define UNDER_ADDRESS_SANITIZER
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define UNDER_ADDRESS_SANITIZER
-#endif
-#endif
+#include "tests/prepare/address_sanitizer.h"
 
 namespace folioweld {
 namespace {
