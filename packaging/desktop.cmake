@@ -9,7 +9,7 @@ endforeach()
 install(FILES icons/${id}.svg DESTINATION ${FOLIOWELD_ICON_DIR}/scalable/apps COMPONENT window)
 install(FILES icons/${id}-symbolic.svg DESTINATION ${FOLIOWELD_ICON_DIR}/symbolic/apps COMPONENT window)
 
-# The entry names the window program by its whole path: the folder of folioweld need not be on the desktop's PATH.
+# The entries name the programs by their whole paths: the folder of folioweld need not be on the desktop's PATH.
 # The path is known for certain at the installation, which may be told another prefix.
 configure_file(desktop_entry.cmake.in desktop_entry.cmake @ONLY)
 install(SCRIPT ${CMAKE_CURRENT_BINARY_DIR}/desktop_entry.cmake COMPONENT window)

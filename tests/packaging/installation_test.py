@@ -14,6 +14,8 @@ COMMAND = {"bin/folioweld", "share/man/man1/folioweld.1.gz", "share/bash-complet
 WINDOW = {"libexec/folioweld/folioweld-window", f"share/applications/{ID}.desktop",
           f"share/metainfo/{ID}.metainfo.xml", f"share/icons/hicolor/scalable/apps/{ID}.svg",
           f"share/icons/hicolor/symbolic/apps/{ID}-symbolic.svg"}
+WINDOW |= {f"share/kio/servicemenus/{ID}.{kind}.desktop" for kind in ("folder", "documents")}
+WINDOW |= {f"share/nemo/actions/folioweld-{kind}.nemo_action" for kind in ("folder", "documents")}
 WINDOW |= {f"share/icons/hicolor/{size}x{size}/apps/{ID}.png" for size in (16, 22, 24, 32, 48, 64, 128, 256)}
 
 
