@@ -27,17 +27,6 @@ bool EndsInPdf(const std::string& name) {
   return name.size() >= 4 && UpperCased(name.substr(name.size() - 4)) == ".PDF";
 }
 
-/// Whether a refused regular file counts as a document all the same.
-bool LooksLikeDocument(FileModule& files, const std::string& path) {
-  if (EndsInPdf(path)) return true;
-  const std::int16_t fileNumber = files.OpenForBinaryRead(path);
-  std::string start;
-  const bool read = files.ReadBlock(fileNumber, 1, kSearchedBytes, start) > 0;
-  // It was only read.
-  static_cast<void>(files.Close(fileNumber));
-  return read && start.find("%PDF-") != std::string::npos;
-}
-
 /// Ends a search whatever ends its use; memory can run out in the middle.
 class OpenSearch {
  public:
@@ -157,6 +146,16 @@ class Listing {
 };
 
 }  // namespace
+
+bool LooksLikeDocument(FileModule& files, const std::string& path) {
+  if (EndsInPdf(path)) return true;
+  const std::int16_t fileNumber = files.OpenForBinaryRead(path);
+  std::string start;
+  const bool read = files.ReadBlock(fileNumber, 1, kSearchedBytes, start) > 0;
+  // It was only read.
+  static_cast<void>(files.Close(fileNumber));
+  return read && start.find("%PDF-") != std::string::npos;
+}
 
 ListedDocument DocumentOf(const Source& source, const std::string& name) {
   if (!source.IsFolder) return {name, source.Path};

@@ -23,6 +23,10 @@ struct ListedDocument {
 /// The document of that name in a source; for a document that is a source by itself the name is the source's.
 [[nodiscard]] ListedDocument DocumentOf(const Source& source, const std::string& name);
 
+/// Whether a regular file counts as a document, though it may be refused: by its name, or by its first 1,024
+/// bytes.
+[[nodiscard]] bool LooksLikeDocument(FileModule& files, const std::string& path);
+
 /// What the sources of a directory merge hold.
 struct DocumentList {
   std::vector<std::string> Names;     ///< accepted files, those of folders without the folder

@@ -109,7 +109,10 @@ bool DocumentPreparation::PrepareNeeded(const FolderForCopies& folder) {
   const auto begins = [&](std::size_t task) {
     const ListedDocument& document = candidates_[indices[task]].Document;
     shell_.PreparingStarts(static_cast<int>(task) + 1, static_cast<int>(tasks.size()), document.Name);
-    shell_.SetStatusText(0, kCaption + ShortenPath(document.Path, kLongestShownPath));
+    // In a directory merge it stands where the first merge will tell of itself.
+    const bool hasLine = places_.size() <= 2;
+    shell_.SetStatusText(hasLine ? static_cast<int>(indices[task]) : 0,
+                         kCaption + ShortenPath(document.Path, kLongestShownPath));
   };
   const std::vector<PreparingResult> results =
       PrepareAll(files_.System(), shell_, state_, FindPrepareProgram(files_.System()), tasks, begins);

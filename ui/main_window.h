@@ -150,6 +150,8 @@ class Folioweld : public QMainWindow, private JobWindow {
   void ChooseInput(int slot, const std::string& ordinal);
   /// Whether the document can be joined. When not, the log says why.
   [[nodiscard]] bool Accepts(const std::string& name, const std::string& logPrefix);
+  /// Whether it is taken although it cannot be joined as it is.
+  [[nodiscard]] bool IsToBePrepared(const std::string& name);
   void LogLine(const std::string& logPrefix, const std::string& line);
   [[nodiscard]] bool IsInputFile(const std::string& name);
   /// The save dialog with what belongs to it: the default extension, and the question whether an existing

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "dirmerge/document_list.h"
 #include "dirmerge/paths.h"
 #include "ui/main_window.h"
 
@@ -53,10 +54,16 @@ void Folioweld::LogLine(const std::string& logPrefix, const std::string& line) {
 
 bool Folioweld::Accepts(const std::string& name, const std::string& logPrefix) {
   PassFailure why;
-  if (IsThisDocumentApdf(files_, name, &why)) return true;
+  if (IsThisDocumentApdf(files_, name, &why) || IsToBePrepared(name)) return true;
   LogLine(logPrefix, "File: " + Quoted(name) + "  is not acceptable for merging");
   LogLine(logPrefix, "  because of " + why.Sentence({}) + " (" + Quoted(name) + ")");
   return false;
+}
+
+bool Folioweld::IsToBePrepared(const std::string& name) {
+  if (!program_.Prepare) return false;
+  const auto file = system_.GetFileAttributes(name);
+  return file.Ok() && file.Value().Kind == FileKind::Regular && LooksLikeDocument(files_, name);
 }
 
 void Folioweld::cmdOutput_Click() {

@@ -1,5 +1,6 @@
 // What the controls show and which of them are enabled: idle, while a job runs, while a viewer is watched.
 
+#include "dirmerge/prepared_inputs.h"
 #include "engine/shortened_path.h"
 #include "ui/file_names.h"
 #include "ui/main_window.h"
@@ -127,7 +128,9 @@ void Folioweld::SetDefaultButton(CaptionButton* button) {
 
 void Folioweld::cmdOK_Click() {
   if (Busy()) return;
-  job_.cmdOK_Click();
+  // The copies live until the job has ended.
+  PreparedInputs inputs(program_, files_, settings_, shell_, log_);
+  if (!program_.Prepare || inputs.Prepare()) job_.cmdOK_Click();
   FinishIfEnding();
 }
 

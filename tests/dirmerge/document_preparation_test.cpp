@@ -150,7 +150,7 @@ TEST_F(DocumentPreparationTest, AsManyRunSideBySideAsThereAreProcessors) {
       "while ! test -e '" +
       folder_.Path() + "'/$other; do sleep 0.01; done\n" + GoodScript());
   AddOther("a.pdf");
-  folder_.Write("docs/b.pdf", kOther + std::string(100, '\n'));
+  folder_.Write("docs/b.pdf", testing::kOtherDocument + std::string(100, '\n'));
   system_.Processors = 2;
   EXPECT_EQ(StatusOf(Merge()), kEverythingJoined);
   EXPECT_EQ(PageTexts(Output()), (Names{"copy", "copy"}));

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <filesystem>
 #include <string>
 
 #include "tests/dirmerge/directory_merge_fixture.h"
 #include "tests/support/document_builder.h"
+#include "tests/support/preparing_script.h"
 
 namespace folioweld::testing {
 
@@ -21,23 +21,13 @@ class PreparingFixture : public DirectoryMergeFixture {
 
   /// What writes a copy that can be joined.
   [[nodiscard]] std::string GoodScript(const std::string& status = "0") const {
-    return "cat '" + copy_ + "' > $out; echo 'reason: cross-reference stream' >&2; exit " + status;
+    return CopyingCommands(copy_, status);
   }
-
-  /// The commands find the document in "$in" and the file for the copy in "$out".
   void Script(const std::string& commands) const {
-    const std::string path = folder_.Write("bin/folioweld-prepare",
-                                           "#!/bin/sh\n"
-                                           "both=${1#--descriptors=}\n"
-                                           "in=/proc/$$/fd/${both%,*} out=/proc/$$/fd/${both#*,}\n" +
-                                               commands + "\n");
-    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    WritePreparingScript(folder_, "bin/folioweld-prepare", commands);
   }
+  void AddOther(const std::string& name) const { folder_.Write("docs/" + name, kOtherDocument); }
 
-  /// Writes a document that is refused without being prepared.
-  void AddOther(const std::string& name) const { folder_.Write("docs/" + name, kOther); }
-
-  static constexpr char kOther[] = "%PDF-1.5\n%abcd\nno cross-reference table stands in this document\n";
   std::string copy_;
 };
 
