@@ -2,11 +2,10 @@
 
 #include <cstddef>
 #include <map>
-#include <qpdf/QPDFObjGen.hh>
-#include <qpdf/QPDFObjectHandle.hh>
 #include <set>
 #include <vector>
 
+#include "prepare/libqpdf.h"
 #include "prepare/serialiser.h"
 
 namespace folioweld {

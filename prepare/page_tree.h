@@ -1,9 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <qpdf/QPDF.hh>
 #include <string>
 #include <vector>
+
+#include "prepare/libqpdf.h"
 
 namespace folioweld {
 

@@ -5,9 +5,10 @@
 #include <charconv>
 #include <getopt.h>
 #include <limits>
-#include <qpdf/QPDF.hh>
 #include <string_view>
 #include <utility>
+
+#include "prepare/libqpdf.h"
 
 namespace folioweld {
 

@@ -1,7 +1,6 @@
 #include "prepare/prepared_copy.h"
 
-#include <qpdf/Buffer.hh>
-
+#include "prepare/libqpdf.h"
 #include "prepare/losses.h"
 #include "prepare/not_prepared.h"
 #include "prepare/object_plan.h"

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <cstddef>
-#include <qpdf/QPDF.hh>
 #include <string>
 #include <vector>
 
 #include "prepare/byte_sink.h"
+#include "prepare/libqpdf.h"
 
 namespace folioweld {
 

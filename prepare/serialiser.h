@@ -1,12 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <qpdf/QPDFObjectHandle.hh>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "prepare/byte_sink.h"
+#include "prepare/libqpdf.h"
 #include "prepare/token_lines.h"
 
 namespace folioweld {

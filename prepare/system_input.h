@@ -1,10 +1,10 @@
 #pragma once
 
-#include <qpdf/InputSource.hh>
 #include <string>
 #include <vector>
 
 #include "platform/windows_api.h"
+#include "prepare/libqpdf.h"
 
 namespace folioweld {
 

@@ -1,11 +1,10 @@
 // What libqpdf makes of the bytes is written anew; the engine has to read the copy without a word, and to
 // join it.
 
-#include <qpdf/QPDF.hh>
-
 #include "engine/merge_job.h"
 #include "fuzz/numbered_document.h"
 #include "prepare/engine_check.h"
+#include "prepare/libqpdf.h"
 #include "prepare/prepared_copy.h"
 #include "tests/support/memory_system.h"
 

@@ -3,15 +3,17 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
-#include <qpdf/QPDF.hh>
-#include <qpdf/QPDFWriter.hh>
 #include <string>
 #include <vector>
 
+#include "prepare/libqpdf.h"
 #include "prepare/prepare_run.h"
 #include "tests/batch/screen_system.h"
 #include "tests/support/document_builder.h"
 #include "tests/support/temp_folder.h"
+
+// After what leaves its JSON out.
+#include <qpdf/QPDFWriter.hh>
 
 namespace folioweld::testing {
 
