@@ -14,7 +14,10 @@ bool ObjectText::EndsWithin(std::size_t keywordSize) const {
   std::size_t token = text.size() - keywordSize;
   while (token > 0 && !kDelimiterSet.Has(text[token - 1])) --token;
   if (token > 0 && text[token - 1] == '/') return true;
-  if (text.find('(') == std::string_view::npos && text.find('%') == std::string_view::npos) return false;
+  // A comment ends with its line.
+  const bool beginsLine = token == text.size() - keywordSize && token > 0 && text[token - 1] == '\r';
+  const bool mayBeComment = !beginsLine && text.find('%') != std::string_view::npos;
+  if (!mayBeComment && text.find('(') == std::string_view::npos) return false;
   OpaquePiece piece;
   while (FindOpaque(text, piece.End, piece)) {
     if (piece.End == text.size()) return true;

@@ -23,9 +23,9 @@ const ObjectEntry* FindEntry(const MergeState& state, std::int16_t slot, std::in
 
 bool IsName(std::string_view written, std::string_view key) {
   if (written.size() <= key.size()) return written == key;
-  // An escape makes a name two characters longer.
-  if ((written.size() - key.size()) % 2 != 0) return false;
-  return written.find('#') != std::string_view::npos && PlainName(written) == key;
+  // Longer by its escapes, the first of which stands where the two begin to differ.
+  const auto other = std::mismatch(key.begin(), key.end(), written.begin()).second;
+  return *other == '#' && PlainName(written) == key;
 }
 
 std::string PlainName(std::string_view written) {

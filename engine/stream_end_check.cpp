@@ -12,8 +12,9 @@ namespace folioweld {
 namespace {
 
 constexpr std::string_view kEndStream = "endstream";
-/// Bytes looked at after the data: the keyword, and white space that others pass over before it.
-constexpr std::int16_t kLookedAt = 16;
+/// Bytes looked at after the data: the keyword, and white space that others pass over before it. A string of
+/// so many needs no memory of its own.
+constexpr std::int16_t kLookedAt = 15;
 
 bool EndsThere(FileModule& files, std::int16_t fileNumber, std::int16_t slot, const ObjectEntry& entry) {
   std::string bytes;
