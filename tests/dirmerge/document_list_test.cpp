@@ -148,6 +148,14 @@ TEST_F(LeftTemporariesTest, AJoinedDocumentIsToldAndCountedAndStillTaken) {
   EXPECT_EQ(list_.Names, (Names{"Pdf1234.tmp", "a", "b"}));
 }
 
+TEST_F(LeftTemporariesTest, APreparedCopyIsToldAndCounted) {
+  Leave("Pdf1234.tmp",
+        "%PDF-1.4\n%\xE2\xE3\xCF\xD3\nxref\n0 1\n0000000000 65535 f \ntrailer\n<< /Size 1\n/Root 1 0 R\n>>\n"
+        "startxref\n15\n%%EOF\n");
+  EXPECT_EQ(List(), ListOutcome::Complete);
+  EXPECT_EQ(list_.LeftTemporaries, Names{"Pdf1234.tmp"});
+}
+
 TEST_F(LeftTemporariesTest, OtherFilesAreNone) {
   const std::string joined = Joined();
   for (const char* name : {"Pdf123.tmp", "Pdf12345.tmp", "pdf1234.tmp", "Pdf12g4.tmp", "Pdf123a.tmp",

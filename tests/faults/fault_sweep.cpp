@@ -42,6 +42,10 @@ const std::vector<Fault>& FaultsOf(const std::string& call) {
       {"RandomNumber", {{EIO, 0}, {EINTR, 0}}},
       {"FileTimeToLocalTime", {{EOVERFLOW, 0}}},
       {"PollProcess", {{ECHILD, 0}, {EINTR, 0}}},
+      {"StartProcess", {{ENOMEM, 0}, {EMFILE, 0}}},
+      {"ExitOfProcess", {{ECHILD, 0}}},
+      {"KillProcess", {{ESRCH, 0}}},
+      {"ReadNext", {{EIO, 0}, {EINTR, 0}, {0, kAlmostAll}}},
       {"TerminateProcess", {{ESRCH, 0}, {EPERM, 0}}},
   };
   static const std::vector<Fault> unknown = {{EIO, 0}};
