@@ -16,7 +16,7 @@ FileModule::~FileModule() {
 }
 
 std::int16_t FileModule::OpenForBinaryRead(const std::string& document) {
-  const PreparedCopy* const copy = prepared_.Find(document);
+  const DocumentCopy* const copy = prepared_.Find(document);
   const std::string& path = copy == nullptr ? document : copy->Path;
   const FileInformation* const own = own_.Find(path);
   const OpenMode mode = own == nullptr ? OpenMode::ReadExisting : OpenMode::ReadUnlinked;

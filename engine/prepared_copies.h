@@ -9,7 +9,7 @@
 namespace folioweld {
 
 /// A copy of a document in a form that can be joined.
-struct PreparedCopy {
+struct DocumentCopy {
   std::string Path;
   FileIdentity Original;  ///< of the document
 };
@@ -18,12 +18,12 @@ struct PreparedCopy {
 /// place that knows of copies; whoever opens an input goes on calling it by the document's path.
 class PreparedCopies {
  public:
-  void Add(const std::string& document, PreparedCopy copy) {
+  void Add(const std::string& document, DocumentCopy copy) {
     copies_.insert_or_assign(document, std::move(copy));
   }
   void Remove(const std::string& document) { copies_.erase(document); }
   /// Null for a document that is read as it is.
-  [[nodiscard]] const PreparedCopy* Find(const std::string& document) const {
+  [[nodiscard]] const DocumentCopy* Find(const std::string& document) const {
     // Most runs have none, and every open asks.
     if (copies_.empty()) return nullptr;
     const auto found = copies_.find(document);
@@ -31,7 +31,7 @@ class PreparedCopies {
   }
 
  private:
-  std::unordered_map<std::string, PreparedCopy> copies_;
+  std::unordered_map<std::string, DocumentCopy> copies_;
 };
 
 }  // namespace folioweld
