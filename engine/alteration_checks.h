@@ -52,7 +52,8 @@ enum class ReferencePlace {
   Any  ///< tried alone
 };
 
-/// Whether every reference leads to the same object in the output. Returns the number that
+/// Whether every reference leads to the same object in the output; a later input's references to object 0 are
+/// told when they are renumbered. Returns the number that
 /// `FindAlterationsAmongOthers` does; -1 but for `Any`.
 std::int32_t CheckReferences(const ReadInput& input, MergeShell& shell, ReferencePlace place);
 

@@ -125,6 +125,7 @@ struct NumberPair {
 inline constexpr std::string_view kObjectKeyword[] = {"obj"};
 inline constexpr std::string_view kReferenceKeyword[] = {"R"};
 inline constexpr std::string_view kObjectOrReference[] = {"obj", "R"};
+inline constexpr std::int32_t kIsReference = 1;  ///< index of "R" there
 
 /// Reads two numbers and one of the keywords at `index`; false when that is not what stands there. White
 /// space parts them, and a delimiter or a "\" ends the keyword. No keyword may be empty.

@@ -66,7 +66,7 @@ class ReferenceCheck {
     const std::string seen = AsOthersSee(text);
     NumberPair found;
     while (FindReference(seen, found.End, kReferenceKeyword, found)) {
-      if (isLater_ && found.Number == 0) Note(AlterationKind::ReferenceToFiller, number, found);
+      if (isTried_ && found.Number == 0) Note(AlterationKind::ReferenceToFiller, number, found);
       if (isFollowed_ && found.Number >= state_.ObjectsInDoc1) LookAtMissing(number, found);
     }
     if (isLater_ && CountReferences(seen) > CountReferences(text)) {
@@ -82,15 +82,30 @@ class ReferenceCheck {
   [[nodiscard]] bool IsWorthAWalk(std::string_view text) const {
     if (input_.MayHavePercent && text.find('%') != std::string_view::npos) return true;
     if (input_.MayHaveOtherWhiteSpace && HasOtherWhiteSpace(text)) return true;
+    // Where nothing follows, a number alone leads nowhere else; those of 0 are told when they are renumbered.
+    if (!isFollowed_) return HasLongNumber(text);
     bool worth = false;
     GuessReferences(text, [&](std::string_view digits) { worth = worth || MayLeadElsewhere(digits); });
     return worth;
   }
 
+  /// Whether more than `kMostDigits` digits stand together. Of so many, one stands at a multiple of their
+  /// number.
+  [[nodiscard]] static bool HasLongNumber(std::string_view text) {
+    for (std::size_t i = kMostDigits; i < text.size(); i += kMostDigits + 1) {
+      if (!kDigitSet.Has(text[i])) continue;
+      std::size_t start = i;
+      while (start > 0 && kDigitSet.Has(text[start - 1])) --start;
+      i = kDigitSet.Skip(text, i);
+      if (i - start > kMostDigits) return true;
+    }
+    return false;
+  }
+
   /// A first look at the digits of a number, which few pass.
   [[nodiscard]] bool MayLeadElsewhere(std::string_view digits) const {
     if (digits.size() > kMostDigits) return true;
-    return (isLater_ && digits[0] == '0') || (isFollowed_ && NumberOf(digits) >= state_.ObjectsInDoc1);
+    return (isTried_ && digits[0] == '0') || NumberOf(digits) >= state_.ObjectsInDoc1;
   }
 
   /// Among the documents of a whole run only who knows them all can tell what such a number leads to.

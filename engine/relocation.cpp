@@ -1,6 +1,10 @@
 // Output passes #1 and #2 of PdfBuilder: missing lengths and new object numbers.
 
+#include <string>
+#include <vector>
+
 #include "engine/alteration_checks.h"
+#include "engine/alteration_record.h"
 #include "engine/lexer.h"
 #include "engine/pass_guard.h"
 #include "engine/pdf_builder.h"
@@ -10,16 +14,19 @@ namespace folioweld {
 namespace {
 
 /// Appends the line to `text`, with `offset` added to the object number of every reference and object header
-/// in it.
-void AppendShifted(std::string_view line, std::int32_t offset, std::string& text) {
+/// in it. Returns the references to object 0.
+std::vector<NumberPair> AppendShifted(std::string_view line, std::int32_t offset, std::string& text) {
+  std::vector<NumberPair> zeros;
   std::size_t copied = 0;
   NumberPair found;
   while (FindReference(line, found.End, kObjectOrReference, found)) {
     text += line.substr(copied, found.Start - copied);
     text += DecimalDigits(CheckedAdd(found.Number, offset)).View();
     copied = found.NumberEnd;
+    if (found.Number == 0 && found.Keyword == kIsReference) zeros.push_back(found);
   }
   text += line.substr(copied);
+  return zeros;
 }
 
 /// Number of the object in its own document.
@@ -115,7 +122,7 @@ bool PdfBuilder::RenumberSecondInput() {
           state_.Failure = {2, i - state_.ObjectsInDoc1, -1, kCancelled};
           return false;
         }
-        ShiftLine(state_.ObjLines[j]);
+        ShiftLine(i, state_.ObjLines[j]);
       }
     }
     entry.ObjNumber = i;
@@ -124,16 +131,20 @@ bool PdfBuilder::RenumberSecondInput() {
 }
 
 /// The old text stays where it is: the keys of its dictionary point into it.
-void PdfBuilder::ShiftLine(std::string_view& line) {
+void PdfBuilder::ShiftLine(std::int32_t index, std::string_view& line) {
   shifted_.clear();
-  AppendShifted(TrimBlanks(line), state_.ObjectsInDoc1, shifted_);
+  const std::vector<NumberPair> zeros = AppendShifted(TrimBlanks(line), state_.ObjectsInDoc1, shifted_);
   shifted_ += '\r';
   line = state_.Texts.Keep(shifted_);
+  for (const NumberPair& zero : zeros) {
+    NoteAlteration(state_, 2, AlterationKind::ReferenceToFiller, index - state_.ObjectsInDoc1,
+                   "0 " + std::to_string(zero.Generation) + " R");
+  }
 }
 
 std::string PdfBuilder::ShiftObjectReferences(std::string_view line) const {
   std::string shifted;
-  AppendShifted(line, state_.ObjectsInDoc1, shifted);
+  static_cast<void>(AppendShifted(line, state_.ObjectsInDoc1, shifted));
   return shifted;
 }
 

@@ -200,7 +200,7 @@ TEST(AlteredReference, ToObjectZeroIsToldOfAnyDocumentButTheFirst) {
   EXPECT_EQ(ToldAsSecond(document), (FoundKinds{{Kind::ReferenceToFiller, 4}}));
   EXPECT_EQ(ToldAsFirst(document), FoundKinds{});
   EXPECT_EQ(ToldAlone(document), FoundKinds{});
-  EXPECT_EQ(ToldAsSecond(OnePage().Object(4, "<</A(0 0 R)/B 10 0 R>>").Build()), FoundKinds{});
+  EXPECT_EQ(ToldAsSecond(OnePage().Object(4, "<</A(0 0 R)/B 10 0 R/C 0 0 obj>>").Build()), FoundKinds{});
 }
 
 // Generations.
