@@ -55,12 +55,13 @@ names=()
 # Each name is as long as a path may be.
 for _ in {1..40}; do names+=("$(printf './%.0s' {1..1800})x.pdf"); done
 (
+  # The smallest stack makes the shortest command line.
   ulimit -s 64
   code=0
   { folioweld out.pdf "${names[@]}" || code=$?; } 2>/dev/null
   equal 'the status of a line that is too long' $code 126
-  printf '%s\0' "${names[@]}" | folioweld --files0-from=- out.pdf
 )
+printf '%s\0' "${names[@]}" | status 0 folioweld --files0-from=- out.pdf
 equal 'the pages of the long list' "$(words out.pdf | wc -w)" 40
 
 # A whole tree, each folder into a file beside it: twice, for the second time must not take the first one's outputs.
