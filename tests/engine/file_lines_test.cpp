@@ -118,6 +118,17 @@ TEST_F(ReadLineChunkTest, BadArgumentsHaveTheirOwnCode) {
   EXPECT_EQ(Chunk(number, 1, -5), kBadArguments);
 }
 
+TEST_F(ReadLineChunkTest, EveryReasonHasItsNumber) {
+  const std::int16_t number = OpenWith("12345");
+  EXPECT_EQ(Chunk(number, 6, 10), -1) << "beyond the end";
+  EXPECT_EQ(Chunk(number, 1, 10), -2) << "no line end";
+  EXPECT_EQ(Chunk(number, 1, 0), -3) << "bad arguments";
+  EXPECT_EQ(Chunk(number + 1, 1, 10), -4) << "no length";
+  EXPECT_EQ(Chunk(number, 0, 10), -5) << "no such position";
+  System.Decide = FaultingSystem::Failing("ReadFile", EIO);
+  EXPECT_EQ(Chunk(OpenWith("12345"), 1, 10), -6) << "a read that failed";
+}
+
 TEST_F(ReadLineChunkTest, AFileThatIsNotOpenHasNoLength) {
   EXPECT_EQ(Chunk(0, 1, 10), kNoLength);
   EXPECT_EQ(Chunk(7, 1, 10), kNoLength);

@@ -100,6 +100,21 @@ TEST_F(StreamCopyTest, GoesOnAtThePositionGiven) {
   EXPECT_EQ(Written(), "head stream\n45endstream\r\nstream\n0endstream\r\n");
 }
 
+/// Counts the blocks by the looks at the user's wishes, of which every thousand has one before its last.
+TEST_F(StreamCopyTest, DataGoesInBlocksOf1000Bytes) {
+  const std::int16_t input = OpenInput(std::string(2'000'000, 'x'));
+  const auto looks = [&](std::int32_t length) {
+    run_.Shell.Yields = 0;
+    EXPECT_GT(Copy(input, 0, length), 1);
+    return run_.Shell.Yields;
+  };
+  const long one = looks(999'001);
+  EXPECT_GT(one, 0);
+  EXPECT_EQ(looks(999'000), 0);
+  EXPECT_EQ(looks(1'999'000), one);
+  EXPECT_EQ(looks(1'999'001), 2 * one);
+}
+
 TEST_F(StreamCopyTest, AMarkIsShownWithinALongStream) {
   constexpr std::int32_t kMark = 64 * 1024 * 1024;
   const std::int16_t input = OpenInput(std::string(3'000'000, 'x'));
