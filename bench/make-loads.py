@@ -24,6 +24,8 @@ LOADS = {
     "objects": ("two documents of 3,000 one-line pages, 6,004 objects each", 2, 3000, 0),
     "small": ("two documents of three pages", 2, 3, 0),
     "folder": ("200 documents of 60 KiB joined from a folder", 200, 6, 10 * KIB),
+    "mixed": ("100 documents of 60 KiB, of which half are compact", 100, 6, 10 * KIB),
+    "plain": ("the same 100 documents, none compact", 100, 6, 10 * KIB),
 }
 
 # Five sizes each, so that there are four doublings.
@@ -99,6 +101,42 @@ class Document:
                         (size, self.CATALOG, self.INFORMATION, start))
 
 
+class CompactDocument(Document):
+    """The same with objects inside a stream and a stream in the table's place; neither is compressed."""
+
+    def __init__(self, file):
+        super().__init__(file)
+        self.small = []  # number and text of the objects that are no streams
+
+    def add(self, *pieces):
+        if b"stream\n" in pieces[0]:
+            super().add(*pieces)
+        else:
+            self.offsets.append(None)
+            self.small.append((len(self.offsets), b"".join(pieces)))
+
+    def finish(self):
+        container = len(self.offsets) + 1
+        starts, bodies = b"", b""
+        rows = {}
+        for index, (number, text) in enumerate(self.small):
+            rows[number] = (2, container, index)
+            starts += b"%d %d " % (number, len(bodies))
+            bodies += text + b"\n"
+        super().add(b"<< /Type /ObjStm /N %d /First %d /Length %d >>\nstream\n" %
+                    (len(self.small), len(starts), len(starts + bodies)), starts, bodies, b"\nendstream")
+        size = container + 2
+        table = b"\0" * 7
+        for number in range(1, size):
+            offset = self.file.tell() if number == size - 1 else self.offsets[number - 1]
+            kind, field, index = rows.get(number, (1, offset, 0))
+            table += bytes([kind]) + field.to_bytes(4, "big") + index.to_bytes(2, "big")
+        start = self.file.tell()
+        super().add(b"<< /Type /XRef /Size %d /W [1 4 2] /Root %d 0 R /Info %d 0 R /Length %d >>\nstream\n" %
+                    (size, self.CATALOG, self.INFORMATION, len(table)), table, b"\nendstream")
+        self.file.write(b"startxref\n%d\n%%%%EOF\n" % start)
+
+
 def page_contents(document, pages, stream_size):
     if stream_size == 0:
         return [b"BT /F1 12 Tf 72 720 Td (Document %d, page %d) Tj ET" % (document, page)
@@ -112,8 +150,9 @@ def page_contents(document, pages, stream_size):
 def write_load(folder, documents, pages, stream_size):
     folder.mkdir(parents=True, exist_ok=True)
     for number in range(1, documents + 1):
+        kind = CompactDocument if folder.name == "mixed" and number % 2 == 0 else Document
         with open(folder / f"{number:04}.pdf", "wb") as file:
-            Document(file).write(b"Document %d" % number, page_contents(number, pages, stream_size))
+            kind(file).write(b"Document %d" % number, page_contents(number, pages, stream_size))
 
 
 def main():

@@ -33,8 +33,9 @@ std::vector<Part> Split(const std::vector<CountedDocument>& documents) {
 }
 
 std::string Words(const Part& part, const std::vector<CountedDocument>& documents) {
-  std::string words = "document " + std::to_string(part.First + 1);
-  if (part.Last > part.First) words += " to " + std::to_string(part.Last + 1);
+  const bool isOne = part.Last == part.First;
+  std::string words = isOne ? "document " : "documents ";
+  words += std::to_string(part.First + 1) + (isOne ? "" : " to " + std::to_string(part.Last + 1));
   return words + " (\"" + documents[part.Last].Name + "\", " + std::to_string(part.Objects) + " objects)";
 }
 

@@ -4,7 +4,7 @@ import math
 from dataclasses import dataclass
 from statistics import median
 
-from programs import COPY, EMPTY, OWN, ROUNDS, peers
+from programs import COPY, EMPTY, OWN, PREPARING, ROUNDS, peers
 
 MIB = 1024 * 1024
 MEMORY_BASE = 8 * MIB
@@ -84,6 +84,16 @@ def start_goal(load, times):
                    shown(value and value * 1000, "{:.2f} ms more"))
 
 
+def preparing_goals(load, times):
+    """Where half of the documents need it, and where none does."""
+    if load["name"] == "mixed":
+        value = ratio(times, PREPARING, "qpdf")
+        yield at_most(load, "with `--prepare` at most 2 times `qpdf`", value, 2, shown(value))
+    else:
+        value = ratio(times, PREPARING, OWN)
+        yield at_most(load, "with `--prepare` at most 1.25 times the time without", value, 1.25, shown(value))
+
+
 def folder_goals(load, times):
     yield slower_than(load, times, ROUNDS, 1.2, "the same rounds done with `cat`")
     for name in ("qpdf", "pdfunite", "pdftk"):
@@ -105,6 +115,8 @@ def load_goals(load, series):
     elif load["name"] == "small":
         yield faster_than_peers(load, times, 1.6)
         yield start_goal(load, times)
+    elif load["name"] in ("mixed", "plain"):
+        yield from preparing_goals(load, times)
     elif load["name"] == "folder":
         yield from folder_goals(load, times)
 

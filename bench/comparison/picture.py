@@ -4,7 +4,7 @@ import math
 from xml.sax.saxutils import escape
 
 from figures import rows
-from programs import OWN, peers
+from programs import OWN, PREPARING, peers
 from report import time_text
 
 WIDTH, LEFT, RIGHT, TOP = 820, 150, 110, 44
@@ -14,7 +14,7 @@ OWN_COLOUR, PEER_COLOUR, REFERENCE_COLOUR = "#0b7285", "#adb5bd", "#e9c46a"
 
 
 def colour(program):
-    if program == OWN:
+    if program in (OWN, PREPARING):
         return OWN_COLOUR
     return PEER_COLOUR if program in peers() else REFERENCE_COLOUR
 
@@ -48,7 +48,7 @@ def group(y, load, shown, axis):
     y += HEADING
     for row in shown:
         end = max(axis.x(row.median), LEFT + 2)
-        weight = "bold" if row.program == OWN else "normal"
+        weight = "bold" if row.program in (OWN, PREPARING) else "normal"
         parts.append(text(LEFT - 8, y + 12, row.program, 12, anchor="end", weight=weight))
         parts.append(f'<rect x="{LEFT}" y="{y}" width="{end - LEFT:.1f}" height="{BAR}" '
                      f'fill="{colour(row.program)}"/>')

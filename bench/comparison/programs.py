@@ -8,6 +8,7 @@ from pathlib import Path
 from typing import Callable
 
 OWN = "folioweld"
+PREPARING = "folioweld --prepare"
 COPY = "plain copy"
 ROUNDS = "copy in rounds"
 EMPTY = "empty program"
@@ -49,6 +50,8 @@ def programs(own, empty):
     """Every program, in the order of the table."""
     return [
         Program(OWN, "", own, lambda documents, output: [own, output, os.path.dirname(documents[0])]),
+        Program(PREPARING, "", own, lambda documents, output:
+                [own, "--prepare", output, os.path.dirname(documents[0])]),
         Program("qpdf", "--stream-data=preserve", "qpdf", lambda documents, output:
                 ["qpdf", "--stream-data=preserve", "--empty", "--pages", *documents, "--", output]),
         Program("qpdf", "default", "qpdf", lambda documents, output:
@@ -74,6 +77,11 @@ def takes_part(program, load):
     """Whether the program says something about this load."""
     if load["series"]:
         return program.name in (OWN, COPY)
+    # Half of the documents of the one load cannot be joined otherwise; none of the other one's needs it.
+    if program.name == PREPARING:
+        return load["name"] in ("mixed", "plain")
+    if program.name == OWN and load["name"] == "mixed":
+        return False
     if program.name == ROUNDS:
         return load["documents"] > 2
     return program.name != EMPTY or load["name"] == "small"

@@ -1,7 +1,7 @@
 """The tables, as Markdown."""
 
 from figures import rows
-from programs import COPY, OWN, peers
+from programs import COPY, OWN, PREPARING, peers
 
 
 def time_text(seconds):
@@ -28,6 +28,8 @@ def program_table(loads, measured, figure):
     lines = []
     for load in loads:
         found = {row.program: row for row in rows(measured[load["name"]])}
+        if OWN not in found and PREPARING in found:
+            found[OWN] = found[PREPARING]
         lines.append([f"{load['name']}: {load['words']}", *(figure(found[name]) if name in found else "-" for name in names)])
     return grid("", [f"**{OWN}**", *names[1:]], lines)
 

@@ -293,7 +293,7 @@ TEST_F(DocumentPreparationTest, TooManyObjectsAreKnownBeforeAnythingIsWritten) {
   EXPECT_THAT(
       MessageTexts(),
       ElementsAre("the output would hold 16396 objects, and at most 16384 can be written: make 2 outputs, of "
-                  "document 1 (\"a.pdf\", 9000 objects), document 2 to 3 (\"c.pdf\", 7395 objects)"));
+                  "document 1 (\"a.pdf\", 9000 objects), documents 2 to 3 (\"c.pdf\", 7395 objects)"));
   EXPECT_FALSE(Exists(Output()));
   EXPECT_THAT(shell_.Merges, IsEmpty());
 }
