@@ -28,7 +28,7 @@ class Photographer:
         self.scale, self.palette, self.look = scale, palette, f"{palette}-{scale}"
         self.homes = 0
 
-    def open(self, log=False, slow_disk=False, viewer=False):
+    def open(self, log=False, slow_disk=False, viewer=False, arguments=()):
         self.homes += 1
         environment = self.desktop.home(f"{self.look}-{self.homes}")
         environment["QT_SCALE_FACTOR"] = str(self.scale)
@@ -40,7 +40,8 @@ class Photographer:
             make_dark(environment)
         if viewer:
             self.choose_viewer(environment)
-        return Window(self.desktop, self.screen, self.bus, environment, slow_disk=slow_disk).wait_until_ready()
+        return Window(self.desktop, self.screen, self.bus, environment, arguments,
+                      slow_disk=slow_disk).wait_until_ready()
 
     def choose_viewer(self, environment):
         """A viewer that runs and shows nothing."""
@@ -99,6 +100,7 @@ class Photographer:
         self.joining()
         self.menus()
         self.refusal()
+        self.prepared()
         self.running()
         self.viewing()
         self.folder_merge()
@@ -118,6 +120,15 @@ class Photographer:
         wait_for(lambda: "The merge failed" in (window.log_text() or ""), "the log says why the merge failed")
         wait_for(lambda: window.is_enabled(select(FIRST)), "the merge has ended")
         self.save("refusal", window.main_window(), window.log_window())
+        window.close()
+
+    def prepared(self):
+        window = self.open(log=True, arguments=["--prepare"])
+        self.fill(window, DOCUMENTS / "form.pdf", DOCUMENTS / "report.pdf", DOCUMENTS / "joined-prepared.pdf")
+        self.press_on(window, GO)
+        window.wait_finished()
+        wait_for(lambda: " Kill " in (window.log_text() or ""), "the log tells of the clean-up")
+        self.save("prepared", window.main_window(), window.log_window())
         window.close()
 
     def viewing(self):
