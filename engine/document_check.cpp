@@ -72,8 +72,17 @@ class OutlineCheck {
     outline_.SecondLine = ReadLine(position, "the second line");
     if (outline_.SecondLine.substr(0, 1) != "%" ||
         static_cast<std::int32_t>(outline_.SecondLine.size()) < kShortestSecondLine) {
+      RefuseLineEndBeforeHeader();
       Refuse(position - 1, "the second line is no comment of at least 5 characters");
     }
+  }
+
+  /// Line ends before the header are passed over, and the second line is looked for too early: that is not
+  /// its fault.
+  void RefuseLineEndBeforeHeader() {
+    std::string first;
+    const bool isRead = files_.ReadBlock(fileNumber_, 1, 1, first) == 1;
+    if (isRead && kLineEndSet.Has(first[0])) Refuse(0, "a line end stands before \"%PDF-\"");
   }
 
   void CheckTail() {

@@ -153,6 +153,12 @@ TEST_F(DocumentCheckTest, ASecondLineThatIsNoCommentIsRefused) {
                 "the second line is no comment of at least 5 characters");
 }
 
+TEST_F(DocumentCheckTest, ALineEndBeforeTheHeaderIsTheReason) {
+  for (const char* end : {"\n", "\r", "\r\n", "\n\n"}) {
+    ExpectRefused(Document("\n", std::string(end) + kHeader), "a line end stands before \"%PDF-\"");
+  }
+}
+
 TEST_F(DocumentCheckTest, ASecondLineOfFourCharactersIsRefusedAndOneOfFiveIsNot) {
   ExpectRefused(Document("\n", kHeader, "%abc\n"), "the second line is no comment of at least 5 characters");
   EXPECT_GT(Check(Document("\n", kHeader, "%abcd\n")), 0);
