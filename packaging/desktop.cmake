@@ -11,5 +11,8 @@ install(FILES icons/${id}-symbolic.svg DESTINATION ${FOLIOWELD_ICON_DIR}/symboli
 
 # The entries name the programs by their whole paths: the folder of folioweld need not be on the desktop's PATH.
 # The path is known for certain at the installation, which may be told another prefix.
-configure_file(desktop_entry.cmake.in desktop_entry.cmake @ONLY)
-install(SCRIPT ${CMAKE_CURRENT_BINARY_DIR}/desktop_entry.cmake COMPONENT window)
+function(folioweld_install_entries component)
+  configure_file(desktop_entry.cmake.in desktop_entry_${component}.cmake @ONLY)
+  install(SCRIPT ${CMAKE_CURRENT_BINARY_DIR}/desktop_entry_${component}.cmake COMPONENT ${component})
+endfunction()
+folioweld_install_entries(window)

@@ -12,7 +12,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[1]
 PAGE = ROOT / "docs" / "messages.md"
-FOLDERS = ("app", "batch", "dirmerge", "engine", "platform", "ui")
+FOLDERS = ("app", "batch", "dirmerge", "engine", "platform", "prepare", "ui")
 
 # Titles of dialogs, the dialogs' filter, and what is written into documents.
 NO_MESSAGE = re.compile(r"Folioweld( -|:) (Please )?[Cc]hoose|PDF Files|/\w+ [(/\[]|trailer <<")
@@ -25,6 +25,8 @@ INTERFACE = {
     "the object table does not cover the objects of both inputs", "a length is kept for an object without a stream",
     "the stream's length is given twice", "the object has no value", "the catalog cannot be rewritten",
     "the root of the page tree does not end with",
+    # libqpdf asks for no such place.
+    "a place before the file's beginning",
     # The program reads its lines without this log.
     "*** Warning! *** Buffer size had to be increased from", "*** Warning! <=",
     "***** WARNING!!! ***** Buffer size remained too small although I retried", "times ***** WARNING!!! <=",

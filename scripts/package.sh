@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# package.sh [FOLDER [BUILD_FOLDER]]: builds the Debian packages folioweld and folioweld-window and puts them into
+# package.sh [FOLDER [BUILD_FOLDER]]: builds the Debian packages folioweld, folioweld-window and folioweld-extras into
 # FOLDER, build/packages unless told otherwise. The same sources and tools give the same bytes.
 set -euo pipefail
 root=$(dirname "$(dirname "$(readlink -f "$0")")")

@@ -17,6 +17,10 @@ WINDOW = {"libexec/folioweld/folioweld-window", f"share/applications/{ID}.deskto
 WINDOW |= {f"share/kio/servicemenus/{ID}.{kind}.desktop" for kind in ("folder", "documents")}
 WINDOW |= {f"share/nemo/actions/folioweld-{kind}.nemo_action" for kind in ("folder", "documents")}
 WINDOW |= {f"share/icons/hicolor/{size}x{size}/apps/{ID}.png" for size in (16, 22, 24, 32, 48, 64, 128, 256)}
+EXTRAS = {"bin/folioweld-prepare", "libexec/folioweld/folioweld-prepare", "share/man/man1/folioweld-prepare.1.gz",
+          f"share/applications/{ID}.AnyPDF.desktop", "share/bash-completion/completions/folioweld-prepare",
+          "share/zsh/site-functions/_folioweld-prepare", "share/fish/vendor_completions.d/folioweld-prepare.fish"}
+PROGRAMS = ("bin/folioweld", "bin/folioweld-prepare", "folioweld/folioweld-window", "folioweld/folioweld-prepare")
 
 
 def beside_documents(folder):
@@ -26,7 +30,7 @@ def beside_documents(folder):
 class Installation(InstallationTest):
     def test_a_stage_gets_every_file_below_the_prefix(self):
         install(self.folder)
-        self.assertEqual(beside_documents(self.folder / "usr/local"), COMMAND | WINDOW)
+        self.assertEqual(beside_documents(self.folder / "usr/local"), COMMAND | WINDOW | EXTRAS)
         self.assertEqual(os.listdir(self.folder), ["usr"])
 
     def test_the_documents_come_with_their_pictures_and_the_examples(self):
@@ -49,7 +53,7 @@ class Installation(InstallationTest):
         install(self.folder)
         for name in tree(self.folder):
             path = self.folder / name
-            program = name.endswith(("bin/folioweld", "folioweld/folioweld-window"))
+            program = name.endswith(PROGRAMS)
             wanted = 0o755 if path.is_dir() or program else 0o644
             self.assertEqual(oct(path.stat().st_mode & 0o7777), oct(wanted), name)
 
@@ -57,9 +61,14 @@ class Installation(InstallationTest):
         install(self.folder, component="command")
         self.assertEqual(beside_documents(self.folder / "usr/local"), COMMAND)
 
+    def test_the_extras_are_a_component_of_their_own(self):
+        install(self.folder, component="extras")
+        self.assertEqual(beside_documents(self.folder / "usr/local"), EXTRAS)
+
     def test_an_installation_that_was_moved_joins_documents(self):
         install(prefix=self.folder / "first place")
         (self.folder / "first place").rename(self.folder / "second")
+        self.assertTrue((self.folder / "second/libexec/folioweld/folioweld-prepare").exists())
         run(self.folder / "second/bin/folioweld", self.folder / "joined.pdf", ROOT / "examples",
             env={"HOME": str(self.folder / "home")})
         run("qpdf", "--check", self.folder / "joined.pdf")

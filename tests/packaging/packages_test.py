@@ -39,15 +39,23 @@ class Packages(FolderTest):
         self.assertIn(f"folioweld (= {VERSION})", depends)
         self.assertTrue(any(entry.startswith("libqt6widgets6 (>=") for entry in depends), depends)
 
-    def test_no_program_is_in_both(self):
+    def test_the_extras_alone_ask_for_libqpdf(self):
+        depends = self.field("folioweld-extras", "Depends").split(", ")
+        self.assertIn(f"folioweld (= {VERSION})", depends)
+        self.assertTrue(any(entry.startswith("libqpdf29 (>=") for entry in depends), depends)
+        for package in ("folioweld", "folioweld-window"):
+            self.assertNotIn("qpdf", self.field(package, "Depends"))
+
+    def test_no_file_is_in_two(self):
         listed = [set(re.findall(r"^-.* \./(.*)$", run("dpkg-deb", "--contents", package), re.MULTILINE))
                   for package in packages().values()]
         self.assertTrue(all(listed))
-        self.assertEqual(listed[0] & listed[1], set())
+        self.assertEqual(len(set.union(*listed)), sum(map(len, listed)))
 
     def test_programs_are_stripped_and_hardened(self):
         for package, program in (("folioweld", "usr/bin/folioweld"),
-                                 ("folioweld-window", "usr/libexec/folioweld/folioweld-window")):
+                                 ("folioweld-window", "usr/libexec/folioweld/folioweld-window"),
+                                 ("folioweld-extras", "usr/bin/folioweld-prepare")):
             run("dpkg-deb", "--extract", packages()[package], self.folder)
             told = run("readelf", "--wide", "--sections", "--dynamic", "--program-headers", self.folder / program)
             self.assertNotIn(".symtab", told)

@@ -59,9 +59,9 @@ def files(folder):
 
 
 def packages():
-    """The two packages by their names."""
+    """The packages by their names."""
     found = {path.name.split("_")[0]: path for path in PACKAGES.glob("*.deb")}
-    if set(found) != {"folioweld", "folioweld-window"}:
+    if set(found) != {"folioweld", "folioweld-window", "folioweld-extras"}:
         raise AssertionError(f"{PACKAGES} holds {sorted(found)}; scripts/package.sh builds the packages")
     return found
 

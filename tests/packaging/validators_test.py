@@ -15,7 +15,8 @@ class Validators(InstallationTest):
         self.share = self.folder / "usr/local/share"
 
     def test_desktop_entry(self):
-        self.assertEqual(run("desktop-file-validate", self.share / f"applications/{ID}.desktop"), "")
+        for name in (ID, f"{ID}.AnyPDF"):
+            self.assertEqual(run("desktop-file-validate", self.share / f"applications/{name}.desktop"), "")
 
     def test_metainfo(self):
         said = run("appstreamcli", "validate", "--pedantic", "--no-net", "--no-color",
@@ -25,9 +26,10 @@ class Validators(InstallationTest):
         self.assertEqual([line for line in remarks if "cid-contains-uppercase-letter" not in line], [], said)
 
     def test_manual_page(self):
-        page = self.folder / "folioweld.1"
-        page.write_bytes(gzip.decompress((self.share / "man/man1/folioweld.1.gz").read_bytes()))
-        self.assertEqual(run("mandoc", "-T", "lint", page), "")
+        for name in ("folioweld.1", "folioweld-prepare.1"):
+            page = self.folder / name
+            page.write_bytes(gzip.decompress((self.share / f"man/man1/{name}.gz").read_bytes()))
+            self.assertEqual(run("mandoc", "-T", "lint", page), "")
 
     def test_manual_page_has_the_sections_that_a_reader_looks_for(self):
         text = gzip.decompress((self.share / "man/man1/folioweld.1.gz").read_bytes()).decode()
