@@ -73,7 +73,7 @@ std::string VersionOf(QPDF& document) {
 }
 
 std::string Words(const QPDFExc& warning) {
-  std::string words = warning.getMessageDetail();
+  const std::string& words = warning.getMessageDetail();
   std::string place = warning.getObject();
   if (warning.getFilePosition() > 0) {
     place += (place.empty() ? "offset " : ", offset ") + std::to_string(warning.getFilePosition());

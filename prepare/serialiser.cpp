@@ -46,13 +46,13 @@ void Serialiser::EndObject() {
   Write("endobj\n");
 }
 
-void Serialiser::WriteObject(int number, QPDFObjectHandle value) {
+void Serialiser::WriteObject(int number, const QPDFObjectHandle& value) {
   BeginObject(number);
   PutValue(value);
   EndObject();
 }
 
-void Serialiser::WriteStream(int number, QPDFObjectHandle dictionary, std::string_view bytes) {
+void Serialiser::WriteStream(int number, const QPDFObjectHandle& dictionary, std::string_view bytes) {
   BeginObject(number);
   lines_.Put("<<");
   lines_.Put("/Length " + std::to_string(bytes.size()));

@@ -45,9 +45,9 @@ class Serialiser {
   /// `version` as in "1.7".
   void WriteHeader(std::string_view version);
   /// Any object but a stream.
-  void WriteObject(int number, QPDFObjectHandle value);
+  void WriteObject(int number, const QPDFObjectHandle& value);
   /// The bytes as they are; /Length is theirs, whatever the dictionary has.
-  void WriteStream(int number, QPDFObjectHandle dictionary, std::string_view bytes);
+  void WriteStream(int number, const QPDFObjectHandle& dictionary, std::string_view bytes);
   /// Tells where an object stands that the file had before.
   void SetOffset(int number, std::int64_t offset);
   /// One table of one subsection with all numbers up to the highest, of which those without an object are
