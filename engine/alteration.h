@@ -17,6 +17,7 @@ enum class AlterationKind : std::uint8_t {
   PageTreeHasParent,     ///< the root of the page tree, which gets a /Parent, has one
   StartXrefDisputed,     ///< others take another one of two "startxref"
   TrailerReadOtherwise,  ///< others read another value in the trailer
+  HybridPartLost,        ///< what only the cross-reference stream beside the table lists
   KeyRepeated,           ///< of the trailer, the catalog or the root of the page tree
   LayersShown,           ///< the lost catalog hides layers
   OutputIntentLost,      ///< the lost catalog has a printing condition

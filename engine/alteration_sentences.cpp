@@ -16,12 +16,10 @@ const char* Words(AlterationKind kind) {
              "its place";
     case AlterationKind::PageCountWrong:
       return "/Count is not the number of pages that /Kids lead to, and pages of other documents can be "
-             "missing "
-             "for it";
+             "missing for it";
     case AlterationKind::PageTreeRepeated:
       return "/Kids lead to an object that the page tree has led to before, and pages of other documents can "
-             "be "
-             "missing for it";
+             "be missing for it";
     case AlterationKind::PageTreeIncomplete:
       return "/Kids lead to an object that is no page, and pages of other documents can be missing for it";
     case AlterationKind::PageTreeHasParent:
@@ -30,6 +28,8 @@ const char* Words(AlterationKind kind) {
       return "two \"startxref\" stand at the end of the file, and other programs take the last one";
     case AlterationKind::TrailerReadOtherwise:
       return "other programs read another value in the trailer";
+    case AlterationKind::HybridPartLost:
+      return "what only the cross-reference stream of its trailer lists is not in the output";
     case AlterationKind::KeyRepeated:
       return "a key is given twice, and programs differ in which one they take";
     case AlterationKind::LayersShown:
@@ -45,16 +45,14 @@ const char* Words(AlterationKind kind) {
       return "a string over several lines loses the blanks before their ends and its empty lines";
     case AlterationKind::ReferenceNotSeen:
       return "a reference with a tab, a form feed, a NUL, a comment or more than ten digits keeps its "
-             "number, "
-             "and leads to an object of another document";
+             "number, and leads to an object of another document";
     case AlterationKind::ReferenceToLater:
       return "a reference to an object that the document does not have leads to one of a later document";
     case AlterationKind::ReferenceToFiller:
       return "a reference to object 0, which is never one, leads to an object of the output";
     case AlterationKind::GenerationChanged:
       return "the object's header gives another generation than the cross-reference table, and the output "
-             "has "
-             "that of the table";
+             "has that of the table";
     case AlterationKind::ObjectLeftOut:
       return "the object is in use, but with the generation 65535 of free ones, and is not in the output";
     case AlterationKind::ObjectCutShort:

@@ -73,6 +73,9 @@ void CheckTrailer(const ReadInput& input, MergeShell& shell, const XrefSectionIn
   if (isNewest && !ValueOf(input.State, firstRow, "/Encrypt").empty()) {
     Note(input, section, AlterationKind::Encrypted, "");
   }
+  if (!ValueOf(input.State, firstRow, "/XRefStm").empty()) {
+    Note(input, section, AlterationKind::HybridPartLost, "/XRefStm");
+  }
   if (!CheckRepeatedKeys(input, shell, firstRow, -1, section.FirstByte)) Compare(input, section, firstRow);
 }
 

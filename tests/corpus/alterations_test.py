@@ -180,6 +180,25 @@ class Alterations(unittest.TestCase):
         self.assertIn("/OutputIntents", str(self.catalog(second)))
         self.assertNotIn("/OutputIntents", str(self.catalog(output)))
 
+    def test_object_that_only_the_cross_reference_stream_lists(self):
+        objects = plain("b") | {5: text("hidden")}
+        objects[3] = page(4).replace("/Contents 4 0 R", "/Contents 5 0 R")
+        data = document(objects, "/Root 1 0 R\n/XRefStm 0000000000", table={5: "0000000000 65535 f"})
+        place = data.index(b"5 0 obj").to_bytes(4, "big")
+        entries = b"\x01" + place + b"\x00\x00"
+        start = data.index(b"xref\n0 ")
+        table = b"9 0 obj\n<</Type/XRef/Size 10/Index[5 1]/W[1 4 2]/Root 1 0 R/Length 7>>\nstream\n" + entries + b"\nendstream\nendobj\n"
+        data = data[:start] + table + data[start:].replace(b"0000000000\n>>", b"%010d\n>>" % start)
+        data = data.replace(b"startxref\n%d\n" % start, b"startxref\n%d\n" % (start + len(table)))
+        first, second, output = self.joined("what only the cross-reference stream", document(plain("a")), data)
+        self.assertEqual((["hidden"], ["a"]), (self.texts(second), self.texts(output)))
+
+    def test_generation_that_the_table_does_not_give(self):
+        wrong = document(plain("a") | {5: "[/Marked]"}).replace(b"5 0 obj", b"5 1 obj")
+        first, output = self.joined("another generation than the cross-reference table", wrong)
+        self.assertIsNone(self.qpdf(first)["obj:5 0 R"]["value"])
+        self.assertEqual(["/Marked"], self.qpdf(output)["obj:5 0 R"]["value"])
+
     def test_stream_that_is_longer_than_its_length(self):
         short = plain("a") | {4: "<</Length 5>>" + text("a").partition(">>")[2]}
         first, output = self.joined('"endstream" does not stand', document(short))

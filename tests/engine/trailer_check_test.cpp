@@ -40,6 +40,7 @@ std::string Told(const std::string& document) {
       const char* kind = found.Kind == Kind::Encrypted              ? "encrypted"
                          : found.Kind == Kind::StartXrefDisputed    ? "startxref"
                          : found.Kind == Kind::TrailerReadOtherwise ? "trailer"
+                         : found.Kind == Kind::HybridPartLost       ? "hybrid"
                          : found.Kind == Kind::KeyRepeated          ? "repeated"
                                                                     : nullptr;
       // The tests' own references are odd as well.
@@ -76,6 +77,15 @@ TEST(TrailerCheck, TellsOfEncryptionOnlyWhereItIs) {
                             "/A(/Encrypt 6 0 R)", "/B 1% /Encrypt 6 0 R\n", "/Encrypt#20 6 0 R"}) {
     EXPECT_EQ(Told(WithTrailer(std::string("/Root 1 0 R/Size 7\n") + entry).Build()), "") << entry;
   }
+}
+
+TEST(TrailerCheck, TellsOfACrossReferenceStreamBesideTheTableOfAnyRevision) {
+  EXPECT_EQ(Told(WithTrailer("/Size 7/Root 1 0 R/XRefStm 15").Build()), "hybrid -1: /XRefStm; ");
+  EXPECT_EQ(Told(WithTrailer("/Size 7/Root 1 0 R\n/XRef#53tm\n15").Build()), "hybrid -1: /XRefStm; ");
+  DocumentBuilder builder = Page().Trailer("/Size 7/Root 1 0 R/XRefStm 15");
+  builder.EndRevision().Object(6, "<<>>").EndRevision();
+  EXPECT_EQ(Told(builder.Build()), "hybrid -1: /XRefStm; ");
+  EXPECT_EQ(Told(WithTrailer("/Size 7/Root 1 0 R/XRefStmX 15/A/XRefStm").Build()), "");
 }
 
 TEST(TrailerCheck, TellsOfAKeyThatCountsByItsBeginning) {
