@@ -313,6 +313,19 @@ int PosixApi::ProcessorCount() {
   return ::sched_getaffinity(0, sizeof processors, &processors) < 0 ? 1 : CPU_COUNT(&processors);
 }
 
+SystemResult<PosixApi::Process> PosixApi::ParentOfProcess(Process process) {
+  const std::string name = "/proc/" + std::to_string(process) + "/stat";
+  const int file = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
+  if (file < 0) return LastError();
+  std::array<char, 256> text{};
+  const bool told = ::read(file, text.data(), text.size() - 1) > 0;
+  ::close(file);
+  // The program's name stands in parentheses and may hold any itself; a letter for the state follows.
+  const char* after = std::strrchr(text.data(), ')');
+  if (!told || after == nullptr || std::strlen(after) < 5) return SystemError{ESRCH};
+  return static_cast<Process>(std::strtol(after + 4, nullptr, 10));
+}
+
 SystemError PosixApi::TerminateProcess(Process process) {
   // 0 and below would reach whole groups of processes.
   return process > 0 ? Outcome(::kill(process, SIGTERM)) : SystemError{ESRCH};

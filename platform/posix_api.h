@@ -51,6 +51,7 @@ class PosixApi : public WindowsAPI {
   SystemError KillProcess(Process child) override;
   void WaitForInput(const std::vector<Handle>& handles, int milliseconds) override;
   int ProcessorCount() override;
+  SystemResult<Process> ParentOfProcess(Process process) override;
   SystemError TerminateProcess(Process process) override;
   SystemError LimitProcess(const ProcessLimits& limits) override;
 

@@ -179,6 +179,8 @@ class WindowsAPI {
   virtual void WaitForInput(const std::vector<Handle>& handles, int milliseconds) = 0;
   /// How many processors this process may use; at least 1.
   virtual int ProcessorCount() = 0;
+  /// The process that started another one, or the one that took it over since.
+  virtual SystemResult<Process> ParentOfProcess(Process process) = 0;
   /// Asks a process to end, in the way that it may refuse or take its time over.
   virtual SystemError TerminateProcess(Process process) = 0;
 

@@ -1,11 +1,11 @@
 #include "ui/desktop_viewer.h"
 
+#include <algorithm>
 #include <cstring>
 #include <gio/gdesktopappinfo.h>
 #include <gio/gio.h>
 #include <string_view>
-
-#include "ui/x11_windows.h"
+#include <utility>
 
 namespace folioweld {
 
@@ -15,6 +15,8 @@ template <typename T>
 struct GlibDeleter {
   void operator()(T* memory) const { g_free(memory); }
 };
+
+constexpr char kServiceKey[] = "DBusActivatable";
 
 using GlibText = std::unique_ptr<char, GlibDeleter<char>>;
 
@@ -51,6 +53,32 @@ extern "C" void RememberProcess(GDesktopAppInfo* /*program*/, GPid process, gpoi
   *static_cast<ViewerProcess*>(place) = process;
 }
 
+/// The entry without what makes the desktop's library start it as a service, so that its command is used.
+GDesktopAppInfo* WithoutService(GDesktopAppInfo* program) {
+  GKeyFile* entry = g_key_file_new();
+  GDesktopAppInfo* without = nullptr;
+  if (g_key_file_load_from_file(entry, g_desktop_app_info_get_filename(program), G_KEY_FILE_NONE, nullptr)) {
+    g_key_file_remove_key(entry, G_KEY_FILE_DESKTOP_GROUP, kServiceKey, nullptr);
+    without = g_desktop_app_info_new_from_keyfile(entry);
+  }
+  g_key_file_free(entry);
+  return without;
+}
+
+/// The name of the service that the entry speaks of; empty when it is none.
+std::string ServiceOf(GDesktopAppInfo* program) {
+  if (!g_desktop_app_info_get_boolean(program, kServiceKey)) return {};
+  constexpr std::string_view kSuffix = ".desktop";
+  std::string name = g_app_info_get_id(G_APP_INFO(program));
+  if (!name.ends_with(kSuffix)) return {};
+  name.resize(name.size() - kSuffix.size());
+  return g_dbus_is_name(name.c_str()) && g_dbus_is_interface_name(name.c_str()) ? name : std::string();
+}
+
+std::string UriOf(const std::string& document) {
+  return Taken(g_filename_to_uri(document.c_str(), nullptr, nullptr));
+}
+
 }  // namespace
 
 struct DesktopViewer::Association {
@@ -59,10 +87,20 @@ struct DesktopViewer::Association {
   Association& operator=(const Association&) = delete;
   ~Association() { g_object_unref(Program); }
 
-  GDesktopAppInfo* const Program;
+  GDesktopAppInfo* Program;
+  std::string Service;  ///< empty = none
 };
 
-DesktopViewer::DesktopViewer() = default;
+struct DesktopViewer::Asked {
+  Asked(const std::string& service, const std::string& uri)
+      : Before(Windows.Managed()), Request(service, uri) {}
+
+  X11Windows Windows;
+  std::vector<X11Windows::Window> Before;
+  ServiceRequest Request;
+};
+
+DesktopViewer::DesktopViewer(WindowsAPI& system) : system_(system) {}
 DesktopViewer::~DesktopViewer() = default;
 
 std::string DesktopViewer::FindPdfReader(const std::string& extension) {
@@ -76,13 +114,18 @@ std::string DesktopViewer::FindPdfReader(const std::string& extension) {
     return {};
   }
   association_ = std::make_unique<Association>(G_DESKTOP_APP_INFO(program));
+  association_->Service = ServiceOf(association_->Program);
+  GDesktopAppInfo* const command =
+      association_->Service.empty() ? nullptr : WithoutService(association_->Program);
+  if (command != nullptr) g_object_unref(std::exchange(association_->Program, command));
   return path;
 }
 
 bool DesktopViewer::LaunchProcess(const std::string& document, ViewerProcess& process) {
   process = 0;
+  asked_.reset();
   if (!association_) return false;
-  const std::string uri = Taken(g_filename_to_uri(document.c_str(), nullptr, nullptr));
+  const std::string uri = UriOf(document);
   if (uri.empty()) return false;
   GList* uris = g_list_append(nullptr, const_cast<char*>(uri.c_str()));
   // Not reaped by GLib, so that the process can be watched.
@@ -94,7 +137,66 @@ bool DesktopViewer::LaunchProcess(const std::string& document, ViewerProcess& pr
 }
 
 bool DesktopViewer::CloseThreadWindows(ViewerProcess process) {
-  return CloseX11Windows(process);
+  const X11Windows windows;
+  return windows.Close(WindowsOf(windows, process));
+}
+
+bool DesktopViewer::AskService(const std::string& document) {
+  asked_.reset();
+  if (!association_ || association_->Service.empty()) return false;
+  const std::string uri = UriOf(document);
+  if (uri.empty()) return false;
+  asked_ = std::make_unique<Asked>(association_->Service, uri);
+  return true;
+}
+
+ViewerDesktop::Answer DesktopViewer::ServiceAnswer() {
+  switch (asked_ ? asked_->Request.Now() : ServiceRequest::State::Failed) {
+    case ServiceRequest::State::Asked:
+      return Answer::None;
+    case ServiceRequest::State::Answered:
+      return Answer::Given;
+    case ServiceRequest::State::Failed:
+      return Answer::Refused;
+  }
+  return Answer::Refused;
+}
+
+bool DesktopViewer::ServiceHasWindow() {
+  return !ServiceWindows().empty();
+}
+
+void DesktopViewer::CloseServiceWindows() {
+  if (asked_) asked_->Windows.Close(ServiceWindows());
+}
+
+std::vector<X11Windows::Window> DesktopViewer::ServiceWindows() {
+  if (!asked_ || asked_->Request.Process() <= 0) return {};
+  auto windows = WindowsOf(asked_->Windows, asked_->Request.Process());
+  // Those that were there before show other documents.
+  const auto& before = asked_->Before;
+  std::erase_if(windows, [&](X11Windows::Window window) {
+    return std::find(before.begin(), before.end(), window) != before.end();
+  });
+  return windows;
+}
+
+std::vector<X11Windows::Window> DesktopViewer::WindowsOf(const X11Windows& windows, ViewerProcess process) {
+  std::vector<X11Windows::Window> found;
+  for (const X11Windows::Window window : windows.Managed()) {
+    if (windows.IsOf(window, [&](int owner) { return IsOrDescendsFrom(owner, process); }))
+      found.push_back(window);
+  }
+  return found;
+}
+
+bool DesktopViewer::IsOrDescendsFrom(ViewerProcess process, ViewerProcess ancestor) {
+  while (process > 1 && process != ancestor) {
+    const auto parent = system_.ParentOfProcess(process);
+    if (!parent.Ok()) return false;
+    process = parent.Value();
+  }
+  return process == ancestor;
 }
 
 }  // namespace folioweld

@@ -38,7 +38,7 @@ int RunWindowProgram(int argc, char** argv, const Arguments& arguments, LogReade
   // The main window decides when the program ends, and with which status.
   QApplication::setQuitOnLastWindowClosed(false);
   QtDialogs dialogs;
-  DesktopViewer desktop;
+  DesktopViewer desktop(RealSystem());
   Folioweld window(RealSystem(), dialogs, desktop, arguments);
   dialogs.SetOwner(&window);
   window.ShowLogTo(std::move(reader));

@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
+#include <optional>
 #include <string>
-#include <vector>
+#include <xcb/res.h>
 #include <xcb/xcb.h>
 
 namespace folioweld {
@@ -24,7 +24,9 @@ using Reply = std::unique_ptr<T, FreeDeleter>;
 /// Longest property read, in units of four bytes.
 constexpr std::uint32_t kLongestProperty = 65536;
 
-class Display {
+}  // namespace
+
+class X11Windows::Display {
  public:
   Display() : connection_(xcb_connect(nullptr, &screenNumber_)) {}
   Display(const Display&) = delete;
@@ -44,16 +46,17 @@ class Display {
     return windows;
   }
 
-  [[nodiscard]] bool BelongsTo(xcb_window_t window, int process) const {
+  [[nodiscard]] bool IsOf(xcb_window_t window, const IsWanted& wanted) const {
+    if (const auto told = ProcessOf(window)) return wanted(*told);
     const auto id = Numbers(window, Atom("_NET_WM_PID"), XCB_ATOM_CARDINAL);
-    if (id.size() != 1 || id[0] != static_cast<std::uint32_t>(process)) return false;
+    if (id.size() != 1 || !wanted(static_cast<int>(id[0]))) return false;
     // The same number on another machine is another process.
     const std::string machine = Text(window, XCB_ATOM_WM_CLIENT_MACHINE);
     return machine.empty() || machine == QSysInfo::machineHostName().toStdString();
   }
 
-  /// False when the window does not understand the request.
-  [[nodiscard]] bool RequestClose(xcb_window_t window) const {
+  /// Asks one of the viewer's windows to close. False when it does not understand the request.
+  [[nodiscard]] bool CloseWindowCallback(xcb_window_t window) const {
     const xcb_atom_t protocols = Atom("WM_PROTOCOLS");
     const xcb_atom_t request = Atom("WM_DELETE_WINDOW");
     bool understood = false;
@@ -85,6 +88,24 @@ class Display {
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
   }
 
+  /// The process that made the window, where the server knows: it is on this machine then.
+  [[nodiscard]] std::optional<int> ProcessOf(xcb_window_t window) const {
+    const auto* extension = xcb_get_extension_data(connection_, &xcb_res_id);
+    if (extension == nullptr || extension->present == 0) return {};
+    const xcb_res_client_id_spec_t wanted{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+    const auto cookie = xcb_res_query_client_ids(connection_, 1, &wanted);
+    const Reply<xcb_res_query_client_ids_reply_t> reply(
+        xcb_res_query_client_ids_reply(connection_, cookie, nullptr));
+    if (!reply) return {};
+    auto ids = xcb_res_query_client_ids_ids_iterator(reply.get());
+    for (; ids.rem > 0; xcb_res_client_id_value_next(&ids)) {
+      if ((ids.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) == 0) continue;
+      if (xcb_res_client_id_value_value_length(ids.data) != 1) continue;
+      return static_cast<int>(*xcb_res_client_id_value_value(ids.data));
+    }
+    return {};
+  }
+
   [[nodiscard]] Reply<xcb_get_property_reply_t> Property(xcb_window_t window, xcb_atom_t name,
                                                          xcb_atom_t type) const {
     const auto cookie = xcb_get_property(connection_, 0, window, name, type, 0, kLongestProperty);
@@ -110,21 +131,27 @@ class Display {
   xcb_connection_t* connection_;
 };
 
-/// Asks one window of those looked through to close. False when it is not the process's, or cannot be asked.
-bool CloseWindowCallback(const Display& display, xcb_window_t window, int process) {
-  return display.BelongsTo(window, process) && display.RequestClose(window);
+X11Windows::X11Windows() : display_(std::make_unique<Display>()) {
+  if (!display_->Open()) display_.reset();
 }
 
-}  // namespace
+X11Windows::~X11Windows() = default;
 
-bool CloseX11Windows(int process) {
-  const Display display;
-  if (!display.Open()) return false;
+std::vector<X11Windows::Window> X11Windows::Managed() const {
+  return display_ ? display_->ManagedWindows() : std::vector<Window>();
+}
+
+bool X11Windows::IsOf(Window window, const IsWanted& wanted) const {
+  return display_ && display_->IsOf(window, wanted);
+}
+
+bool X11Windows::Close(const std::vector<Window>& windows) const {
+  if (!display_) return false;
   bool asked = false;
-  for (const xcb_window_t window : display.ManagedWindows()) {
-    if (CloseWindowCallback(display, window, process)) asked = true;
+  for (const Window window : windows) {
+    if (display_->CloseWindowCallback(window)) asked = true;
   }
-  display.Finish();
+  display_->Finish();
   return asked;
 }
 

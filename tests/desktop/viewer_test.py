@@ -5,6 +5,7 @@ import os
 import shlex
 import signal
 import subprocess
+import sys
 from pathlib import Path
 
 from case import DesktopTest, main
@@ -14,6 +15,8 @@ from drag import PROGRAM as OTHER_PROGRAM
 from window import CLOSE_VIEWER, EXIT, FIRST, GO, OUTPUT, SECOND, SWAP, clear, select
 
 REAL_VIEWER = "org.pwmt.zathura.desktop"
+PLAIN_VIEWER = [sys.executable, "-B", Path(__file__).with_name("plain_viewer.py")]
+SERVICE = "org.example.Reader"
 
 
 class Viewer(DesktopTest):
@@ -88,6 +91,104 @@ class Viewer(DesktopTest):
             for other in others:
                 other.kill()
                 other.wait()
+
+    def plain_windows(self):
+        return [window for window in self.screen.managed() if self.screen.title(window) == "plain"]
+
+    def plain_command(self, *options):
+        return shlex.join(map(str, (*PLAIN_VIEWER, *options)))
+
+    def test_the_windows_of_what_the_viewer_started_are_closed_too(self):
+        self.with_script(f"{self.plain_command()}\nexit\n")
+        window = self.join()
+        self.wait(self.plain_windows, "the viewer's window")
+        window.click(CLOSE_VIEWER)
+        self.wait_idle(window)
+        self.assertEqual(self.plain_windows(), [])
+
+    def test_the_server_and_not_the_window_says_whose_it_is(self):
+        number = self.folder / "number"
+        # The viewer has no window that says so, and another program has one that says it is the viewer's.
+        self.with_script(f"echo $$ > {shlex.quote(str(number))}.new\n"
+                         f"mv {shlex.quote(str(number))}.new {shlex.quote(str(number))}\n"
+                         f"exec {self.plain_command('--says', 1)}\n")
+        window = self.join()
+        self.wait(self.plain_windows, "the viewer's window")
+        (shown,) = self.plain_windows()
+        other = self.desktop.start([*PLAIN_VIEWER, "--says", number.read_text().strip()], self.environment)
+        try:
+            self.wait(lambda: len(self.plain_windows()) == 2, "the other window")
+            window.click(CLOSE_VIEWER)
+            self.wait_idle(window)
+            self.assertNotIn(shown, self.plain_windows())
+            self.assertEqual(len(self.plain_windows()), 1)
+            self.assertIsNone(other.poll())
+        finally:
+            other.kill()
+            other.wait()
+
+    def with_service_entry(self):
+        """A viewer whose entry is that of a service; its command is another one."""
+        applications = Path(self.environment["XDG_DATA_HOME"]) / "applications"
+        applications.mkdir(exist_ok=True)
+        self.commanded = self.folder / "commanded"
+        (applications / f"{SERVICE}.desktop").write_text(
+            "[Desktop Entry]\nType=Application\nName=Reader\nMimeType=application/pdf;\nDBusActivatable=true\n"
+            f"Exec=touch {self.commanded}\n")
+        self.choose_viewer(f"{SERVICE}.desktop")
+
+    def with_service(self, *options):
+        self.with_service_entry()
+        service = self.desktop.start([*PLAIN_VIEWER, "--service", SERVICE, *options], self.environment)
+        self.addCleanup(service.wait)
+        self.addCleanup(service.kill)
+
+        def names():
+            return subprocess.run(["gdbus", "call", "--session", "-d", "org.freedesktop.DBus", "-o", "/", "-m",
+                                   "org.freedesktop.DBus.ListNames"], env=self.environment, check=True,
+                                  capture_output=True, text=True).stdout
+
+        self.wait(lambda: SERVICE in names(), "the service is on the bus")
+        return service
+
+    def test_the_window_of_a_service_is_waited_for_and_closed(self):
+        service = self.with_service()
+        window = self.join()
+        self.wait(self.plain_windows, "the window of the service")
+        self.wait_viewer_mode(window)
+        window.click(CLOSE_VIEWER)
+        self.wait_idle(window)
+        self.wait(lambda: service.poll() == 0, "the service ends with its window")
+        self.assertFalse(self.commanded.exists())
+
+    def test_a_service_whose_window_is_closed_ends_the_wait(self):
+        self.with_service()
+        window = self.join()
+        (shown,) = self.wait(self.plain_windows, "the window of the service")
+        self.wait_viewer_mode(window)
+        self.screen.press_close_box(shown)
+        self.wait_idle(window)
+
+    def test_a_service_without_a_window_ends_the_wait(self):
+        service = self.with_service("--windowless")
+        window = self.join()
+        window.wait_finished()
+        self.wait_idle(window)
+        self.assertFalse(self.commanded.exists())
+        self.assertIsNone(service.poll())
+
+    def test_the_command_is_started_where_the_service_does_not_answer(self):
+        service = self.with_service("--silent")
+        window = self.join()
+        self.wait(self.commanded.exists, "the command is started")
+        self.wait_idle(window)
+        self.assertIsNone(service.poll())
+
+    def test_the_command_is_started_where_there_is_no_service(self):
+        self.with_service_entry()
+        window = self.join()
+        self.wait(self.commanded.exists, "the command is started")
+        self.wait_idle(window)
 
     def test_a_viewer_that_ends_by_itself_ends_the_wait(self):
         end = self.folder / "end"

@@ -17,6 +17,7 @@
 #include <poll.h>
 #include <string>
 #include <sys/ioctl.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -172,6 +173,24 @@ TEST(PosixProcessTest, AProcessCanBeAskedToEndAndAGroupCannot) {
   EXPECT_EQ(system.TerminateProcess(child).Code, ESRCH);
   EXPECT_EQ(system.TerminateProcess(0).Code, ESRCH);
   EXPECT_EQ(system.TerminateProcess(-1).Code, ESRCH);
+}
+
+TEST(PosixProcessTest, KnowsTheParentOfAProcessWhileThatLives) {
+  PosixApi system;
+  EXPECT_EQ(system.ParentOfProcess(::getpid()).Value(), ::getppid());
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::prctl(PR_SET_NAME, "a) R 1 (b");
+    ::kill(::getpid(), SIGSTOP);
+    ::_exit(0);
+  }
+  int status = 0;
+  EXPECT_EQ(::waitpid(child, &status, WUNTRACED), child);
+  EXPECT_EQ(system.ParentOfProcess(child).Value(), ::getpid()) << "whatever the program is called";
+  ::kill(child, SIGKILL);
+  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_EQ(system.ParentOfProcess(child).Error().Code, ENOENT);
+  EXPECT_FALSE(system.ParentOfProcess(-1).Ok());
 }
 
 TEST(PosixProcessTest, MemoryKeepsWhatItHoldsWhenLargePagesAreAskedFor) {

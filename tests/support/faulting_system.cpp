@@ -191,6 +191,12 @@ SystemError FaultingSystem::KillProcess(Process child) {
   return fault.Error != 0 ? SystemError{fault.Error} : PosixApi::KillProcess(child);
 }
 
+SystemResult<WindowsAPI::Process> FaultingSystem::ParentOfProcess(Process process) {
+  const Fault fault = Count("ParentOfProcess");
+  if (fault.Error != 0) return SystemError{fault.Error};
+  return PosixApi::ParentOfProcess(process);
+}
+
 SystemError FaultingSystem::TerminateProcess(Process process) {
   const Fault fault = Count("TerminateProcess");
   return fault.Error != 0 ? SystemError{fault.Error} : PosixApi::TerminateProcess(process);

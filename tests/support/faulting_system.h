@@ -68,6 +68,7 @@ class FaultingSystem : public PosixApi {
                                             const std::vector<Handle>& kept) override;
   SystemResult<std::optional<int>> ExitOfProcess(Process child) override;
   SystemError KillProcess(Process child) override;
+  SystemResult<Process> ParentOfProcess(Process process) override;
   SystemError TerminateProcess(Process process) override;
   std::int64_t MillisecondsNow() override { return PosixApi::MillisecondsNow() + MillisecondsAhead; }
   SystemResult<std::string> GetModuleFileName() override {

@@ -56,7 +56,7 @@ class DesktopViewerTest : public ::testing::Test {
 
   static std::unique_ptr<TempFolder> home_;
   PosixApi system_;
-  DesktopViewer desktop_;
+  DesktopViewer desktop_{system_};
 };
 
 std::unique_ptr<TempFolder> DesktopViewerTest::home_;

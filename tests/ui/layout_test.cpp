@@ -86,7 +86,10 @@ TEST(SortingOptionsLayoutTest, TheControlsStandWhereTheDesignHasThem) {
 }
 
 TEST(SortingOptionsLayoutTest, TheDialogIsInTheMiddleOfTheScreen) {
-  SortingOptions dialog(nullptr);
+  QWidget window;
+  window.setGeometry(0, 0, 50, 50);
+  window.show();
+  SortingOptions dialog(&window);
   dialog.show();
   const QPoint off = dialog.frameGeometry().center() - dialog.screen()->geometry().center();
   EXPECT_LE(off.manhattanLength(), 2);

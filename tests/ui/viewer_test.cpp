@@ -144,6 +144,84 @@ TEST_F(ViewerLaunchTest, APressBegunOnCloseDisplayWindowDoesNotCountOnExit) {
   EXPECT_FALSE(ended_);
 }
 
+class ServiceLaunchTest : public ViewerLaunchTest {
+ protected:
+  void SetUp() override {
+    ViewerLaunchTest::SetUp();
+    desktop_.IsService = true;
+  }
+
+  void ExpectIdle() {
+    EXPECT_EQ(desktop_.AskedFor, std::vector{folder_.File("joined.pdf")});
+    EXPECT_EQ(Caption("cmdCancel"), "Exit");
+    EXPECT_EQ(DefaultButton(), "cmdOK");
+    EXPECT_FALSE(Merge().AbortRequested);
+    EXPECT_FALSE(Window().Program().ExternalBusy);
+    EXPECT_FALSE(ended_);
+  }
+};
+
+TEST_F(ServiceLaunchTest, TheCommandIsStartedWhereTheServiceDoesNotAnswer) {
+  WhenWatched([this] { EXPECT_TRUE(desktop_.Launched.empty()) << "it has some seconds to answer"; });
+  AtEveryTurn([this] {
+    if (!desktop_.Launched.empty()) system_.ViewerRuns = false;
+  });
+  Click("cmdOK");
+  EXPECT_TRUE(seen_);
+  EXPECT_EQ(desktop_.Launched, desktop_.AskedFor);
+  ExpectIdle();
+}
+
+TEST_F(ServiceLaunchTest, TheCommandIsStartedAtOnceWhereTheServiceRefuses) {
+  desktop_.ServiceSays = ViewerDesktop::Answer::Refused;
+  desktop_.EndsAtOnce = true;
+  Click("cmdOK");
+  EXPECT_EQ(desktop_.Launched, desktop_.AskedFor);
+  ExpectIdle();
+}
+
+TEST_F(ServiceLaunchTest, CancelIsHeardBeforeTheServiceAnswers) {
+  WhenWatched([this] { Click("cmdCancel"); });
+  Click("cmdOK");
+  EXPECT_TRUE(seen_);
+  EXPECT_TRUE(desktop_.Launched.empty());
+  EXPECT_TRUE(system_.Terminated.empty());
+  ExpectIdle();
+}
+
+TEST_F(ServiceLaunchTest, TheWindowOfTheServiceIsWaitedFor) {
+  desktop_.ServiceSays = ViewerDesktop::Answer::Given;
+  desktop_.ServiceWindow = true;
+  int turns = 0;
+  AtEveryTurn([this, &turns] {
+    // Longer than a service has until its window is there.
+    if (Watched() && ++turns == 30) desktop_.ServiceWindow = false;
+  });
+  Click("cmdOK");
+  EXPECT_GE(turns, 30);
+  EXPECT_TRUE(desktop_.Launched.empty());
+  EXPECT_EQ(desktop_.ServiceWindowsClosed, 0);
+  ExpectIdle();
+}
+
+TEST_F(ServiceLaunchTest, CloseDisplayWindowAsksTheWindowsOfTheServiceAndEndsNoProcess) {
+  desktop_.ServiceSays = ViewerDesktop::Answer::Given;
+  desktop_.ServiceWindow = true;
+  WhenWatched([this] { Click("cmdCancel"); });
+  Click("cmdOK");
+  EXPECT_EQ(desktop_.ServiceWindowsClosed, 1);
+  EXPECT_TRUE(system_.Terminated.empty());
+  EXPECT_TRUE(desktop_.Asked.empty());
+  ExpectIdle();
+}
+
+TEST_F(ServiceLaunchTest, AServiceThatOpensNoWindowIsNotWaitedFor) {
+  desktop_.ServiceSays = ViewerDesktop::Answer::Given;
+  Click("cmdOK");
+  EXPECT_TRUE(desktop_.Launched.empty());
+  ExpectIdle();
+}
+
 TEST_F(WindowTest, TheReaderIsLookedUpOnceAtLoad) {
   Open();
   EXPECT_EQ(desktop_.Extensions, std::vector<std::string>{"pdf"});

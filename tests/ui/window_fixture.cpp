@@ -69,6 +69,15 @@ bool FakeDesktop::LaunchProcess(const std::string& document, ViewerProcess& proc
   return Starts;
 }
 
+bool FakeDesktop::AskService(const std::string& document) {
+  if (IsService) AskedFor.push_back(document);
+  return IsService;
+}
+
+void FakeDesktop::CloseServiceWindows() {
+  ++ServiceWindowsClosed;
+}
+
 bool FakeDesktop::CloseThreadWindows(ViewerProcess process) {
   Asked.push_back(process);
   return HasWindows;

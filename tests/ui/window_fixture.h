@@ -78,12 +78,21 @@ class FakeDesktop : public ViewerDesktop {
   std::string FindPdfReader(const std::string& extension) override;
   bool LaunchProcess(const std::string& document, ViewerProcess& process) override;
   bool CloseThreadWindows(ViewerProcess process) override;
+  bool AskService(const std::string& document) override;
+  Answer ServiceAnswer() override { return ServiceSays; }
+  bool ServiceHasWindow() override { return ServiceWindow; }
+  void CloseServiceWindows() override;
 
   std::string Reader = "/usr/bin/some reader";
   bool Starts = true;
   bool EndsAtOnce = false;
   bool HasWindows = true;
+  bool IsService = false;
+  Answer ServiceSays = Answer::None;
+  bool ServiceWindow = false;
+  int ServiceWindowsClosed = 0;
   std::vector<std::string> Extensions;
+  std::vector<std::string> AskedFor;
   std::vector<std::string> Launched;
   std::vector<ViewerProcess> Asked;
 
