@@ -25,6 +25,15 @@ class AlteredDocuments : public testing::DirectoryMergeFixture {
     folder_.Write("docs/" + name, builder.Build());
   }
 
+  /// A document with an entry of its page; its objects are 0 to 3, and so are those of every other one here.
+  void AddWithEntry(const std::string& name, const std::string& entry = {}) const {
+    DocumentBuilder builder;
+    builder.Object(1, "<</Type/Catalog/Pages 2 0 R>>")
+        .Object(2, "<</Type/Pages/Kids[3 0 R]/Count 1>>")
+        .Object(3, "<</Type/Page/Parent 2 0 R/MediaBox[0 0 9 9]" + entry + ">>");
+    folder_.Write("docs/" + name, builder.Build());
+  }
+
   /// The names of the documents that notices are about, one for each notice.
   [[nodiscard]] Names ToldDocuments() const {
     Names told;
@@ -86,6 +95,31 @@ TEST_F(AlteredDocuments, AreNamedWhereTheyShowInALaterRoundOnly) {
             "[Folioweld-cmdOK]=>\"" + Doc("c") +
                 "\", object 4: a field is drawn by the form in its catalog, which is lost, and can look "
                 "otherwise or empty");
+}
+
+/// The first pair has numbers 0 to 7; the third document gets 8 to 11 when the pairs are joined.
+TEST_F(AlteredDocuments, WithAReferenceToANumberOfALaterRoundAreNamedThen) {
+  AddWithEntry("a", "/A 11 0 R");
+  for (const char* name : {"b", "c", "d"}) AddWithEntry(name);
+  EXPECT_EQ(Merge().AlteredDocuments, Names{"a"});
+  ASSERT_EQ(shell_.Notices.size(), 1U);
+  EXPECT_EQ(
+      shell_.Notices[0],
+      "[Folioweld-cmdOK]=>\"" + Doc("a") +
+          "\", object 3: a reference to an object that the document does not have leads to one of a later "
+          "document (11 0 R)");
+}
+
+/// The first document of a pair keeps its numbers until the pair becomes a second input.
+TEST_F(AlteredDocuments, WithAReferenceThatIsNotRenumberedAreNamedWhenTheyWouldHaveToBe) {
+  for (const char* name : {"a", "b", "d"}) AddWithEntry(name);
+  AddWithEntry("c", "/A 1\t0 R");
+  EXPECT_EQ(Merge().AlteredDocuments, Names{"c"});
+  ASSERT_EQ(shell_.Notices.size(), 1U);
+  EXPECT_EQ(shell_.Notices[0].rfind(
+                "[Folioweld-cmdOK]=>\"" + Doc("c") + "\", object 3: a reference with a tab,", 0),
+            0U)
+      << shell_.Notices[0];
 }
 
 TEST_F(AlteredDocuments, LeaveNothingBehindForTheNextMerge) {
