@@ -39,9 +39,10 @@ void NewOutput::Create() {
     const auto number = RetryInterrupted([&] { return system_.RandomNumber(); });
     if (!number.Ok()) error = number.Error();
     if (!number.Ok()) break;
-    temporary_ = folder + ".folioweld-prepare-" + std::to_string(number.Value()) + ".tmp";
-    const auto file = RetryInterrupted([&] { return system_.CreateFile(temporary_, OpenMode::CreateNew); });
+    const std::string name = folder + ".folioweld-prepare-" + std::to_string(number.Value()) + ".tmp";
+    const auto file = RetryInterrupted([&] { return system_.CreateFile(name, OpenMode::CreateNew); });
     if (file.Ok()) {
+      temporary_ = name;
       file_ = file.Value();
       return;
     }
@@ -51,21 +52,18 @@ void NewOutput::Create() {
 }
 
 NewOutput::~NewOutput() {
-  if (file_ < 0) return;
-  static_cast<void>(system_.CloseHandle(file_));
-  static_cast<void>(system_.DeleteFile(temporary_));
+  if (file_ >= 0) static_cast<void>(system_.CloseHandle(file_));
+  if (!temporary_.empty()) static_cast<void>(system_.DeleteFile(temporary_));
 }
 
 void NewOutput::Publish() {
   CheckPath(system_, path_, input_);
   SystemError error = RetryInterrupted([&] { return system_.FlushFileBuffers(file_); });
-  // The name is given before the close, so that a failure of either leaves nothing behind.
+  const SystemError closed = system_.CloseHandle(std::exchange(file_, -1));
+  if (!error) error = closed;
   if (!error) error = system_.MoveFile(temporary_, path_, WindowsAPI::Replace::Yes);
   if (error) throw NotPrepared("\"" + path_ + "\" cannot be written: " + error.Words());
-  const SystemError closed = system_.CloseHandle(std::exchange(file_, -1));
-  if (!closed) return;
-  static_cast<void>(system_.DeleteFile(path_));
-  throw NotPrepared("\"" + path_ + "\" cannot be written: " + closed.Words());
+  temporary_.clear();
 }
 
 }  // namespace folioweld

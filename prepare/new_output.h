@@ -18,7 +18,7 @@ class NewOutput {
   ~NewOutput();
 
   [[nodiscard]] WindowsAPI::Handle File() const { return file_; }
-  /// Until `Publish`.
+  /// Empty after `Publish`.
   [[nodiscard]] const std::string& TemporaryPath() const { return temporary_; }
   /// Gives the file its name; another file of that name is replaced.
   void Publish();
@@ -29,7 +29,7 @@ class NewOutput {
   WindowsAPI& system_;
   std::string path_;
   FileIdentity input_;
-  std::string temporary_;
+  std::string temporary_;  ///< empty = there is none
   WindowsAPI::Handle file_ = -1;
 };
 

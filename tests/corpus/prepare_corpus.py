@@ -13,6 +13,7 @@ Exit status 0: everything holds; 1: something does not; 77: there is no corpus, 
 import argparse
 import hashlib
 import os
+import re
 import subprocess
 import sys
 
@@ -47,6 +48,36 @@ def prepare(program, path, copy):
     return done.returncode, done.stderr.decode("utf-8", "backslashreplace")
 
 
+STREAM = re.compile(rb"<< /Length (\d+)[^\0]*?>>\nstream\n")
+STRING = re.compile(rb"\((?:[^()\\]|\\.)*\)")
+
+
+def without_streams(data):
+    """What stands outside of the streams' bytes."""
+    parts, at = [], 0
+    while match := STREAM.search(data, at):
+        parts.append(data[at : match.end()])
+        at = match.end() + int(match[1])
+    return b"".join(parts) + data[at:]
+
+
+def plain_problems(copy):
+    """What is not in the plain form that the engine reads without changing anything."""
+    with open(copy, "rb") as file:
+        text = without_streams(file.read())
+    header, marker, body = text.split(b"\n", 2)
+    if not re.match(rb"%PDF-\d\.\d$", header) or not re.match(rb"%[\x80-\xff]{4}$", marker):
+        yield f"begins with {header!r} and {marker!r}"
+    if odd := re.search(rb"[^\n -~]", body):
+        yield f"holds the byte {odd[0]!r} outside of streams"
+    if b"%" in STRING.sub(b"", body).replace(b"\n%%EOF\n", b"", 1):
+        yield "holds a comment"
+    if any(len(line) > 100_000 or line != line.rstrip() for line in body.split(b"\n") if line[-2:] not in (b"n ", b"f ")):
+        yield "has a line that is too long or ends with a blank"
+    if not re.search(rb"endobj\nxref\n0 \d+\n0000000000 65535 f \n(\d{10} 00000 n \n)+trailer\n<< /Size ", body):
+        yield "has no table of one subsection"
+
+
 def check(options, document):
     with World() as world:
         copy = world.path("start", "copy.pdf")
@@ -56,6 +87,7 @@ def check(options, document):
         if status not in (0, 3) or (status == 3) != ("repaired: " in said):
             yield f"status {status}, stderr {said!r}"
             return
+        yield from plain_problems(copy)
         original = object_graph.Graph(document.path)
         yield from object_graph.catalog_differences(original, object_graph.Graph(copy))
         yield from (f"as first: {how}" for how in check_as_first(options, document, copy, original))

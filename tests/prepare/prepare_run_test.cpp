@@ -10,7 +10,6 @@
 namespace folioweld {
 namespace {
 
-using ::testing::AllOf;
 using testing::FaultingSystem;
 using ::testing::HasSubstr;
 using testing::ReadFile;
@@ -92,6 +91,25 @@ TEST_F(PrepareRun, LeavesNothingBehindWhenTheInputIsNoDocument) {
   folder_.Write("out.pdf", "before");
   EXPECT_EQ(Run("This is no PDF document, and longer than forty bytes all the same."), kNoCopy);
   EXPECT_EQ(folder_.Names(), (std::vector<std::string>{"in.pdf", "out.pdf"}));
+}
+
+TEST_F(PrepareRun, WritesAllOrNothingWhicheverCallFails) {
+  const std::string document = Compressed(SimpleDocument(3));
+  const std::string whole = Copied(document);
+  const std::size_t calls = system_.Calls.size();
+  ASSERT_GT(calls, 20u);
+  for (std::size_t failing = 0; failing < calls; ++failing) {
+    folder_.Write("out.pdf", "before");
+    system_.Calls.clear();
+    system_.Decide = [&](const FaultingSystem::Call& call, std::size_t index) {
+      // What cannot be deleted stays.
+      return FaultingSystem::Fault{index == failing && call.Name != "DeleteFile" ? EIO : 0};
+    };
+    const PrepareStatus status = Run(document);
+    const std::string& name = system_.Calls.size() > failing ? system_.Calls[failing].Name : "none";
+    EXPECT_EQ(folder_.Names(), (std::vector<std::string>{"in.pdf", "out.pdf"})) << failing << " " << name;
+    EXPECT_EQ(ReadFile(Out()), status == kNoCopy ? "before" : whole) << failing << " " << name;
+  }
 }
 
 TEST_F(PrepareRun, RepairsATableThatIsDamagedAndSaysSo) {

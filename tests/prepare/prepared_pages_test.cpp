@@ -5,10 +5,8 @@
 namespace folioweld {
 namespace {
 
-using ::testing::AllOf;
 using testing::DocumentBuilder;
 using ::testing::HasSubstr;
-using ::testing::Not;
 
 class PreparedPages : public testing::PrepareFixture {
  protected:
