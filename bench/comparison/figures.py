@@ -84,11 +84,14 @@ def start_goal(load, times):
                    shown(value and value * 1000, "{:.2f} ms more"))
 
 
-def preparing_goals(load, times):
-    """Where half of the documents need it, and where none does."""
+def preparing_goals(load, series):
+    """Where half of the documents need it, and where none does. Left to itself, qpdf compresses streams anew; the
+    table has its faster way."""
+    times = medians(series)
     if load["name"] == "mixed":
-        value = ratio(times, PREPARING, "qpdf")
-        yield at_most(load, "with `--prepare` at most 2 times `qpdf`", value, 2, shown(value))
+        usual = [one for one in series if one.program == "qpdf" and one.way == "default" and one.seconds]
+        value = times[PREPARING] / median(usual[0].seconds) if usual and PREPARING in times else None
+        yield at_most(load, "with `--prepare` at most 2 times `qpdf --empty --pages`", value, 2, shown(value))
     else:
         value = ratio(times, PREPARING, OWN)
         yield at_most(load, "with `--prepare` at most 1.25 times the time without", value, 1.25, shown(value))
@@ -116,7 +119,7 @@ def load_goals(load, series):
         yield faster_than_peers(load, times, 1.6)
         yield start_goal(load, times)
     elif load["name"] in ("mixed", "plain"):
-        yield from preparing_goals(load, times)
+        yield from preparing_goals(load, series)
     elif load["name"] == "folder":
         yield from folder_goals(load, times)
 

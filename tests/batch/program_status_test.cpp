@@ -158,6 +158,38 @@ TEST_F(ProgramStatus, IsOneWhenTheOnlyMergeFails) {
   EXPECT_EQ(outcome.Errors.substr(outcome.Errors.size() - last.size()), last);
 }
 
+/// The program by itself, without what else is installed with it.
+class ProgramAlone : public testing::ProgramFixture {
+ protected:
+  ProgramAlone() {
+    folder_.MakeFolder("alone");
+    setup_.Program = folder_.File("alone/folioweld");
+    std::filesystem::copy_file(FOLIOWELD_PROGRAM, setup_.Program);
+  }
+};
+
+TEST_F(ProgramAlone, IsTwoWhenDocumentsAreToBePreparedAndTheProgramForItIsMissing) {
+  AddDocument("a.pdf");
+  ExpectRun({"--prepare", "out.pdf", "docs"}, 2,
+            "folioweld: --prepare needs the program folioweld-prepare, which is not installed (it is in the "
+            "package folioweld-extras)\n");
+  EXPECT_FALSE(Exists(folder_.File("out.pdf")));
+}
+
+TEST_F(ProgramAlone, AdvisesThePackageThatIsMissing) {
+  AddDocument("a.pdf");
+  folder_.Write("docs/b.pdf", "no document");
+  const Outcome outcome = Run({"-q", "out.pdf", "docs"});
+  EXPECT_EQ(outcome.Status, 3);
+  const std::string last = ")\nfolioweld --prepare joins many of these (package folioweld-extras)\n";
+  EXPECT_TRUE(outcome.Errors.ends_with(last)) << outcome.Errors;
+}
+
+TEST_F(ProgramAlone, AdvisesNothingWhereEveryDocumentIsJoined) {
+  AddDocument("a.pdf");
+  ExpectRun({"out.pdf", "docs"}, 0, "");
+}
+
 TEST_F(ProgramStatus, IsTwoWithoutTheFormOfACommandLineAndWithoutAScreen) {
   AddDocument("a.pdf");
   ExpectRun({}, 2, kNoScreen);

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <new>
 #include <string>
 #include <sys/stat.h>
 
@@ -276,6 +277,27 @@ TEST_F(DocumentPreparationTest, ACancelEndsEveryProgramAndLeavesNothing) {
   for (const int id : running) EXPECT_TRUE(::kill(id, 0) < 0 && errno == ESRCH);
   EXPECT_THAT(Temporaries(), IsEmpty());
   ExpectIdle();
+}
+
+TEST_F(DocumentPreparationTest, MemoryThatRunsOutAtAnyMomentLeavesNothingBehind) {
+  AddDocument("a.pdf");
+  AddOther("b.pdf");
+  AddOther("c.pdf");
+  EXPECT_TRUE(Merge().Complete());
+  const long all = shell_.Yields;
+  const std::size_t handles = testing::OpenHandles();
+  for (long n = 1; n <= all && !HasFailure(); n += all / 60) {
+    shell_.Yields = 0;
+    fs::remove(Output());
+    shell_.OnYield = [&] {
+      if (shell_.Yields == n) throw std::bad_alloc();
+    };
+    const bool written = Merge().OutputWritten;
+    EXPECT_EQ(written, Exists(Output())) << n;
+    EXPECT_EQ(testing::OpenHandles(), handles) << n;
+    EXPECT_THAT(Temporaries(), IsEmpty()) << n;
+    ExpectIdle();
+  }
 }
 
 std::string WithObjects(int count) {
