@@ -10,11 +10,11 @@ namespace folioweld {
 namespace {
 
 /// An input whose texts are all kept by now.
-ReadInput InputOf(MergeState& state, PdfReader& reader, std::int16_t slot) {
+ReadInput InputOf(MergeState& state, MergeShell& shell, std::int16_t slot) {
   const auto holds = [&](std::string_view characters) {
     return std::any_of(characters.begin(), characters.end(), [&](char c) { return state.Texts.Holds(c); });
   };
-  return {state, reader, slot, holds(std::string_view("\t\f\0", 3)), holds("%")};
+  return {state, shell, slot, holds(std::string_view("\t\f\0", 3)), holds("%")};
 }
 
 /// The last "startxref" of the file is the one that others take.
@@ -27,17 +27,18 @@ void CheckStartXref(const ReadInput& input) {
 void CheckKeys(const ReadInput& input, MergeShell& shell) {
   const std::int32_t number = input.State.DocRootNumber(input.Slot);
   ReadObject catalog(input, number);
-  CheckRepeatedKeys(input, shell, catalog.FirstRow(), number);
+  CheckRepeatedKeys(input, shell, catalog.Dictionary(), number);
   const std::int32_t root = ReferencedNumber(catalog.Value("/Pages"));
-  CheckRepeatedKeys(input, shell, ReadObject(input, root).FirstRow(), root);
+  ReadObject pages(input, root);
+  CheckRepeatedKeys(input, shell, pages.Dictionary(), root);
 }
 
 }  // namespace
 
-void FindAlterations(MergeState& state, FileModule& files, PdfReader& reader, MergeShell& shell) {
+void FindAlterations(MergeState& state, FileModule& files, MergeShell& shell) {
   for (const std::int16_t slot : {std::int16_t{1}, std::int16_t{2}}) {
     if (!state.DocUsed(slot)) continue;
-    const ReadInput input = InputOf(state, reader, slot);
+    const ReadInput input = InputOf(state, shell, slot);
     CheckStartXref(input);
     CheckKeys(input, shell);
     CheckInformation(input);
@@ -46,11 +47,11 @@ void FindAlterations(MergeState& state, FileModule& files, PdfReader& reader, Me
     CheckPageTree(input, shell);
     CheckReferences(input, shell, slot == 1 ? ReferencePlace::First : ReferencePlace::Later);
   }
-  if (state.DocUsed(2)) CheckCatalog({state, reader, 2}, {state, reader, 1}, shell);
+  if (state.DocUsed(2)) CheckCatalog({state, shell, 2}, {state, shell, 1}, shell);
 }
 
-std::int32_t FindAlterationsAmongOthers(MergeState& state, PdfReader& reader, MergeShell& shell) {
-  const ReadInput input = InputOf(state, reader, 1);
+std::int32_t FindAlterationsAmongOthers(MergeState& state, MergeShell& shell) {
+  const ReadInput input = InputOf(state, shell, 1);
   CheckPageTree(input, shell);
   return CheckReferences(input, shell, ReferencePlace::Any);
 }

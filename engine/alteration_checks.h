@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/merge_shell.h"
+#include "engine/pdf_reader.h"
 #include "engine/read_object.h"
 
 namespace folioweld {
@@ -9,13 +10,12 @@ namespace folioweld {
 // numbers of its own, and leaves what it finds with `NoteAlteration`. A cancel is raised as a broken rule.
 
 /// Runs all of them; to be called between the reading and the renumbering.
-void FindAlterations(MergeState& state, FileModule& files, PdfReader& reader, MergeShell& shell);
+void FindAlterations(MergeState& state, FileModule& files, MergeShell& shell);
 
 /// What they leave out for a first input that is read alone, as if it stood anywhere among others. Its
 /// catalog is not looked at: what a later document loses with it, no other form of the document would keep.
 /// Returns the lowest number that a reference names and that the input does not have; -1 = none.
-[[nodiscard]] std::int32_t FindAlterationsAmongOthers(MergeState& state, PdfReader& reader,
-                                                      MergeShell& shell);
+[[nodiscard]] std::int32_t FindAlterationsAmongOthers(MergeState& state, MergeShell& shell);
 
 /// Whether the trailer of a section that was just read says the same to other programs, and that the newest
 /// one tells of no encryption. To be called before the section counts as read.
@@ -23,8 +23,8 @@ void CheckTrailer(const ReadInput& input, MergeShell& shell, const XrefSectionIn
 
 /// Whether a key stands twice in the dictionary, in any spelling; true when one does. `number` is the
 /// dictionary's object; -1 = none, and the offset is known.
-bool CheckRepeatedKeys(const ReadInput& input, MergeShell& shell, std::int32_t firstRow, std::int32_t number,
-                       std::int64_t fileOffset = -1);
+bool CheckRepeatedKeys(const ReadInput& input, MergeShell& shell, SeenDictionary& dictionary,
+                       std::int32_t number, std::int64_t fileOffset = -1);
 
 /// What the information dictionary, whose place is taken by a fixed one, is besides.
 void CheckInformation(const ReadInput& input);

@@ -17,30 +17,30 @@ std::size_t CountReferences(std::string_view array) {
 
 /// A layer that the configuration hides is shown where there is none.
 bool HidesLayers(const ReadInput& input, ReadObject& catalog) {
-  const std::int32_t properties = DictionaryAt(input, catalog.Value("/OCProperties"));
-  const std::int32_t usual = DictionaryAt(input, ValueOf(input.State, properties, "/D"));
-  const auto count = [&](std::int32_t row, const char* key) {
-    return CountReferences(TextAt(input, ValueOf(input.State, row, key)));
+  SeenDictionary properties = DictionaryAt(input, catalog.Value("/OCProperties"));
+  SeenDictionary usual = DictionaryAt(input, properties.Value("/D"));
+  const auto count = [&](SeenDictionary& dictionary, const char* key) {
+    return CountReferences(TextAt(input, dictionary.Value(key)));
   };
   if (count(usual, "/OFF") > 0) return true;
-  const bool hidesOthers = ValueOf(input.State, usual, "/BaseState") == "/OFF";
+  const bool hidesOthers = usual.Value("/BaseState") == "/OFF";
   return hidesOthers && count(usual, "/ON") < count(properties, "/OCGs");
 }
 
 /// What the first output intent with a profile calls its printing condition; empty when there is none.
-std::string_view PrintingCondition(const ReadInput& input, ReadObject& catalog) {
+std::string PrintingCondition(const ReadInput& input, ReadObject& catalog) {
   const std::string_view intents = TextAt(input, catalog.Value("/OutputIntents"));
   const std::size_t start = intents.find("<<");
   NumberPair found;
-  std::int32_t row = -1;
+  SeenDictionary intent(input);
   if (start != std::string_view::npos) {
-    row = ParseAsOthersDo(input, intents.substr(start, intents.rfind(">>") + 2 - start));
+    intent = SeenDictionary(input, intents.substr(start, intents.rfind(">>") + 2 - start));
   } else if (FindReference(intents, 0, kReferenceKeyword, found)) {
-    row = ReadObject(input, found.Number).FirstRow();
+    intent = DictionaryAt(input, intents.substr(found.Start));
   }
-  if (ValueOf(input.State, row, "/DestOutputProfile").empty()) return {};
-  const std::string_view identifier = ValueOf(input.State, row, "/OutputConditionIdentifier");
-  return identifier.empty() ? std::string_view("()") : identifier;
+  if (intent.Value("/DestOutputProfile").empty()) return {};
+  const std::string_view identifier = intent.Value("/OutputConditionIdentifier");
+  return std::string(identifier.empty() ? "()" : identifier);
 }
 
 }  // namespace
@@ -53,7 +53,7 @@ void CheckCatalog(const ReadInput& input, const ReadInput& first, MergeShell& sh
     NoteAlteration(input.State, input.Slot, AlterationKind::LayersShown, number);
   }
   // Where there is none, readers take colours as a screen has them.
-  const std::string_view condition = PrintingCondition(input, catalog);
+  const std::string condition = PrintingCondition(input, catalog);
   const bool isScreen = condition.empty() || condition.find("sRGB") != std::string_view::npos;
   if (!isScreen && condition != PrintingCondition(first, firstCatalog)) {
     NoteAlteration(input.State, input.Slot, AlterationKind::OutputIntentLost, number, ShownPiece(condition));

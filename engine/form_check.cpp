@@ -20,21 +20,18 @@ constexpr std::size_t kAppearanceStart = 1000;
 
 /// What readers draw fields by.
 struct Form {
-  std::string_view DefaultAppearance;
+  std::string DefaultAppearance;
   std::set<std::string> Fonts;
   bool NeedAppearances = false;  ///< fields are drawn anew, whatever they bring along
 };
 
 Form FormAt(const ReadInput& input, std::string_view value) {
-  const MergeState& state = input.State;
-  const std::int32_t row = DictionaryAt(input, value);
-  Form form{TextAt(input, ValueOf(state, row, "/DA")), {}, false};
-  form.NeedAppearances = TextAt(input, ValueOf(state, row, "/NeedAppearances")) == "true";
-  const std::int32_t resources = DictionaryAt(input, ValueOf(state, row, "/DR"));
-  std::int32_t font = DictionaryAt(input, ValueOf(state, resources, "/Font"));
-  for (; font >= 0; font = state.NameEntries[font].NameId) {
-    form.Fonts.insert(PlainName(state.NameEntries[font].NameText));
-  }
+  SeenDictionary dictionary = DictionaryAt(input, value);
+  Form form{std::string(TextAt(input, dictionary.Value("/DA"))), {}, false};
+  form.NeedAppearances = TextAt(input, dictionary.Value("/NeedAppearances")) == "true";
+  SeenDictionary resources = DictionaryAt(input, dictionary.Value("/DR"));
+  SeenDictionary fonts = DictionaryAt(input, resources.Value("/Font"));
+  fonts.ForEachKey([&](std::string_view name) { form.Fonts.insert(PlainName(name)); });
   return form;
 }
 
@@ -75,9 +72,10 @@ class FormCheck {
 
  private:
   struct Field {
-    std::string_view Type;
-    std::string_view Value;
-    std::string_view Appearance;
+    // As much of each as it takes to tell it from others.
+    std::string Type;
+    std::string Value;
+    std::string Appearance;
     std::int32_t Parent = -1;
   };
 
@@ -94,7 +92,7 @@ class FormCheck {
   }
 
   /// What the field gives, or one above it.
-  [[nodiscard]] std::string_view Inherited(std::int32_t number, std::string_view Field::*entry) {
+  [[nodiscard]] std::string_view Inherited(std::int32_t number, std::string Field::*entry) {
     for (int depth = 0; number >= 0 && depth < kDeepestField; ++depth) {
       const Field& field = FieldAt(number);
       if (!(field.*entry).empty()) return field.*entry;
@@ -108,8 +106,11 @@ class FormCheck {
     const auto [found, added] = fields_.try_emplace(number);
     if (added) {
       ReadObject object(input_, number);
-      found->second = {object.Value("/FT"), TextAt(input_, object.Value("/V")),
-                       TextAt(input_, object.Value("/DA")), ReferencedNumber(object.Value("/Parent"))};
+      const auto start = [&](const char* key, std::size_t size) {
+        return std::string(TextAt(input_, object.Value(key)).substr(0, size));
+      };
+      found->second = {std::string(object.Value("/FT").substr(0, 4)), start("/V", 3),
+                       start("/DA", kAppearanceStart), ReferencedNumber(object.Value("/Parent"))};
     }
     return found->second;
   }

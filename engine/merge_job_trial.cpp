@@ -22,7 +22,7 @@ bool MergeJob::TryInput(bool amongOthers, std::int32_t& lowestMissing) {
   ok = ok && builder.BuildOutputPasses1And2();
   if (ok && amongOthers) {
     ok = RunGuarded(state_, 1, [&] {
-      lowestMissing = FindAlterationsAmongOthers(state_, reader_, shell_);
+      lowestMissing = FindAlterationsAmongOthers(state_, shell_);
       return true;
     });
     ok = ok && builder.TryPageCatalog();

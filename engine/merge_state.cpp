@@ -90,6 +90,7 @@ void ResetMergeState(MergeState& state) {
   ResetSectionTables(state);
   for (std::int32_t slot = 1; slot <= 3; ++slot) {
     state.DocXrefCount(slot) = 0;
+    state.DocSectionBytes(slot) = 0;
     state.DocObjectCount(slot) = 0;
     state.DocRootNumber(slot) = -1;
     state.DocInfoNumber(slot) = -1;

@@ -33,7 +33,9 @@ struct ObjectEntry {
   char EntryType = '\0';         ///< cross-reference keyword, "n" or "f"; '\0' = empty
   std::uint8_t DocNo = 1;        ///< slot (1 or 2) whose file holds the stream
   std::int32_t ObjState = kNoObject;
-  std::int32_t ObjAux = -1;     ///< index in `NameEntries` of the dictionary's first entry; -1 = none
+  /// Index in `NameEntries` of the dictionary's first entry; -1 = none, or the texts of the document's
+  /// objects run into each other and this one is not parsed
+  std::int32_t ObjAux = -1;
   std::int32_t FirstLine = -1;  ///< index in `ObjLines`; negative = none
   std::int32_t LastLine = -1;
   std::string_view ValueText;  ///< decimal text when the object is a plain number
@@ -79,10 +81,11 @@ struct MergeState {
   SlotArray<std::int32_t> DocXrefStart;   ///< 0-based offset of the next section to read; -1 = none
   /// 0-based offset of a last "startxref" that gives another number than the one that counts; -1 = none
   SlotArray<std::int32_t> DocOtherStartXref;
-  SlotArray<std::int32_t> DocObjectCount;  ///< slots of the document, object 0 included
-  SlotArray<std::int32_t> DocXrefCount;    ///< sections read so far
-  SlotArray<std::int32_t> DocRootNumber;   ///< catalog; -1 = not known
-  SlotArray<std::int32_t> DocInfoNumber;   ///< information dictionary; -1 = not known
+  SlotArray<std::int32_t> DocObjectCount;   ///< slots of the document, object 0 included
+  SlotArray<std::int32_t> DocXrefCount;     ///< sections read so far
+  SlotArray<std::int64_t> DocSectionBytes;  ///< of these sections, one in another counted twice
+  SlotArray<std::int32_t> DocRootNumber;    ///< catalog; -1 = not known
+  SlotArray<std::int32_t> DocInfoNumber;    ///< information dictionary; -1 = not known
   std::int32_t ObjectsInDoc1 = 0;
   std::int32_t ObjectsInDoc2 = 0;
   std::int32_t ObjectsTotal = 0;

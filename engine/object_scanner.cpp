@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <optional>
 #include <utility>
 
 #include "engine/alteration_checks.h"
 #include "engine/alteration_record.h"
+#include "engine/entry_walk.h"
 #include "engine/lexer.h"
 #include "engine/line_cursor.h"
 #include "engine/object_text.h"
@@ -47,6 +49,7 @@ class ObjectScan {
         fileNumber_(state.DocFileNumber(slot)),
         start_(slot == 2 ? state.DocObjectCount(1) : 0),
         textLeft_(ByteAllowance(files.FileLength(fileNumber_))),
+        parsedLeft_(files.FileLength(fileNumber_)),
         captionPrefix_(shell.StatusText(slot - 1)),
         lines_(files, fileNumber_, 1),
         rewritten_(IsRewritten(state, slot)) {}
@@ -138,7 +141,8 @@ class ObjectScan {
     // The closing keyword follows the body and makes room for its end.
     const auto bodyOffset = static_cast<std::size_t>(body.data() - text.data());
     text_.Put(bodyOffset + body.size(), objectEnd.HasStream ? '\n' : '\r');
-    const std::string_view kept = state_.Texts.Keep(text.substr(bodyOffset, body.size() + 1));
+    const std::string_view kept =
+        state_.Texts.KeepOnce(text.substr(bodyOffset, body.size() + 1), longestKept_);
     StoreLines(index, kept, objectEnd.HasStream);
     if (objectEnd.HasStream) LocateStream(index, objectEnd.KeywordOffset);
     DescribeBody(index, kept.substr(0, body.size()));
@@ -224,6 +228,9 @@ class ObjectScan {
   void DescribeBody(std::int32_t index, std::string_view body) {
     ObjectEntry& entry = state_.Objects[index];
     if (body.substr(0, 2) == "<<") {
+      // The rows of a text are many times as long. Objects that share theirs do without.
+      parsedLeft_ -= static_cast<std::int64_t>(body.size());
+      if (parsedLeft_ < 0) return;
       entry.ObjAux = reader_.JoinAndParseDictionary(state_.ObjLines, entry.LastLine, entry.LastLine);
       // The parser ends early on a cancel; what it left out would look like a broken dictionary.
       if (state_.AbortRequested) Fail(kCancelled);
@@ -239,12 +246,21 @@ class ObjectScan {
     }
   }
 
-  /// The first "/Length" of the dictionary counts.
+  /// The value of the first "/Length" of the dictionary.
+  [[nodiscard]] std::optional<std::string> FindLength(std::int32_t index) const {
+    const ObjectEntry& entry = state_.Objects[index];
+    if (entry.ObjAux < 0) return FindValue(TrimBlanks(state_.ObjLines[entry.LastLine]), "/Length");
+    for (std::int32_t row = entry.ObjAux; row >= 0; row = state_.NameEntries[row].NameId) {
+      if (state_.NameEntries[row].NameText == "/Length")
+        return std::string(state_.NameEntries[row].NameValue);
+    }
+    return {};
+  }
+
   void TakeStreamLength(std::int32_t index) {
-    std::int32_t row = state_.Objects[index].ObjAux;
-    while (row >= 0 && state_.NameEntries[row].NameText != "/Length") row = state_.NameEntries[row].NameId;
-    if (row < 0) Fail("the stream's dictionary has no /Length");
-    const std::string_view value = TrimBlanks(state_.NameEntries[row].NameValue);
+    const auto length = FindLength(index);
+    if (!length) Fail("the stream's dictionary has no /Length");
+    const std::string_view value = TrimBlanks(*length);
     const std::string_view word = FirstWord(value, kSpaceSet);
     const std::int32_t number = NumberOf(word);
     if (number < 0) Fail("the stream's /Length is no number");
@@ -285,6 +301,8 @@ class ObjectScan {
   std::int16_t fileNumber_;
   std::int32_t start_;
   std::int64_t textLeft_;
+  std::int64_t parsedLeft_;       ///< bytes of dictionaries that may still be kept as rows
+  std::string_view longestKept_;  ///< the text that those of the next objects may be the end of
   std::string captionPrefix_;
   LineCursor lines_;
   ObjectText text_;  ///< of the object that is being read; used again for the next one

@@ -1,5 +1,6 @@
 // Output pass #3 of PdfBuilder: one page tree, one catalog, the trailer.
 
+#include "engine/entry_walk.h"
 #include "engine/lexer.h"
 #include "engine/pass_guard.h"
 #include "engine/pdf_builder.h"
@@ -113,13 +114,6 @@ class PagePasting {
     state_.ObjLines[state_.Objects[index].LastLine] = state_.Texts.Keep(text);
   }
 
-  [[nodiscard]] std::int32_t ParseLastLine(std::int32_t index) {
-    const std::string_view text = TrimDictionaryLine(LastLineOf(index));
-    std::int32_t first = -1;
-    reader_.ParseDictionary(text, 1, first);
-    return first;
-  }
-
   void MakeTrailer() {
     const std::int32_t root = state_.DocRootNumber(3);
     const std::int32_t info = state_.DocInfoNumber(3);
@@ -154,16 +148,20 @@ class PagePasting {
     if (state_.Objects[pages.Number].LastLine < 0) {
       Fail(slot, pages.Number, "the root of the page tree is a free object");
     }
-    std::int32_t row = ParseLastLine(pages.Number);
-    if (row < 0) Fail(slot, pages.Number, "the root of the page tree is no dictionary");
-    for (; row >= 1; row = state_.NameEntries[row].NameId) {
+    EntryWalk walk(InnerText(TrimDictionaryLine(LastLineOf(pages.Number))).value_or(""));
+    bool isDictionary = false;
+    while (walk.Next()) {
       CheckAbort(slot, pages.Number);
-      if (state_.NameEntries[row].NameText != "/Count") continue;
-      const std::int32_t count = builder_.ResolveIntegerValue(state_.NameEntries[row].NameValue);
+      isDictionary = true;
+      if (walk.Key() != "/Count") continue;
+      std::string room;
+      const std::int32_t count = builder_.ResolveIntegerValue(walk.Value(room));
       if (count < 0) Fail(slot, pages.Number, "the page tree's /Count is no number of 0 or more");
       return count;
     }
-    Fail(slot, pages.Number, "the root of the page tree has no /Count");
+    Fail(slot, pages.Number,
+         isDictionary ? "the root of the page tree has no /Count"
+                      : "the root of the page tree is no dictionary");
   }
 
   /// The second catalog's slot becomes the new root, so that no object has to be added.
@@ -176,7 +174,8 @@ class PagePasting {
   }
 
   void RedirectCatalog(std::int32_t catalog, const std::string& root) {
-    const std::int32_t first = ParseLastLine(catalog);
+    std::int32_t first = -1;
+    reader_.ParseDictionary(TrimDictionaryLine(LastLineOf(catalog)), 1, first);
     for (std::int32_t row = first; row >= 1; row = state_.NameEntries[row].NameId) {
       CheckAbort(1, catalog);
       if (state_.NameEntries[row].NameText != "/Pages") continue;
@@ -249,15 +248,12 @@ bool PdfBuilder::FindPagesReference(std::int32_t catalogSlot, std::int32_t& numb
   if (catalogSlot < 0 || catalogSlot >= state_.ObjectsTotal) return false;
   const ObjectEntry& entry = state_.Objects[catalogSlot];
   if (entry.ObjNumber != catalogSlot || entry.LastLine < 0) return false;
-  PdfReader reader(state_, files_, shell_);
-  std::int32_t row = -1;
-  reader.ParseDictionary(TrimDictionaryLine(state_.ObjLines[entry.LastLine]), 1, row);
-  while (row >= 0 && state_.NameEntries[row].NameText != "/Pages") row = state_.NameEntries[row].NameId;
-  if (row < 0) return false;
+  const auto value = FindValue(TrimDictionaryLine(state_.ObjLines[entry.LastLine]), "/Pages");
+  if (!value) return false;
   // The value itself has to be the reference. One from inside a page tree that stands in the catalog would
   // lead to a part of the pages, and the others would be lost.
   NumberPair pages;
-  if (!ReadNumberPair(state_.NameEntries[row].NameValue, 0, kReferenceKeyword, pages)) return false;
+  if (!ReadNumberPair(*value, 0, kReferenceKeyword, pages)) return false;
   number = pages.Number;
   generation = pages.Generation;
   return true;

@@ -27,7 +27,9 @@ class PageTreeWalk {
     while (!open_.empty()) {
       const std::int32_t node = open_.back();
       open_.pop_back();
-      const std::string_view kids = ReadObject(input_, node).Value("/Kids");
+      CheckAbort(node);
+      ReadObject object(input_, node);
+      const std::string_view kids = object.Value("/Kids");
       const std::int32_t array = ReferencedNumber(kids);
       if (array < 0) {
         ReachAll(kids, node);
@@ -90,7 +92,7 @@ class PageTreeWalk {
   }
 
   void Reach(std::int32_t number, std::int32_t parent) {
-    if (YieldAndCheckAbort(shell_, input_.State)) throw RuleBroken({input_.Slot, number, -1, kCancelled});
+    CheckAbort(number);
     if (static_cast<std::size_t>(number) >= known_.size()) {
       Tell(AlterationKind::PageTreeIncomplete, number, parent);
       return;
@@ -103,6 +105,10 @@ class PageTreeWalk {
     }
     if (known == Known::NoNode) Tell(AlterationKind::PageTreeIncomplete, number, parent);
     if (known == Known::Page) ++pages_;
+  }
+
+  void CheckAbort(std::int32_t number) const {
+    if (YieldAndCheckAbort(shell_, input_.State)) throw RuleBroken({input_.Slot, number, -1, kCancelled});
   }
 
   [[nodiscard]] Known Look(std::int32_t number) const {
@@ -127,10 +133,10 @@ class PageTreeWalk {
 /// The root's /Count as the joining of the page trees will take it; -1 when that will fail.
 std::int32_t JoinedCount(const ReadInput& input, std::int32_t root) {
   const MergeState& state = input.State;
-  std::int32_t row = state.Objects[TableIndexOf(state, root, input.Slot)].ObjAux;
-  while (row >= 0 && state.NameEntries[row].NameText != "/Count") row = state.NameEntries[row].NameId;
-  if (row < 0) return -1;
-  const std::string_view value = TrimBlanks(state.NameEntries[row].NameValue);
+  const std::int32_t line = state.Objects[TableIndexOf(state, root, input.Slot)].LastLine;
+  const auto count = FindValue(TrimBlanks(state.ObjLines[line]), "/Count");
+  if (!count) return -1;
+  const std::string_view value = TrimBlanks(*count);
   const std::int32_t number = NumberOf(value);
   if (number >= 0) return number;
   NumberPair found;

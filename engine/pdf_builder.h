@@ -69,7 +69,7 @@ class PdfBuilder {
   void ShowWritten(std::int32_t position);
   /// False on a cancel.
   [[nodiscard]] bool AppendDictionary(std::int32_t firstRow, std::string& text);
-  void ShiftLine(std::int32_t index, std::string_view& line);
+  void ShiftLine(std::int32_t index, std::string_view& line, std::string_view& longest);
 
   MergeState& state_;
   FileModule& files_;

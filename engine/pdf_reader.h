@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -9,6 +10,8 @@
 #include "engine/merge_state.h"
 
 namespace folioweld {
+
+class EntryWalk;
 
 /// The program's own ceiling on object numbers per document.
 inline constexpr std::int32_t kMostObjects = 350000;
@@ -50,6 +53,10 @@ class PdfReader {
   /// lines of further ones count as trailer text.
   [[nodiscard]] XrefSectionInfo ReadXrefSection(std::int16_t slot, std::int32_t sectionPosition);
 
+  /// Whether the sections of the document that were read so far are no longer than its file. Once they are
+  /// not, they share bytes, and the dictionary and the /ID of the last one are not kept.
+  [[nodiscard]] bool KeepsSections(std::int16_t slot) const;
+
   /// Interprets the trailer lines of the summary.
   void ReadTrailerDictionary(std::int16_t slot, XrefSectionInfo& info);
 
@@ -75,10 +82,13 @@ class PdfReader {
  private:
   template <typename Line>
   std::int32_t JoinAndParse(const Table<Line>& lines, std::int32_t first, std::int32_t last);
-  std::int32_t ParseDictionaryEntries(std::string_view inner, std::int32_t& firstEntry);
-  std::int32_t ParseDictionaryText(std::string_view text, std::int32_t start, std::int32_t& firstEntry);
+  /// `own` is the parser's own text that the other one is a part of; empty while it is somebody else's.
+  std::int32_t ParseDictionary(std::string_view text, std::span<char> own, std::int32_t start,
+                               std::int32_t& firstEntry);
+  std::int32_t ParseDictionaryEntries(std::string_view inner, std::span<char> own, std::int32_t& firstEntry);
+  [[nodiscard]] std::string_view KeepWithoutComments(const EntryWalk& walk, std::span<char> own);
   std::int32_t AppendEntry(std::string_view key, std::string_view value);
-  void ParseNested(std::int32_t entry, std::string_view value);
+  void ParseNested(std::int32_t entry, std::string_view value, std::span<char> own);
 
   MergeState& state_;
   FileModule& files_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "engine/hex_digits.h"
 #include "engine/lexer.h"
@@ -9,6 +10,8 @@
 namespace folioweld {
 
 namespace {
+
+constexpr std::int32_t kKeysPerYield = 1000;
 
 const ObjectEntry* FindEntry(const MergeState& state, std::int16_t slot, std::int32_t number) {
   if (number < 0 || number >= state.DocObjectCount(slot)) return nullptr;
@@ -39,51 +42,64 @@ std::string PlainName(std::string_view written) {
   return plain;
 }
 
-std::int32_t ParseAsOthersDo(const ReadInput& input, std::string_view text) {
-  if (HasOtherWhiteSpace(text)) {
-    std::string spaced(text);
-    std::replace_if(
-        spaced.begin(), spaced.end(), [](char c) { return kOtherWhiteSpaceSet.Has(c); }, ' ');
-    text = input.State.Texts.Keep(spaced);
-  }
-  std::int32_t firstRow = -1;
-  input.Reader.ParseDictionary(text, 1, firstRow);
-  return firstRow;
+std::string_view SeenDictionary::Value(std::string_view key) {
+  const std::string_view value = WrittenValue(key);
+  return value == "null" ? std::string_view() : value;
 }
 
-std::string_view ValueOf(const MergeState& state, std::int32_t firstRow, std::string_view key) {
-  for (std::int32_t row = firstRow; row >= 0; row = state.NameEntries[row].NameId) {
-    const NameEntry& entry = state.NameEntries[row];
-    if (IsName(entry.NameText, key)) return entry.NameValue == "null" ? std::string_view() : entry.NameValue;
+std::string_view SeenDictionary::WrittenValue(std::string_view key) {
+  TakeOtherWhiteSpaceForBlanks();
+  for (std::int32_t row = firstRow_; row >= 0; row = input_->State.NameEntries[row].NameId) {
+    const NameEntry& entry = input_->State.NameEntries[row];
+    if (IsName(entry.NameText, key)) return entry.NameValue;
+  }
+  if (firstRow_ >= 0) return {};
+  EntryWalk walk(Inner());
+  while (Next(walk)) {
+    if (!IsName(walk.Key(), key)) continue;
+    return TrimRightBlanks(walk.ValueHoldsComments() ? made_.emplace_front(walk.ValueWithoutComments())
+                                                     : walk.WrittenValue());
   }
   return {};
 }
 
-ReadObject::ReadObject(const ReadInput& input, std::int32_t number)
-    : input_(input), entry_(FindEntry(input.State, input.Slot, number)) {
-  if (Exists()) text_ = input.State.ObjLines[entry_->LastLine];
+bool SeenDictionary::Next(EntryWalk& walk) {
+  if (++keys_ % kKeysPerYield == 0 && YieldAndCheckAbort(input_->Shell, input_->State)) {
+    throw RuleBroken({input_->Slot, -1, -1, kCancelled});
+  }
+  return walk.Next();
 }
 
-std::int32_t ReadObject::FirstRow() {
-  if (firstRow_ == kNotLookedUp) {
-    firstRow_ = -1;
-    if (IsDictionary()) {
-      const bool isOdd = input_.MayHaveOtherWhiteSpace && HasOtherWhiteSpace(text_);
-      firstRow_ = isOdd ? ParseAsOthersDo(input_, TrimBlanks(text_)) : entry_->ObjAux;
-    }
-  }
-  return firstRow_;
+void SeenDictionary::TakeOtherWhiteSpaceForBlanks() {
+  if (std::exchange(isSpaced_, true)) return;
+  if (!input_->MayHaveOtherWhiteSpace || !HasOtherWhiteSpace(text_)) return;
+  std::string& spaced = made_.emplace_front(text_);
+  std::replace_if(
+      spaced.begin(), spaced.end(), [](char c) { return kOtherWhiteSpaceSet.Has(c); }, ' ');
+  text_ = spaced;
+  firstRow_ = -1;
 }
+
+std::string_view SeenDictionary::Inner() {
+  TakeOtherWhiteSpaceForBlanks();
+  return InnerText(text_).value_or(std::string_view());
+}
+
+ReadObject::ReadObject(const ReadInput& input, std::int32_t number)
+    : entry_(FindEntry(input.State, input.Slot, number)),
+      text_(Exists() ? input.State.ObjLines[entry_->LastLine] : std::string_view()),
+      dictionary_(IsDictionary() ? SeenDictionary(input, TrimBlanks(text_), entry_->ObjAux)
+                                 : SeenDictionary(input)) {}
 
 std::int32_t ReferencedNumber(std::string_view text) {
   NumberPair found;
   return ReadNumberPair(text, 0, kReferenceKeyword, found) ? found.Number : -1;
 }
 
-std::int32_t DictionaryAt(const ReadInput& input, std::string_view value) {
+SeenDictionary DictionaryAt(const ReadInput& input, std::string_view value) {
   const std::int32_t number = ReferencedNumber(value);
-  if (number >= 0) return ReadObject(input, number).FirstRow();
-  return value.empty() ? -1 : ParseAsOthersDo(input, value);
+  if (number >= 0) return std::move(ReadObject(input, number).Dictionary());
+  return SeenDictionary(input, value);
 }
 
 std::string_view TextAt(const ReadInput& input, std::string_view value) {

@@ -1,18 +1,20 @@
 #pragma once
 
 #include <cstdint>
+#include <forward_list>
 #include <string>
 #include <string_view>
 
+#include "engine/entry_walk.h"
+#include "engine/merge_shell.h"
 #include "engine/merge_state.h"
-#include "engine/pdf_reader.h"
 
 namespace folioweld {
 
 /// One input between its reading and its renumbering.
 struct ReadInput {
   MergeState& State;
-  PdfReader& Reader;
+  MergeShell& Shell;
   std::int16_t Slot;
   /// False when it is known that no object's text has white space that only others see, or a "%". Few have.
   bool MayHaveOtherWhiteSpace = true;
@@ -20,7 +22,7 @@ struct ReadInput {
 };
 
 // How other readers see a dictionary: a tab, a form feed and a NUL part tokens as well, and "#41" in a name
-// is an "A". Rows are those of `NameEntries`.
+// is an "A".
 
 /// Whether the name, as it is written, is the key.
 [[nodiscard]] bool IsName(std::string_view written, std::string_view key);
@@ -28,12 +30,38 @@ struct ReadInput {
 /// The name without escapes.
 [[nodiscard]] std::string PlainName(std::string_view written);
 
-/// The first row of the text's dictionary; -1 when there is none. The text is one that is kept.
-[[nodiscard]] std::int32_t ParseAsOthersDo(const ReadInput& input, std::string_view text);
+/// A dictionary as others see it. A cancel that is seen among many keys is raised as a broken rule.
+class SeenDictionary {
+ public:
+  /// Of a text that outlives it; a text that is no dictionary is one without keys. Its rows in `NameEntries`,
+  /// where the object has any, take less time than its text.
+  explicit SeenDictionary(const ReadInput& input, std::string_view text = {}, std::int32_t firstRow = -1)
+      : input_(&input), text_(text), firstRow_(firstRow) {}
 
-/// The value of a key in the dictionary, the first if there are several; empty when there is none or it is
-/// null.
-[[nodiscard]] std::string_view ValueOf(const MergeState& state, std::int32_t firstRow, std::string_view key);
+  /// The value of a key, the first if there are several; empty when there is none or it is null. Stays as
+  /// long as the dictionary does.
+  [[nodiscard]] std::string_view Value(std::string_view key);
+
+  /// Gives `take` one key after the other, as they are written.
+  template <typename Take>
+  void ForEachKey(Take take) {
+    EntryWalk walk(Inner());
+    while (Next(walk)) take(walk.Key());
+  }
+
+ private:
+  void TakeOtherWhiteSpaceForBlanks();
+  [[nodiscard]] std::string_view Inner();
+  [[nodiscard]] bool Next(EntryWalk& walk);
+  [[nodiscard]] std::string_view WrittenValue(std::string_view key);
+
+  const ReadInput* input_;
+  std::string_view text_;
+  std::int32_t firstRow_;
+  bool isSpaced_ = false;
+  std::int32_t keys_ = 0;                ///< passed since the user's wishes were looked at
+  std::forward_list<std::string> made_;  ///< texts that stand so in no file
+};
 
 /// One object of an input, by its number in that input, with its dictionary as others see it.
 class ReadObject {
@@ -48,26 +76,23 @@ class ReadObject {
   /// What stands between the object's header and "endobj" or "stream", as read.
   [[nodiscard]] std::string_view Text() const { return text_; }
 
-  [[nodiscard]] std::string_view Value(std::string_view key) {
-    return ValueOf(input_.State, FirstRow(), key);
-  }
-  /// -1 = the object is no dictionary that can be read.
-  [[nodiscard]] std::int32_t FirstRow();
+  /// Stays as long as the `ReadObject` does.
+  [[nodiscard]] std::string_view Value(std::string_view key) { return dictionary_.Value(key); }
+  /// Without keys when the object is none.
+  [[nodiscard]] SeenDictionary& Dictionary() { return dictionary_; }
 
  private:
-  static constexpr std::int32_t kNotLookedUp = -2;
-
-  const ReadInput& input_;
-  const ObjectEntry* entry_ = nullptr;
+  const ObjectEntry* entry_;
   std::string_view text_;
-  std::int32_t firstRow_ = kNotLookedUp;
+  SeenDictionary dictionary_;
 };
 
 /// The number of the reference with which the text begins; -1 when it begins with none.
 [[nodiscard]] std::int32_t ReferencedNumber(std::string_view text);
 
-/// What a value is, or what it refers to: the first row of a dictionary (-1 = it is none), and the text.
-[[nodiscard]] std::int32_t DictionaryAt(const ReadInput& input, std::string_view value);
+/// What a value is, or what it refers to: the dictionary (without keys when it is none), and the text. A
+/// value that is no reference has to outlive the dictionary.
+[[nodiscard]] SeenDictionary DictionaryAt(const ReadInput& input, std::string_view value);
 [[nodiscard]] std::string_view TextAt(const ReadInput& input, std::string_view value);
 
 }  // namespace folioweld

@@ -94,8 +94,7 @@ bool PdfBuilder::BuildOutputPasses1And2() {
     for (std::int32_t row = 0; row < count; ++row) ResolveLength(state_, state_.MissingLengths[row]);
     CheckStreams(state_, files_, 1, 0, state_.ObjectsInDoc1);
     CheckStreams(state_, files_, 2, state_.ObjectsInDoc1, state_.ObjectsTotal);
-    PdfReader reader(state_, files_, shell_);
-    FindAlterations(state_, files_, reader, shell_);
+    FindAlterations(state_, files_, shell_);
     return true;
   });
   if (!resolved) return false;
@@ -108,6 +107,7 @@ bool PdfBuilder::BuildOutputPasses1And2() {
 }
 
 bool PdfBuilder::RenumberSecondInput() {
+  std::string_view longest;  // of the lines, which objects may share
   for (std::int32_t i = state_.ObjectsInDoc1; i < state_.ObjectsTotal; ++i) {
     if (YieldAndCheckAbort(shell_, state_)) {
       state_.Failure = {2, i - state_.ObjectsInDoc1, -1, kCancelled};
@@ -122,7 +122,7 @@ bool PdfBuilder::RenumberSecondInput() {
           state_.Failure = {2, i - state_.ObjectsInDoc1, -1, kCancelled};
           return false;
         }
-        ShiftLine(i, state_.ObjLines[j]);
+        ShiftLine(i, state_.ObjLines[j], longest);
       }
     }
     entry.ObjNumber = i;
@@ -131,11 +131,11 @@ bool PdfBuilder::RenumberSecondInput() {
 }
 
 /// The old text stays where it is: the keys of its dictionary point into it.
-void PdfBuilder::ShiftLine(std::int32_t index, std::string_view& line) {
+void PdfBuilder::ShiftLine(std::int32_t index, std::string_view& line, std::string_view& longest) {
   shifted_.clear();
   const std::vector<NumberPair> zeros = AppendShifted(TrimBlanks(line), state_.ObjectsInDoc1, shifted_);
   shifted_ += '\r';
-  line = state_.Texts.Keep(shifted_);
+  line = state_.Texts.KeepOnce(shifted_, longest);
   for (const NumberPair& zero : zeros) {
     NoteAlteration(state_, 2, AlterationKind::ReferenceToFiller, index - state_.ObjectsInDoc1,
                    "0 " + std::to_string(zero.Generation) + " R");

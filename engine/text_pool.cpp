@@ -4,16 +4,18 @@ namespace folioweld {
 
 namespace {
 constexpr std::size_t kBlockSize = 64 * 1024;
-}
+/// A longer text gets a block of its own, so that little of a block is left unused.
+constexpr std::size_t kLongText = kBlockSize / 8;
+}  // namespace
 
 char* TextPool::RoomInNewBlock(std::size_t size) {
   // Room in the list first, so that no block gets lost.
   if (blocks_.size() == blocks_.capacity()) blocks_.reserve(2 * blocks_.size() + 1);
-  const std::size_t blockSize = std::max(kBlockSize, size);
+  const std::size_t blockSize = size > kLongText ? size : kBlockSize;
   char* const block = static_cast<char*>(memory_->allocate(blockSize, 1));
   blocks_.push_back({block, blockSize, size});
-  // A long text gets a block of its own and the current block stays in use.
-  if (size > kBlockSize / 2) return block;
+  // The current block stays in use beside that of a long text.
+  if (size > kLongText) return block;
   if (next_ != nullptr) blocks_[inUse_].Used = kBlockSize - left_;
   inUse_ = blocks_.size() - 1;
   next_ = block + size;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <memory_resource>
+#include <span>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -22,9 +23,22 @@ class TextPool {
 
   /// A view of the pool's own copy of the text, valid until `Reset`.
   [[nodiscard]] std::string_view Keep(std::string_view text) {
+    const std::span<char> kept = KeepCopy(text);
+    return {kept.data(), kept.size()};
+  }
+
+  /// The same for whoever goes on to change the copy.
+  [[nodiscard]] std::span<char> KeepCopy(std::string_view text) {
     char* const kept = Room(text.size());
     std::copy(text.begin(), text.end(), kept);
     return {kept, text.size()};
+  }
+
+  /// The same as `Keep` for a text that `longer`, one that was kept before, may end with: then it is a view
+  /// of that one. Otherwise `longer` becomes the text.
+  [[nodiscard]] std::string_view KeepOnce(std::string_view text, std::string_view& longer) {
+    if (!longer.ends_with(text)) longer = Keep(text);
+    return longer.substr(longer.size() - text.size());
   }
 
   /// Whether any of the texts holds the character. One quick search of them all: much cheaper than a search

@@ -1,5 +1,6 @@
 // Trailers: PdfReader::ReadTrailerDictionary.
 
+#include "engine/entry_walk.h"
 #include "engine/lexer.h"
 #include "engine/pdf_reader.h"
 
@@ -24,29 +25,42 @@ bool BeginsWith(std::string_view key, std::string_view name) {
 }
 
 /// The beginning of the key decides, so "/Sizes" counts as "/Size"; the first name that fits wins.
-void TakeEntry(const NameEntry& entry, XrefSectionInfo& info) {
-  if (BeginsWith(entry.NameText, "/Size")) {
-    TakeNumber(entry.NameValue, info.TrailerSize);
-  } else if (BeginsWith(entry.NameText, "/Root")) {
-    TakeReference(entry.NameValue, info.TrailerRoot);
-  } else if (BeginsWith(entry.NameText, "/Info")) {
-    TakeReference(entry.NameValue, info.TrailerInfo);
-  } else if (BeginsWith(entry.NameText, "/Prev")) {
-    TakeNumber(entry.NameValue, info.TrailerPrev);
-  } else if (BeginsWith(entry.NameText, "/Encrypt")) {
-    TakeReference(entry.NameValue, info.TrailerEncrypt);
-  } else if (BeginsWith(entry.NameText, "/ID")) {
-    info.TrailerId = entry.NameValue;
+void TakeEntry(std::string_view key, std::string_view value, XrefSectionInfo& info) {
+  if (BeginsWith(key, "/Size")) {
+    TakeNumber(value, info.TrailerSize);
+  } else if (BeginsWith(key, "/Root")) {
+    TakeReference(value, info.TrailerRoot);
+  } else if (BeginsWith(key, "/Info")) {
+    TakeReference(value, info.TrailerInfo);
+  } else if (BeginsWith(key, "/Prev")) {
+    TakeNumber(value, info.TrailerPrev);
+  } else if (BeginsWith(key, "/Encrypt")) {
+    TakeReference(value, info.TrailerEncrypt);
+  } else if (BeginsWith(key, "/ID")) {
+    info.TrailerId = value;
   }
 }
 
 }  // namespace
 
-void PdfReader::ReadTrailerDictionary(std::int16_t /*slot*/, XrefSectionInfo& info) {
-  info.TrailerEntry = JoinAndParseDictionary(state_.PageKids, info.TrailerFirstLine, info.TrailerLastLine);
-  for (std::int32_t row = info.TrailerEntry; row >= 0; row = state_.NameEntries[row].NameId) {
-    TakeEntry(state_.NameEntries[row], info);
+void PdfReader::ReadTrailerDictionary(std::int16_t slot, XrefSectionInfo& info) {
+  if (KeepsSections(slot)) {
+    info.TrailerEntry = JoinAndParseDictionary(state_.PageKids, info.TrailerFirstLine, info.TrailerLastLine);
+    for (std::int32_t row = info.TrailerEntry; row >= 0; row = state_.NameEntries[row].NameId) {
+      TakeEntry(state_.NameEntries[row].NameText, state_.NameEntries[row].NameValue, info);
+    }
+    return;
   }
+  std::string joined;
+  for (std::int32_t i = info.TrailerFirstLine; i <= info.TrailerLastLine; ++i) joined += state_.PageKids[i];
+  std::string room;
+  EntryWalk walk(InnerText(TrimBlanks(joined)).value_or(""));
+  while (walk.Next()) TakeEntry(walk.Key(), walk.Value(room), info);
+  info.TrailerId.clear();
+}
+
+bool PdfReader::KeepsSections(std::int16_t slot) const {
+  return state_.DocSectionBytes(slot) <= files_.FileLength(state_.DocFileNumber(slot));
 }
 
 }  // namespace folioweld

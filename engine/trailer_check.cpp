@@ -27,12 +27,12 @@ void Note(const ReadInput& input, const XrefSectionInfo& section, AlterationKind
 }
 
 /// What the chain of sections takes from the trailer, beside what other programs read there.
-void Compare(const ReadInput& input, const XrefSectionInfo& section, std::int32_t firstRow) {
+void Compare(const ReadInput& input, const XrefSectionInfo& section, SeenDictionary& dictionary) {
   const MergeState& state = input.State;
   const auto compare = [&](const char* key, std::int32_t taken, std::int32_t seen) {
     if (taken != seen) Note(input, section, AlterationKind::TrailerReadOtherwise, key);
   };
-  const auto value = [&](const char* key) { return ValueOf(state, firstRow, key); };
+  const auto value = [&](const char* key) { return dictionary.Value(key); };
   const bool isNewest = state.DocXrefCount(input.Slot) == 0;
   const std::int32_t information = section.TrailerInfo;
   // Without one nothing is replaced.
@@ -49,34 +49,34 @@ void Compare(const ReadInput& input, const XrefSectionInfo& section, std::int32_
 
 }  // namespace
 
-bool CheckRepeatedKeys(const ReadInput& input, MergeShell& shell, std::int32_t firstRow, std::int32_t number,
-                       std::int64_t fileOffset) {
-  std::set<std::string_view> keys;
+bool CheckRepeatedKeys(const ReadInput& input, MergeShell& shell, SeenDictionary& dictionary,
+                       std::int32_t number, std::int64_t fileOffset) {
+  std::set<std::string> keys;
   bool repeated = false;
-  for (std::int32_t row = firstRow; row >= 0; row = input.State.NameEntries[row].NameId) {
+  dictionary.ForEachKey([&](std::string_view written) {
     if (YieldAndCheckAbort(shell, input.State)) throw RuleBroken({input.Slot, number, -1, kCancelled});
-    const std::string_view written = input.State.NameEntries[row].NameText;
-    const bool isPlain = written.find('#') == std::string_view::npos;
-    if (keys.insert(isPlain ? written : input.State.Texts.Keep(PlainName(written))).second) continue;
+    if (keys.insert(PlainName(written)).second) return;
     NoteAlteration(input.State, input.Slot, AlterationKind::KeyRepeated, number, ShownPiece(written),
                    fileOffset);
     repeated = true;
-  }
+  });
   return repeated;
 }
 
 void CheckTrailer(const ReadInput& input, MergeShell& shell, const XrefSectionInfo& section) {
   if (IsRewritten(input.State, input.Slot)) return;
   const std::string text = TrailerText(input.State, section);
-  const std::int32_t firstRow = ParseAsOthersDo(input, input.State.Texts.Keep(TrimBlanks(text)));
+  SeenDictionary dictionary(input, TrimBlanks(text));
   const bool isNewest = input.State.DocXrefCount(input.Slot) == 0;
-  if (isNewest && !ValueOf(input.State, firstRow, "/Encrypt").empty()) {
+  if (isNewest && !dictionary.Value("/Encrypt").empty()) {
     Note(input, section, AlterationKind::Encrypted, "");
   }
-  if (!ValueOf(input.State, firstRow, "/XRefStm").empty()) {
+  if (!dictionary.Value("/XRefStm").empty()) {
     Note(input, section, AlterationKind::HybridPartLost, "/XRefStm");
   }
-  if (!CheckRepeatedKeys(input, shell, firstRow, -1, section.FirstByte)) Compare(input, section, firstRow);
+  if (!CheckRepeatedKeys(input, shell, dictionary, -1, section.FirstByte)) {
+    Compare(input, section, dictionary);
+  }
 }
 
 }  // namespace folioweld

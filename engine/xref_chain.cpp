@@ -20,7 +20,7 @@ class ChainWalk {
         shell_(shell),
         reader_(reader),
         slot_(slot),
-        bytesLeft_(ByteAllowance(files.FileLength(state.DocFileNumber(slot)))) {}
+        mostBytes_(ByteAllowance(files.FileLength(state.DocFileNumber(slot)))) {}
 
   void Run() {
     while (state_.DocXrefStart(slot_) >= 1) {
@@ -46,8 +46,9 @@ class ChainWalk {
     } else if (info.TrailerSize > state_.DocObjectCount(slot_)) {
       Fail("an older trailer's /Size is above the newest one's", info.FirstByte);
     }
-    CheckTrailer({state_, reader_, slot_}, shell_, info);
+    CheckTrailer({state_, shell_, slot_}, shell_, info);
     Store(info, section);
+    if (!reader_.KeepsSections(slot_)) ForgetLines(info);
     if (state_.DocRootNumber(slot_) == -1) state_.DocRootNumber(slot_) = info.TrailerRoot;
     if (state_.DocInfoNumber(slot_) == -1) state_.DocInfoNumber(slot_) = info.TrailerInfo;
     state_.DocXrefStart(slot_) = info.TrailerPrev >= 1 ? info.TrailerPrev : -1;
@@ -62,8 +63,7 @@ class ChainWalk {
     if (!sections_.insert(info.FirstByte).second) {
       Fail("/Prev leads to a cross-reference section that was read already", info.FirstByte);
     }
-    bytesLeft_ -= info.LastByte - info.FirstByte;
-    if (bytesLeft_ < 0) {
+    if (state_.DocSectionBytes(slot_) > mostBytes_) {
       Fail("the cross-reference sections of the document run into each other", info.FirstByte);
     }
   }
@@ -116,6 +116,17 @@ class ChainWalk {
     state_.TrailerId(slot_, section) = info.TrailerId;
   }
 
+  /// Lines that sections share are not kept for each of them, but for what tells why a /Root was not found.
+  void ForgetLines(const XrefSectionInfo& info) {
+    std::int32_t kept = info.TrailerFirstLine;
+    for (std::int32_t i = info.TrailerFirstLine; i <= info.TrailerLastLine; ++i) {
+      std::string line;
+      line.swap(state_.PageKids[i]);
+      if (kept == info.TrailerFirstLine && line.ends_with("/Root")) state_.PageKids[kept++] = "/Root";
+    }
+    state_.PageKidsCount = kept;
+  }
+
   /// A growth sets every number of the document from section 1 on to -1. The cells that an earlier growth of
   /// this walk has set are not touched again, but for the one that was stored since.
   void MakeRoom(std::int32_t section) {
@@ -146,7 +157,7 @@ class ChainWalk {
   MergeShell& shell_;
   PdfReader& reader_;
   std::int16_t slot_;
-  std::int64_t bytesLeft_;           ///< that sections may still have
+  std::int64_t mostBytes_;           ///< of all sections
   std::set<std::int32_t> sections_;  ///< first byte of every section read
   std::int32_t firstStored_ = 1;     ///< cells from here on may hold numbers
 };

@@ -162,6 +162,7 @@ class SectionReading {
       if (line.substr(0, 7) != "trailer") AppendTrailerLine();
     }
     info_.LastByte = lines_.Offset();
+    state_.DocSectionBytes(slot_) += info_.LastByte - info_.FirstByte;
     if (info_.TrailerFirstLine < 0) {
       Fail("the trailer holds no line of its own (a dictionary on the line \"trailer\" is not read)");
     }

@@ -197,6 +197,21 @@ TEST_F(DictionaryEntryTest, AHexStringIsNoDictionary) {
   EXPECT_EQ(Row(First).NameFlag, 0);
 }
 
+TEST_F(DictionaryEntryTest, ACommentThatOnlyADeeperDictionarySeesIsGoneFromItsValueAlone) {
+  // To the outer ones it stands in a hex string.
+  Parse("<</A <</B <<%\n<4/C <<%\n<4/D 1> >> >> >>/E 2>>");
+  EXPECT_EQ(Row(First).NameValue, "<</B <<\n<4/C <<%\n<4/D 1> >> >> >>");
+  const std::int32_t b = Row(First).NameRef;
+  EXPECT_EQ(Row(b).NameText, "/B");
+  const std::int32_t c = Row(b).NameRef;
+  EXPECT_EQ(Row(c).NameText, "/C");
+  EXPECT_EQ(Row(c).NameValue, "<<\n<4/D 1> >>");
+  const std::int32_t d = Row(c).NameRef;
+  EXPECT_EQ(Row(d).NameText, "/D");
+  EXPECT_EQ(Row(d).NameValue, "1>");
+  EXPECT_EQ(Row(Row(First).NameId).NameText, "/E");
+}
+
 TEST_F(DictionaryEntryTest, CommentsAreGoneFromNestedValuesToo) {
   EntriesOf("/A <</X [1 %/Z (\r2]/Y 3>>/B 4");
   const std::int32_t nested = Row(First).NameRef;

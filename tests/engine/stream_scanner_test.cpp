@@ -47,6 +47,25 @@ const std::string kNoNumber = "the stream's /Length is no number";
 const std::string kWrongLineEnd =
     "\"stream\" is followed by neither a line feed nor a carriage return and a line feed";
 
+// Objects within each other.
+
+TEST_F(StreamScannerTest, WhereObjectsShareTheirTextItIsKeptAndParsedOnce) {
+  DocumentBuilder builder;
+  builder.RawObject(1, "1 0 obj\n<<\n").RawObject(2, "2 0 obj\n<<\n");
+  const std::string rest = "/Rest(" + std::string(10000, 'x') + ")";
+  builder.RawObject(3, "3 0 obj\n<<" + rest + "/Length%\n 4>>\nstream\nDATA\nendstream\nendobj\n");
+  ASSERT_TRUE(Scan(1, builder));
+  const std::string_view whole = State.ObjLines[State.Objects[1].LastLine];
+  EXPECT_GE(State.Objects[1].ObjAux, 0);
+  for (const int number : {2, 3}) {
+    const ObjectEntry& object = State.Objects[number];
+    EXPECT_EQ(object.StreamLength, 4);
+    EXPECT_EQ(object.ObjAux, -1) << "the texts are longer than the file";
+    const std::string_view text = State.ObjLines[object.LastLine];
+    EXPECT_EQ(text.data() + text.size(), whole.data() + whole.size());
+  }
+}
+
 // The data's beginning.
 
 TEST_F(StreamScannerTest, DataBeginsBehindALineFeed) {

@@ -69,6 +69,19 @@ TEST(TextPoolTest, ALongTextDoesNotEndTheBlockInUse) {
   EXPECT_EQ(after.data(), before.data() + before.size());
 }
 
+TEST(TextPoolTest, ATextThatTheOneBeforeEndsWithIsKeptOnce) {
+  TextPool pool;
+  std::string_view longer;
+  const std::string_view whole = pool.KeepOnce("one and two", longer);
+  const std::string_view end = pool.KeepOnce("two", longer);
+  EXPECT_EQ(end, "two");
+  EXPECT_EQ(end.data(), whole.data() + 8);
+  EXPECT_EQ(pool.KeepOnce("and two", longer).data(), whole.data() + 4);
+  const std::string_view other = pool.KeepOnce("one", longer);
+  EXPECT_EQ(other, "one");
+  EXPECT_EQ(longer.data(), other.data());
+}
+
 TEST(TextPoolTest, CanBeUsedAfterAReset) {
   TextPool pool;
   static_cast<void>(pool.Keep("before"));

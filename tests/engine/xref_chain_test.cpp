@@ -326,6 +326,18 @@ TEST_F(XrefChainTest, SectionsOfFourTimesTheFileAndSixteenMebibytesAreRead) {
   EXPECT_EQ(State().DocXrefCount(1), 19);
 }
 
+TEST_F(XrefChainTest, LinesThatSectionsShareAreKeptOnce) {
+  ASSERT_TRUE(Walk(1, NestedSections(1)));
+  const std::int32_t lines = State().PageKidsCount;
+  const std::int32_t rows = State().NameEntryCount;
+  ASSERT_TRUE(Walk(1, NestedSections(19)));
+  EXPECT_LT(State().PageKidsCount, lines + 19 * 4);
+  EXPECT_EQ(State().NameEntryCount, rows + 1) << "with the newest one's /Prev";
+  EXPECT_GE(State().TrailerEntry(1, 0), 0);
+  EXPECT_EQ(State().DocXrefCount(1), 19);
+  EXPECT_EQ(State().TrailerSize(1, 18), 1);
+}
+
 TEST_F(XrefChainTest, SectionsThatRunIntoEachOtherFail) {
   EXPECT_FALSE(Walk(1, NestedSections(40)));
   ExpectFailure("the cross-reference sections of the document run into each other");

@@ -118,12 +118,16 @@ Cost Merge(const std::string& first, const std::string& second, const std::strin
 
 class BoundedWork : public ::testing::TestWithParam<HostileDocument> {
  protected:
-  /// What joining the document as the first or the second one costs, in a process of its own.
+  /// What joining the document as the first or the second one costs.
   Cost Measure(const std::string& bytes, int slot, bool cancel) {
-    const std::string hostile = folder_.Write("hostile.pdf", bytes);
-    const std::string plain = folder_.Write("plain.pdf", testing::SimpleDocument(1));
-    const std::string first = slot == 1 ? hostile : plain;
-    const std::string second = slot == 1 ? plain : hostile;
+    const std::string plain = testing::SimpleDocument(1);
+    return slot == 1 ? Measure(bytes, plain, cancel) : Measure(plain, bytes, cancel);
+  }
+
+  /// The same for both of them, in a process of its own.
+  Cost Measure(const std::string& firstBytes, const std::string& secondBytes, bool cancel) {
+    const std::string first = folder_.Write("first.pdf", firstBytes);
+    const std::string second = folder_.Write("second.pdf", secondBytes);
     int pipe[2];
     EXPECT_EQ(::pipe(pipe), 0);
     const testing::ChildEnd end = testing::InChild([&] {
@@ -146,13 +150,29 @@ class BoundedWork : public ::testing::TestWithParam<HostileDocument> {
     return cost;
   }
 
+  void ExpectWatched(const Cost& cost) {
+    const double blink = testing::kSanitized ? 2.0 : 0.2;
+    EXPECT_LT(cost.LongestWait, blink);
+    EXPECT_LT(cost.CancelWait, blink);
+  }
+
+  /// No more than 64 bytes for every byte of the inputs and as much as objects that run into each other may
+  /// have of text, beside what every merge takes.
+  void ExpectBounded(const Cost& cost, std::size_t bytes) {
+    const double memory = 1024.0 * static_cast<double>(cost.Kilobytes - leastKilobytes_);
+    // A sanitizer's memory says nothing.
+    if (testing::kSanitized) return;
+    EXPECT_LT(memory, 64.0 * 1024 * 1024 + 64.0 * static_cast<double>(bytes));
+  }
+
+ private:
   testing::TempFolder folder_;
+  const long leastKilobytes_ = Measure(testing::SimpleDocument(1), 1, false).Kilobytes;
 };
 
 TEST_P(BoundedWork, GrowsWithTheBytesAndNotFaster) {
   const std::size_t small = testing::FullRun() ? 1000000 : testing::kSanitized ? 100000 : 300000;
   const std::size_t factor = testing::FullRun() ? 16 : 8;
-  const long baseline = [&] { return Measure(testing::SimpleDocument(1), 1, false); }().Kilobytes;
   for (const int slot : {1, 2}) {
     const std::string lesser = GetParam().Build(small);
     const std::string greater = GetParam().Build(small * factor);
@@ -169,15 +189,19 @@ TEST_P(BoundedWork, GrowsWithTheBytesAndNotFaster) {
     // A jump back reads a window of 1 KiB, and a section is some 80 bytes long.
     EXPECT_LT(many.Bytes, 60 * greater.size() + 40000000);
     EXPECT_LT(many.Calls, greater.size() / 60 + 1000);
-    // No more than a fixed number of bytes for every byte of the file, beside the object table.
-    const double bytesOfMemory = 1024.0 * static_cast<double>(many.Kilobytes - baseline);
-    if (!testing::kSanitized) {
-      EXPECT_LT(bytesOfMemory, 128.0 * 1024 * 1024 + 200.0 * static_cast<double>(greater.size()));
-    }
-    const double blink = testing::kSanitized ? 2.0 : 0.2;
-    EXPECT_LT(many.LongestWait, blink);
-    EXPECT_LT(many.CancelWait, blink);
+    ExpectBounded(many, greater.size());
+    ExpectWatched(many);
   }
+}
+
+using SharedText = BoundedWork;
+
+TEST_P(SharedText, TakesLittleMemory) {
+  const std::string document = GetParam().Build(60000);
+  const Cost cost = Measure(document, document, true);
+  std::cout << "  twice " << document.size() << ": " << cost << '\n';
+  ExpectBounded(cost, 2 * document.size());
+  ExpectWatched(cost);
 }
 
 std::string NameOf(const ::testing::TestParamInfo<HostileDocument>& info) {
@@ -195,6 +219,7 @@ std::string NameOf(const ::testing::TestParamInfo<HostileDocument>& info) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Hostile, BoundedWork, ::testing::ValuesIn(testing::HostileDocuments()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Hostile, SharedText, ::testing::ValuesIn(testing::SharingDocuments()), NameOf);
 
 }  // namespace
 }  // namespace folioweld

@@ -212,6 +212,88 @@ std::string StreamsThatClaimTheSameBytes(std::size_t bytes) {
   return WithSection(text + std::string(claim + 100, 'x') + "\n", offsets);
 }
 
+/// How many objects or sections that all run to one end, so many bytes of each being the same, may be read
+/// before the document is refused.
+std::size_t MostThatShare(std::size_t bytes, std::size_t file) {
+  return (std::size_t{16} * 1024 * 1024 + 3 * file) / bytes;
+}
+
+/// A catalog, the root of the page tree with the objects from 3 to `last` as its kids, and their offsets.
+std::string DocumentStart(std::size_t last, std::vector<std::size_t>& offsets) {
+  std::string text = kHeader;
+  offsets.push_back(text.size());
+  text += "1 0 obj\n<</Type/Catalog/Pages 2 0 R>>\nendobj\n";
+  offsets.push_back(text.size());
+  text += "2 0 obj\n<</Type/Pages/Count 1/Kids[";
+  for (std::size_t number = 3; number <= last; ++number) text += std::to_string(number) + " 0 R\n";
+  return text + "]>>\nendobj\n";
+}
+
+/// Each level holds a comment that only a parser which is that deep sees: to the ones above it, it stands in
+/// a hex string.
+constexpr char kLevelOfComment[] = "<<%\n<4/A ";
+constexpr std::size_t kLevels = 100;
+
+std::string NestedComments(std::size_t bytes) {
+  return WithCatalogValue(Times(kLevelOfComment, kLevels) + TimesInLines("x", bytes / 2) + ">" +
+                          Times(">>", kLevels));
+}
+
+std::string ObjectsThatShareNestedComments(std::size_t bytes) {
+  const std::size_t count = std::min(MostThatShare(bytes, bytes), bytes / 100);
+  std::vector<std::size_t> offsets;
+  std::string text = DocumentStart(2, offsets) + "%";
+  for (std::size_t number = 3; number < 3 + count; ++number) {
+    offsets.push_back(text.size());
+    text += std::to_string(number) + " 0 obj\n" + kLevelOfComment + "%";
+  }
+  text += "\n" + Times(kLevelOfComment, kLevels);
+  if (text.size() < bytes) text += TimesInLines("x", bytes - text.size());
+  return WithSection(text + ">" + Times(">>", kLevels + count) + "\nendobj\n", offsets);
+}
+
+/// Objects that run through all that follow. The outermost has the lowest number, or the highest one.
+std::string ObjectsThatShare(const std::string& filler, std::size_t bytes, bool outermostFirst) {
+  const std::size_t count = std::min(MostThatShare(bytes, bytes), bytes / 60);
+  std::vector<std::size_t> offsets;
+  std::string text = DocumentStart(2 + count, offsets);
+  offsets.resize(2 + count);
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::size_t number = outermostFirst ? 3 + i : 2 + count - i;
+    offsets[number - 1] = text.size();
+    text += std::to_string(number) + " 0 obj\n<<\t\n";
+  }
+  if (text.size() < bytes) text += TimesInLines(filler, (bytes - text.size()) / filler.size());
+  return WithSection(text + "\n>>\nendobj\n", offsets);
+}
+
+std::string ObjectsThatShareKeys(std::size_t bytes) {
+  return ObjectsThatShare("/", bytes, true);
+}
+
+std::string ObjectsThatShareReferences(std::size_t bytes) {
+  return ObjectsThatShare("/A 0 0 R", bytes, false);
+}
+
+std::string NodesThatShareKids(std::size_t bytes) {
+  return ObjectsThatShare("/Kids[%\r0 0 R]/Subtype/Widget%\r", bytes, false);
+}
+
+std::string SectionsThatShareLines(std::size_t bytes) {
+  constexpr std::size_t kLength = 48;
+  const std::size_t count = std::min(MostThatShare(bytes, bytes), bytes / 200);
+  const std::string start = kHeader;
+  std::string text = start;
+  for (std::size_t i = 1; i <= count; ++i) {
+    std::string section = "xref\n0 0\n<</Size 1/Root 0 0 R";
+    if (i < count) section += "/Prev " + std::to_string(text.size() + kLength);
+    section.resize(kLength - 1, ' ');
+    text += section + "\n";
+  }
+  if (text.size() < bytes) text += Times("/\n", (bytes - text.size()) / 2);
+  return text + ">>\nstartxref\n" + std::to_string(start.size()) + "\n%%EOF\n";
+}
+
 }  // namespace
 
 const std::vector<HostileDocument>& HostileDocuments() {
@@ -238,6 +320,18 @@ const std::vector<HostileDocument>& HostileDocuments() {
       {"an object in many lines", ManyLines},
       {"one-byte trailer lines", OneByteTrailerLines},
       {"streams that claim the same bytes", StreamsThatClaimTheSameBytes},
+      {"nested comments", NestedComments},
+  };
+  return documents;
+}
+
+const std::vector<HostileDocument>& SharingDocuments() {
+  static const std::vector<HostileDocument> documents = {
+      {"objects that share nested comments", ObjectsThatShareNestedComments},
+      {"objects that share keys", ObjectsThatShareKeys},
+      {"objects that share references", ObjectsThatShareReferences},
+      {"nodes that share kids", NodesThatShareKids},
+      {"sections that share lines", SectionsThatShareLines},
   };
   return documents;
 }

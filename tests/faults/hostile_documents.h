@@ -14,4 +14,8 @@ struct HostileDocument {
 
 [[nodiscard]] const std::vector<HostileDocument>& HostileDocuments();
 
+/// Those whose objects or sections run through each other as often as a document may have it: what is read of
+/// them is sixteen megabytes longer than they are.
+[[nodiscard]] const std::vector<HostileDocument>& SharingDocuments();
+
 }  // namespace folioweld::testing
