@@ -160,8 +160,9 @@ class DirectoryJob {
     logging_.Log("Request to merge towards: \"" + output + "\"  the following files:");
     std::vector<ListedDocument> documents;
     if (!Order(sources, documents)) return;
-    DocumentPreparation preparation(files_, shell_, program_.Merge, logging_);
-    if (program_.Prepare && !Prepare(preparation, documents)) return;
+    std::optional<DocumentPreparation> preparation;
+    if (program_.Prepare) preparation.emplace(files_, shell_, program_.Merge, logging_);
+    if (preparation && !Prepare(*preparation, documents)) return;
     // Two documents need no temporary file; the setting gets its default all the same.
     const bool needsFolder = documents.size() > 2;
     std::string why;
@@ -173,6 +174,8 @@ class DirectoryJob {
       return;
     }
     JoinInRounds(documents, output, tmpFolder);
+    // The last line of the log is about the output and not about the copies.
+    preparation.reset();
     // Whoever cancelled needs no message about an output that was never begun.
     if (report_.Cancelled) probe.RemoveEmpty();
     Finish(output);

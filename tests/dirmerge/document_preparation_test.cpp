@@ -68,6 +68,7 @@ TEST_F(DocumentPreparationTest, ADocumentIsJoinedFromItsCopyInItsPlace) {
               ElementsAre("[Folioweld-MergeDirectory]=>b.pdf: prepared (cross-reference stream)"));
   EXPECT_THAT(shell_.Preparings, ElementsAre("1/1: b.pdf"));
   EXPECT_THAT(shell_.Events, Contains("0|Preparing ... " + Doc("b.pdf")));
+  EXPECT_THAT(MergeLines().back(), ::testing::StartsWith("Output: "));
   EXPECT_EQ(files_.Prepared().Find(Doc("b.pdf")), nullptr) << "the copy is gone, and so is the way to it";
   EXPECT_THAT(Temporaries(), IsEmpty());
   ExpectIdle();
