@@ -81,6 +81,15 @@ TEST_F(PrepareRun, LeavesNothingBehindWhenTheLastBytesAreLost) {
   ExpectNothing("\"" + Out() + "\" cannot be written: Input/output error\n");
 }
 
+TEST_F(PrepareRun, LeavesNothingBehindWhenTheInputChangesMeanwhile) {
+  folder_.Write("out.pdf", "before");
+  system_.Decide = [&](const FaultingSystem::Call& call, std::size_t) {
+    if (call.Is("WriteFile")) folder_.Write("in.pdf", SimpleDocument(2));
+    return FaultingSystem::Fault{};
+  };
+  ExpectNothing("it was changed meanwhile\n");
+}
+
 TEST_F(PrepareRun, LeavesNothingBehindWhenASignalCame) {
   folder_.Write("out.pdf", "before");
   system_.Signal = SIGINT;
