@@ -1,5 +1,6 @@
 // folioweld: joins what the command line names, and opens the window otherwise.
 
+#include <new>
 #include <string>
 #include <vector>
 
@@ -11,9 +12,11 @@
 #include "dirmerge/arguments.h"
 #include "platform/windows_api.h"
 
-int main(int argc, char** argv) {
-  using namespace folioweld;
-  WindowsAPI& system = RealSystem();
+namespace folioweld {
+
+namespace {
+
+int Run(WindowsAPI& system, int argc, char** argv) {
   const std::vector<std::string> words(argv + (argc > 0 ? 1 : 0), argv + argc);
   const Arguments arguments = ParseArguments(words);
   if (const auto status = Answer(system, arguments)) return *status;
@@ -32,4 +35,20 @@ int main(int argc, char** argv) {
   WriteError(system, "folioweld: the window program folioweld-window cannot be started: " + error.Words() +
                          " (it is in the package folioweld-window); to join without it: " + kUsage + "\n");
   return kNotServed;
+}
+
+}  // namespace
+
+}  // namespace folioweld
+
+int main(int argc, char** argv) {
+  using namespace folioweld;
+  WindowsAPI& system = RealSystem();
+  try {
+    return Run(system, argc, argv);
+  } catch (const std::bad_alloc&) {
+    // What a merge had begun is gone by now.
+    WriteError(system, "folioweld: out of memory\n");
+    return kNoOutput;
+  }
 }

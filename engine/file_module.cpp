@@ -20,6 +20,7 @@ std::int16_t FileModule::OpenForBinaryRead(const std::string& document) {
   const std::string& path = copy == nullptr ? document : copy->Path;
   const FileInformation* const own = own_.Find(path);
   const OpenMode mode = own == nullptr ? OpenMode::ReadExisting : OpenMode::ReadUnlinked;
+  auto file = MakeRoom();
   const auto handle = RetryInterrupted([&] { return system_.CreateFile(path, mode); });
   if (!handle.Ok()) return Refuse(-1, handle.Error(), own);
   const auto information = system_.GetFileInformationByHandle(handle.Value());
@@ -29,7 +30,6 @@ std::int16_t FileModule::OpenForBinaryRead(const std::string& document) {
   }
   if (information.Value().Kind == FileKind::Directory) return Refuse(handle.Value(), SystemError{EISDIR});
   if (information.Value().Kind != FileKind::Regular) return Refuse(handle.Value(), SystemError{EINVAL});
-  auto file = std::make_unique<OpenFile>();
   file->Handle = handle.Value();
   file->Information = information.Value();
   if (copy != nullptr) file->Original = copy->Original;
@@ -44,6 +44,7 @@ std::int16_t FileModule::OpenForBinaryWrite(const std::string& path) {
 std::int16_t FileModule::OpenOutput(const std::string& path, bool mayReplace) {
   const FileInformation* const own = own_.Find(path);
   const OpenMode mode = own == nullptr ? OpenMode::WriteKeep : OpenMode::ReadWriteExisting;
+  auto file = MakeRoom();
   const auto handle = RetryInterrupted([&] { return system_.CreateFile(path, mode); });
   if (!handle.Ok()) return Refuse(-1, handle.Error(), own);
   const auto information = system_.GetFileInformationByHandle(handle.Value());
@@ -70,7 +71,6 @@ std::int16_t FileModule::OpenOutput(const std::string& path, bool mayReplace) {
                                 ? SystemError{}
                                 : RetryInterrupted([&] { return system_.SetEndOfFile(handle.Value(), 0); });
   if (error) return Refuse(handle.Value(), error);
-  auto file = std::make_unique<OpenFile>();
   file->Handle = handle.Value();
   file->Information = information.Value();
   file->Output.emplace(system_, file->Handle, spareBuffers_);
@@ -161,6 +161,13 @@ bool FileModule::SetFileSize(std::int16_t fileNumber, std::int32_t size) {
   if (file == nullptr || !file->Output) return Fail(SystemError{EBADF});
   const SystemError error = RetryInterrupted([&] { return system_.SetEndOfFile(file->Handle, size); });
   return !error || Fail(error);
+}
+
+/// Whatever an open file takes of memory is got before it is opened, so that it is not lost without any.
+std::unique_ptr<OpenFile> FileModule::MakeRoom() {
+  files_.reserve(files_.size() + 1);
+  spareBuffers_.GiveBack(spareBuffers_.Take());
+  return std::make_unique<OpenFile>();
 }
 
 std::int16_t FileModule::Store(std::unique_ptr<OpenFile> file) {

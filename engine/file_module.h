@@ -157,6 +157,7 @@ class FileModule {
   }
   std::int16_t OpenOutput(const std::string& path, bool mayReplace);
   std::int16_t ReplaceName(const std::string& path, WindowsAPI::Handle handle);
+  std::unique_ptr<OpenFile> MakeRoom();
   std::int16_t Store(std::unique_ptr<OpenFile> file);
   /// `own` is the file that was expected, if it was one of the job's own.
   std::int16_t Refuse(WindowsAPI::Handle handle, SystemError error, const FileInformation* own = nullptr);

@@ -2,6 +2,10 @@
 
 #include "engine/merge_job.h"
 
+#include <new>
+#include <string>
+#include <utility>
+
 namespace folioweld {
 
 namespace {
@@ -23,6 +27,16 @@ void MergeJob::AbortOperation() {
 void MergeJob::cmdOK_Click() {
   if (state_.JobRunning) return;
   state_.JobRunning = true;
+  outputFinished_ = false;
+  try {
+    lastLine_ = std::string(kLogPrefix) + "The merge failed: " + kOutOfMemory;
+    RunJob();
+  } catch (const std::bad_alloc&) {
+    EndWithoutMemory();
+  }
+}
+
+void MergeJob::RunJob() {
   state_.CancelSeen = state_.AbortRequested;
   state_.AbortRequested = false;
   state_.Failure = {};
@@ -59,6 +73,28 @@ void MergeJob::FinishFailed() {
   if (!state_.Failure.Empty()) LogFailure(state_.Failure);
   state_.MergeStatus = -1;
   state_.DocFileName(3).clear();
+}
+
+/// Where a step of the job itself ran out of memory, and no pass. What it has written of the output goes.
+void MergeJob::EndWithoutMemory() {
+  // After the end there is only the window to be brought up to date.
+  if (!state_.JobRunning) return;
+  static_cast<void>(CloseFile(1));
+  static_cast<void>(CloseFile(2));
+  if (state_.DocFileNumber(3) >= 1) {
+    DiscardOutput();
+  } else if (outputFinished_) {
+    files_.DeleteFile(state_.DocFileName(3));
+  }
+  state_.Failure.Rule.clear();
+  FinishFailed();
+  EndJob();
+  try {
+    shell_.Notice(lastLine_);
+    if (state_.LogEnabled) log_.AddLogLine(std::move(lastLine_));
+  } catch (const std::bad_alloc&) {
+    // The status tells all the same.
+  }
 }
 
 void MergeJob::EndJob() {

@@ -65,7 +65,9 @@ class MergeJob {
   void RemoveOutput(bool stillNamed);
 
   [[nodiscard]] bool CloseFile(std::int16_t slot);
+  void RunJob();
   void FinishFailed();
+  void EndWithoutMemory();
   void EndJob();
   void ShowOutcome(bool ok);
   void TellAlterations();
@@ -78,6 +80,9 @@ class MergeJob {
   MergeShell& shell_;
   ActivityLog& log_;
   PdfReader reader_;
+  bool outputFinished_ = false;  ///< by the run that is going on
+  /// Room for the one line that is told when there is no more memory.
+  std::string lastLine_;
 };
 
 }  // namespace folioweld

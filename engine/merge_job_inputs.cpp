@@ -1,5 +1,6 @@
 // The job opens, accepts and reads its inputs.
 
+#include <new>
 #include <utility>
 
 #include "engine/merge_job.h"
@@ -22,14 +23,20 @@ bool MergeJob::OutputIsInputName() {
 bool MergeJob::OpenInputs() {
   state_.DocUsed(2) = false;
   PassFailure why;
-  if (!OpenInput(1, why)) {
+  const auto open = [&](std::int16_t slot) {
+    const bool opened = OpenInput(slot, why);
+    // A document that could not be looked at is none that may be left out.
+    if (why.Rule == kOutOfMemory) throw std::bad_alloc();
+    return opened;
+  };
+  if (!open(1)) {
     state_.JobRunning = false;
     DropInput(1, why);
     state_.MergeStatus = -1;
     return false;
   }
   // The second input is left out without a message box; the log alone tells.
-  if (!OpenInput(2, why)) DropInput(2, why);
+  if (!open(2)) DropInput(2, why);
   return true;
 }
 

@@ -71,7 +71,8 @@ bool MergeJob::NothingChangedMeanwhile() {
 bool MergeJob::FinishOutput(std::int32_t written) {
   // Cut while it is open and locked, and not by its name, which can lead to another file at any moment.
   const bool cut = files_.SetFileSize(state_.DocFileNumber(3), written);
-  if (cut && CloseFile(3)) return true;
+  outputFinished_ = cut && CloseFile(3);
+  if (outputFinished_) return true;
   state_.Failure = {3, -1, -1, "the output cannot be finished: " + files_.LastError().Words()};
   ShowOutcome(false);
   if (cut) {

@@ -32,6 +32,9 @@ class RuleBroken : public std::runtime_error {
 /// The words of a cancel, wherever it is seen.
 inline constexpr char kCancelled[] = "cancelled";
 
+/// The words where there is no more memory.
+inline constexpr char kOutOfMemory[] = "out of memory";
+
 /// How a status line tells that a pass failed.
 inline constexpr char kFailedOrCancelled[] = "FAILED or cancelled";
 

@@ -20,7 +20,7 @@ template <typename Step>
     failure = broken.Failure();
     if (failure.DocumentSlot == 0) failure.DocumentSlot = slot;
   } catch (const std::bad_alloc&) {
-    failure = {slot, -1, -1, "out of memory"};
+    failure = {slot, -1, -1, kOutOfMemory};
   }
   return false;
 }

@@ -13,4 +13,15 @@ class FailingMemory {
   ~FailingMemory();
 };
 
+/// While it lives, the n-th request for memory from its beginning on fails, and no other.
+class FailingRequest {
+ public:
+  explicit FailingRequest(long n);
+  FailingRequest(const FailingRequest&) = delete;
+  FailingRequest& operator=(const FailingRequest&) = delete;
+  ~FailingRequest();
+  /// Whether that many were made.
+  [[nodiscard]] static bool Reached();
+};
+
 }  // namespace folioweld::testing
