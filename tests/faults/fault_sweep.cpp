@@ -6,6 +6,7 @@
 #include <iostream>
 #include <limits>
 #include <map>
+#include <utility>
 #include <vector>
 
 #include "platform/system_result.h"
@@ -67,12 +68,11 @@ const char* Word(FaultTrial::Reach how) {
 }  // namespace
 
 std::function<FaultingSystem::Fault(const FaultingSystem::Call&, std::size_t)> FaultTrial::Decide() {
-  return [this](const FaultingSystem::Call& call, std::size_t index) {
+  return [this, ofKind = std::size_t{0}](const FaultingSystem::Call& call, std::size_t) mutable {
     Calls.push_back(call.Name);
-    if (index < Site) return FaultingSystem::Fault{};
-    if (index == Site) {
+    if (!Reached) {
+      if (call.Name != CallName || ofKind++ != Site) return FaultingSystem::Fault{};
       Reached = true;
-      CallName = call.Name;
       const auto& faults = FaultsOf(call.Name);
       Injected = How == Reach::EverythingElse ? FaultingSystem::Fault{EIO, 0}
                  : Fault < faults.size()      ? faults[Fault]
@@ -100,50 +100,52 @@ bool FaultTrial::MayLeaveAnEmptyFile() const {
 }
 
 std::string FaultTrial::Description() const {
-  return "call " + std::to_string(Site) + ", " + CallName + " " + Word(How) + ": " +
+  return CallName + " number " + std::to_string(Site) + " " + Word(How) + ": " +
          (Injected.Error != 0 ? SystemError{Injected.Error}.Words() : "cut short");
 }
 
 namespace {
 
-/// Which calls are to fail: every stride-th, and the first of each kind. The last one is beyond the end.
-std::vector<std::size_t> SitesOf(const std::function<void(FaultTrial&)>& run, std::size_t stride) {
+/// A call by its kind, and which of that kind.
+using Site = std::pair<std::string, std::size_t>;
+
+/// Which calls are to fail: every stride-th, and the first of each kind.
+std::vector<Site> SitesOf(const std::function<void(FaultTrial&)>& run, std::size_t stride) {
   FaultTrial untouched;
-  untouched.Site = std::numeric_limits<std::size_t>::max();
   run(untouched);
-  std::vector<std::size_t> sites;
-  std::set<std::string> seen;
-  for (std::size_t site = 0; site < untouched.Calls.size(); ++site) {
-    if (seen.insert(untouched.Calls[site]).second || site % stride == 0) sites.push_back(site);
+  std::vector<Site> sites;
+  std::map<std::string, std::size_t> seen;
+  for (std::size_t i = 0; i < untouched.Calls.size(); ++i) {
+    const std::size_t ofKind = seen[untouched.Calls[i]]++;
+    if (ofKind == 0 || i % stride == 0) sites.emplace_back(untouched.Calls[i], ofKind);
   }
-  sites.push_back(untouched.Calls.size());
   return sites;
 }
 
-/// Every fault that the call at the site can have; false when a run passed without reaching it.
-bool TryFaultsAt(std::size_t site, const std::function<void(FaultTrial&)>& run,
+/// Every fault that the call at the site can have, as far as a run reaches it.
+void TryFaultsAt(const Site& site, const std::function<void(FaultTrial&)>& run,
                  std::map<std::string, int>& tried) {
   bool reached = false;
   for (const auto how :
        {FaultTrial::Reach::Once, FaultTrial::Reach::SameCalls, FaultTrial::Reach::EverythingElse}) {
     for (std::size_t fault = 0;; ++fault) {
       FaultTrial trial;
-      trial.Site = site;
+      trial.CallName = site.first;
+      trial.Site = site.second;
       trial.Fault = fault;
       trial.How = how;
       run(trial);
       if (::testing::Test::HasFailure()) {
         ADD_FAILURE() << "with this fault: " << trial.Description();
-        return false;
+        return;
       }
       if (!trial.Reached) break;
       reached = true;
       ++tried[trial.CallName];
       if (how == FaultTrial::Reach::EverythingElse || fault + 1 >= FaultsOf(trial.CallName).size()) break;
     }
-    if (!reached) break;
+    if (!reached) return;
   }
-  return reached;
 }
 
 }  // namespace
@@ -151,10 +153,10 @@ bool TryFaultsAt(std::size_t site, const std::function<void(FaultTrial&)>& run,
 void SweepFaults(const std::set<std::string>& calls, const std::function<void(FaultTrial&)>& run,
                  std::size_t stride) {
   std::map<std::string, int> tried;
-  for (const std::size_t site : SitesOf(run, stride)) {
-    if (!TryFaultsAt(site, run, tried)) break;
+  for (const Site& site : SitesOf(run, stride)) {
+    TryFaultsAt(site, run, tried);
+    if (::testing::Test::HasFailure()) return;
   }
-  if (::testing::Test::HasFailure()) return;
   std::set<std::string> reached;
   for (const auto& [name, faults] : tried) {
     std::cout << "  " << name << ": " << faults << " faults\n";

@@ -18,14 +18,15 @@ struct FaultTrial {
     EverythingElse  ///< it and every later call fail, as if the disk had been pulled out
   };
 
-  std::size_t Site = 0;  ///< which call, counted from 0
+  // The site: by its kind, since the number of reads from another process differs from run to run.
+  std::string CallName;  ///< empty = none
+  std::size_t Site = 0;  ///< which of its kind, counted from 0
   std::size_t Fault = 0;
   Reach How = Reach::Once;
 
   // Known once the site was reached.
   bool Reached = false;
   std::vector<std::string> Calls;  ///< of the whole run, in order
-  std::string CallName;
   FaultingSystem::Fault Injected;
 
   /// The decision that makes the fault happen; the trial has to outlive it.
@@ -42,8 +43,8 @@ struct FaultTrial {
   [[nodiscard]] std::string Description() const;
 };
 
-/// Calls `run` with every fault that every call can have, once and lasting, from the first call on until a
-/// run passes untouched. `stride` leaves out sites, but not the first call of a kind. Every failure names its
+/// Calls `run` with every fault that every call can have, once and lasting, and before that without
+/// any. `stride` leaves out sites, but not the first call of a kind. Every failure names its
 /// trial. The test fails unless the calls that were made to fail are those that are named: a sweep that no
 /// longer reaches one says so, and so does one that reaches another.
 void SweepFaults(const std::set<std::string>& calls, const std::function<void(FaultTrial&)>& run,
