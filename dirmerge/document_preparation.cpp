@@ -198,8 +198,10 @@ void DocumentPreparation::TellPrepared(const Candidate& candidate, DirectoryMerg
   logging_.Notice(name + ": prepared (" +
                   (reasons.empty() ? FirstObjection(candidate.Judged, candidate.Document.Name) : reasons) +
                   ")");
-  for (const std::string& loss : result.Losses) logging_.Notice(name + ": lost: " + loss);
-  for (const std::string& repair : result.Repairs) logging_.Notice(name + ": repaired: " + repair);
+  const std::string lost = name + ": lost: ";
+  for (const std::string& loss : result.Losses) logging_.Notice(lost + loss);
+  const std::string repaired = name + ": repaired: ";
+  for (const std::string& repair : result.Repairs) logging_.Notice(repaired + repair);
   if (result.Repaired) report.RepairedDocuments.push_back(name);
 }
 
