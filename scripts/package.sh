@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # package.sh [FOLDER [BUILD_FOLDER]]: builds the Debian packages folioweld, folioweld-window and folioweld-extras into
-# FOLDER, build/packages unless told otherwise. The same sources and tools give the same bytes.
+# FOLDER, build/packages unless told otherwise, and those with their debug symbols into FOLDER/debug. The same sources and
+# tools give the same bytes.
 set -euo pipefail
 root=$(dirname "$(dirname "$(readlink -f "$0")")")
 folder=$(realpath -m "${1:-$root/build/packages}")
@@ -15,9 +16,9 @@ export SOURCE_DATE_EPOCH
 
 "$root/scripts/install-packages.sh" run window prepare package
 "$root/scripts/build.sh" package "$build"
-mkdir -p "$folder"
+mkdir -p "$folder/debug"
 # Packages of an earlier version would be taken for this one's.
-rm -f "$folder"/folioweld*.deb "$build"/cpack/folioweld*.deb
+rm -f "$folder"/folioweld*.deb "$folder"/debug/folioweld*.deb "$build"/cpack/folioweld*.*deb
 log=$build/cpack.log
 # CPack works in a folder below the one it starts in.
 if ! (cd "$build" && cpack --config CPackConfig.cmake -B "$build/cpack") >"$log" 2>&1 </dev/null; then
@@ -25,4 +26,16 @@ if ! (cd "$build" && cpack --config CPackConfig.cmake -B "$build/cpack") >"$log"
   exit 1
 fi
 cp "$build"/cpack/folioweld*.deb "$folder"
+# CPack names the debug symbols by their places in the build folder, and leaves out what every package has to hold.
+for symbols in "$build"/cpack/folioweld*.ddeb; do
+  name=$(basename "$symbols" .ddeb)
+  tree=$build/cpack/$name
+  rm -rf "$tree"
+  dpkg-deb --raw-extract "$symbols" "$tree"
+  mkdir -p "$tree/usr/share/doc"
+  ln -s "${name%%-dbgsym_*}" "$tree/usr/share/doc/${name%%_*}"
+  (cd "$tree" && find usr -type f -exec md5sum {} + | sort -k 2 >DEBIAN/md5sums)
+  sed -i '/^Package-Type:/d' "$tree/DEBIAN/control"
+  dpkg-deb --root-owner-group -Zxz --build "$tree" "$folder/debug/$name.deb" >>"$log"
+done
 ls "$folder"/folioweld*.deb

@@ -6,7 +6,6 @@ set(CPACK_PACKAGE_CONTACT "The Folioweld developers <maintainers@folioweld.examp
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 # The desktop entry is written with the final prefix: it is installed into a staging folder, not under another prefix.
 set(CPACK_SET_DESTDIR ON)
-set(CPACK_STRIP_FILES ON)
 set(CPACK_THREADS 1)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -18,10 +17,14 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE https://folioweld.example/)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# The programs are stripped, and what that takes away is in packages of its own.
+set(CPACK_DEBIAN_DEBUGINFO_PACKAGE ON)
 
 set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME folioweld)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION text)
-set(CPACK_DEBIAN_COMMAND_PACKAGE_SUGGESTS "folioweld-window, folioweld-extras")
+# The other programs are those that the documents name.
+set(CPACK_DEBIAN_COMMAND_PACKAGE_SUGGESTS
+    "folioweld-window, folioweld-extras, mupdf-tools, pdftk-java, poppler-utils, qpdf")
 set(CPACK_DEBIAN_COMMAND_DESCRIPTION "joins PDF documents into one file\n\
 Joins every PDF document of a folder into one file, from the command line and\n\
 without a screen. Page contents, fonts and pictures are copied byte for byte\n\
@@ -32,7 +35,7 @@ makes documents joinable that are not, such as those with compressed tables,\n\
 is in folioweld-extras.")
 
 set(CPACK_DEBIAN_WINDOW_PACKAGE_NAME folioweld-window)
-set(CPACK_DEBIAN_WINDOW_PACKAGE_SECTION text)
+set(CPACK_DEBIAN_WINDOW_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_WINDOW_PACKAGE_DEPENDS "folioweld (= ${PROJECT_VERSION})")
 # Qt's way to a Wayland screen is a plugin, which no program is linked with; that to X11 comes with Qt.
 set(CPACK_DEBIAN_WINDOW_PACKAGE_RECOMMENDS qt6-wayland)

@@ -24,7 +24,7 @@ PROGRAMS = ("bin/folioweld", "bin/folioweld-prepare", "folioweld/folioweld-windo
 
 
 def beside_documents(folder):
-    return {name for name in files(folder) if not name.startswith("share/doc/folioweld/")}
+    return {name for name in files(folder) if not name.startswith("share/doc/folioweld")}
 
 
 class Installation(InstallationTest):
@@ -40,14 +40,20 @@ class Installation(InstallationTest):
         self.assertIn("format.md", files(documents))
         self.assertEqual({path.name for path in (documents / "examples").iterdir()},
                          {path.name for path in (ROOT / "examples").glob("*.pdf")})
-        self.assertEqual({path.name for path in (documents / "images").iterdir()},
+        self.assertIn("README.md", files(documents))
+        self.assertNotIn("![", (documents / "user-guide.md").read_text())
+        pictures = self.folder / "usr/local/share/doc/folioweld-window/images"
+        self.assertEqual({path.name for path in pictures.iterdir()},
                          {path.name for path in (ROOT / "docs" / "images").glob("*.png")})
 
     def test_the_documents_link_to_nothing_that_is_not_installed(self):
-        install(self.folder, component="command")
-        for page in (self.folder / "usr/local/share/doc/folioweld").glob("*.md"):
-            for link in re.findall(r"\]\(([^)#:]+)[)#]", page.read_text()):
-                self.assertTrue((page.parent / link).exists(), f"{page.name} links to {link}")
+        for component, pages in (("command", 5), ("window", 1)):
+            install(self.folder, component=component)
+            found = list((self.folder / "usr/local/share/doc").rglob("*.md"))
+            self.assertGreaterEqual(len(found), pages)
+            for page in found:
+                for link in re.findall(r"\]\(([^)#:]+)[)#]", page.read_text()):
+                    self.assertTrue((page.parent / link).exists(), f"{page} links to {link}")
 
     def test_everybody_may_read_and_only_programs_may_be_run(self):
         install(self.folder)

@@ -4,7 +4,7 @@
 import re
 import subprocess
 
-from project import ROOT, VERSION, FolderTest, main, packages, run
+from project import ROOT, VERSION, FolderTest, debug_packages, main, packages, run
 
 TOOLKIT = re.compile(r"qt|gtk|x11|xcb|wayland|libgl", re.IGNORECASE)
 
@@ -14,7 +14,8 @@ class Packages(FolderTest):
         return run("dpkg-deb", "--field", packages()[package], name).strip()
 
     def test_have_no_error_and_no_warning(self):
-        said = run("lintian", "--allow-root", "--no-cfg", "--show-overrides", *packages().values())
+        said = run("lintian", "--allow-root", "--no-cfg", "--show-overrides", *packages().values(),
+                   *debug_packages().values())
         self.assertEqual(said, "")
 
     def test_a_faulty_package_has_errors(self):
@@ -52,16 +53,58 @@ class Packages(FolderTest):
         self.assertTrue(all(listed))
         self.assertEqual(len(set.union(*listed)), sum(map(len, listed)))
 
-    def test_programs_are_stripped_and_hardened(self):
-        for package, program in (("folioweld", "usr/bin/folioweld"),
-                                 ("folioweld-window", "usr/libexec/folioweld/folioweld-window"),
-                                 ("folioweld-extras", "usr/bin/folioweld-prepare")):
-            run("dpkg-deb", "--extract", packages()[package], self.folder)
-            told = run("readelf", "--wide", "--sections", "--dynamic", "--program-headers", self.folder / program)
+    def programs(self):
+        """Every program of the packages, with the package that it is in."""
+        for package, path in packages().items():
+            inside = self.folder / package
+            run("dpkg-deb", "--extract", path, inside)
+            for file in sorted(inside.rglob("*")):
+                if file.is_file() and not file.is_symlink() and file.read_bytes()[:4] == b"\x7fELF":
+                    yield package, file
+
+    def test_programs_are_stripped_hardened_and_look_at_their_indices(self):
+        found = list(self.programs())
+        self.assertEqual({package for package, _ in found}, set(packages()))
+        for _, program in found:
+            told = run("readelf", "--wide", "--sections", "--dynamic", "--dyn-syms", "--program-headers", program)
             self.assertNotIn(".symtab", told)
             self.assertNotIn(".debug_info", told)
             self.assertIn("GNU_RELRO", told)
             self.assertIn("BIND_NOW", told)
+            self.assertIn("__glibcxx_assert_fail", told)
+
+    def test_programs_bring_no_library_along(self):
+        for _, program in self.programs():
+            told = run("readelf", "--wide", "--dynamic", program)
+            for library in ("libc.so.6", "libstdc++.so.6"):
+                self.assertIn(f"[{library}]", told, program)
+
+    def test_the_debug_symbols_are_those_of_the_programs(self):
+        symbols = debug_packages()
+        self.assertEqual(set(symbols), set(packages()))
+        for package, program in self.programs():
+            build = re.search(r"Build ID: (\w+)", run("readelf", "--notes", program)).group(1)
+            inside = self.folder / "symbols" / package
+            inside.mkdir(parents=True)
+            run("dpkg-deb", "--extract", symbols[package], inside)
+            file = inside / f"usr/lib/debug/.build-id/{build[:2]}/{build[2:]}.debug"
+            self.assertIn(".debug_info", run("readelf", "--wide", "--sections", file))
+            self.assertIn(f"{package} (= {VERSION})", run("dpkg-deb", "--field", symbols[package], "Depends"))
+
+    def test_the_pictures_of_the_guide_come_with_the_window(self):
+        pictures = {package: [line for line in run("dpkg-deb", "--contents", path).splitlines()
+                              if "/doc/" in line and line.endswith(".png")] for package, path in packages().items()}
+        self.assertEqual({package for package, found in pictures.items() if found}, {"folioweld-window"})
+
+    def test_their_sections_and_what_they_suggest(self):
+        self.assertEqual({name: self.field(name, "Section") for name in ("folioweld", "folioweld-window")},
+                         {"folioweld": "text", "folioweld-window": "graphics"})
+        suggested = self.field("folioweld", "Suggests").split(", ")
+        told = " ".join((ROOT / "docs" / page).read_text() for page in ("recipes.md", "user-guide.md"))
+        named = set(re.findall(r"\(Debian package: ([\w-]+)\)", told)) | set(
+            re.findall(r"^\| `.*` \| ([\w-]+) \|", told, re.MULTILINE))
+        self.assertGreater(len(named), 2)
+        self.assertLessEqual(named, set(suggested))
 
 
 if __name__ == "__main__":

@@ -66,6 +66,11 @@ def packages():
     return found
 
 
+def debug_packages():
+    """Those with the debug symbols, by the names of the packages that they belong to."""
+    return {path.name.split("-dbgsym_")[0]: path for path in (PACKAGES / "debug").glob("*.deb")}
+
+
 class FolderTest(unittest.TestCase):
     """A test with a folder of its own."""
 

@@ -5,7 +5,7 @@ import hashlib
 import os
 import shutil
 
-from project import ROOT, FolderTest, main, packages, run
+from project import ROOT, FolderTest, debug_packages, main, packages, run
 
 
 def leave_out(folder, names):
@@ -15,7 +15,7 @@ def leave_out(folder, names):
 
 class Reproducible(FolderTest):
     def test_a_second_build_gives_the_same_bytes(self):
-        first = packages()
+        first = [*packages().values(), *debug_packages().values()]
         sources = self.folder / "another place" / "sources of it"
         shutil.copytree(ROOT, sources, ignore=leave_out)
         for file in sources.rglob("*"):
@@ -23,10 +23,10 @@ class Reproducible(FolderTest):
         environment = {name: value for name, value in os.environ.items() if name != "SOURCE_DATE_EPOCH"}
         environment.update(LC_ALL="C", LANG="de_DE.UTF-8", TZ="Pacific/Kiritimati", HOME=str(self.folder), USER="x")
         run(sources / "scripts/package.sh", self.folder / "again", self.folder / "build", env=environment, umask=0o077)
-        for name, package in first.items():
-            again = self.folder / "again" / package.name
+        for package in first:
+            again = self.folder / "again" / ("debug" if "-dbgsym_" in package.name else "") / package.name
             if again.read_bytes() != package.read_bytes():
-                self.fail(f"{name} differs:\n{self.difference(package, again)}")
+                self.fail(f"{package.name} differs:\n{self.difference(package, again)}")
 
     def difference(self, first, second):
         return "\n".join(sorted(self.contents(first) ^ self.contents(second)))
