@@ -1,7 +1,7 @@
 #pragma once
 
-// The headers of libqpdf that this project uses. Its JSON, of which nothing is used here, is left out for Clang
-// 14, which does not compile it as C++20, since it has a vector of itself.
+// The headers of libqpdf that this project uses. Its JSON, of which nothing is used here, is left out for
+// Clang 14, which does not compile it as C++20, since it has a vector of itself.
 #if defined(__clang__) && __clang_major__ < 15
 #define JSON_HH
 class JSON;

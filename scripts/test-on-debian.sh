@@ -8,7 +8,7 @@ release=$1
 mirror=${2:-http://deb.debian.org/debian}
 
 mapfile -t packages < <(awk '$1 ~ /^(run|window|prepare|package)$/ { print $2 }' "$root/packages.txt" | sort -u)
-packages+=(libgtest-dev libgmock-dev qpdf file)
+packages+=(libgtest-dev libgmock-dev qpdf mupdf-tools poppler-utils file)
 include=$(IFS=,; echo "${packages[*]}")
 
 work=$(mktemp -d)
@@ -27,8 +27,11 @@ mmdebstrap --mode=root --variant=minbase --skip=cleanup/apt/lists --include="$in
 mkdir "$work/root/src"
 (cd "$root" && scripts/source-files.sh '*' | tar c -T -) | tar x -C "$work/root/src"
 
+# With terminals of its own, which some tests open. What is mounted ends with the command.
+# shellcheck disable=SC2016 # the inner shell is the one to expand it
 inside() {
-  unshare --mount sh -c 'mount -t proc proc "$0/proc" && exec chroot "$0" "$@"' "$work/root" \
+  unshare --mount sh -c 'mount -t proc proc "$0/proc" && mount -t devpts -o newinstance,ptmxmode=666 devpts "$0/dev/pts" &&
+    mount --bind "$0/dev/pts/ptmx" "$0/dev/ptmx" && exec chroot "$0" "$@"' "$work/root" \
     env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 "$@"
 }
 say "building and testing the preset no-window"

@@ -60,7 +60,9 @@ TEST_F(PreparedPages, AreNotGuessedWhereTheCatalogHasNone) {
   DocumentBuilder document;
   document.Object(1, "<< /Type /Catalog >>");
   EXPECT_EQ(Run(document.Build()), kNoCopy);
-  EXPECT_THAT(system_.Take(), HasSubstr("not written: its catalog leads to no page tree\n"));
+  // libqpdf 12 notices it by itself.
+  EXPECT_THAT(system_.Take(), ::testing::AnyOf(HasSubstr("not written: its catalog leads to no page tree\n"),
+                                               HasSubstr("not written: unable to find page tree\n")));
 }
 
 TEST_F(PreparedPages, AreNotLookedForWithoutEnd) {
