@@ -197,7 +197,7 @@ TEST_P(BoundedWork, GrowsWithTheBytesAndNotFaster) {
 using SharedText = BoundedWork;
 
 TEST_P(SharedText, TakesLittleMemory) {
-  const std::string document = GetParam().Build(60000);
+  const std::string document = GetParam().Build(testing::kSanitized ? 20000 : 60000);
   const Cost cost = Measure(document, document, true);
   std::cout << "  twice " << document.size() << ": " << cost << '\n';
   ExpectBounded(cost, 2 * document.size());
