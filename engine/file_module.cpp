@@ -12,7 +12,10 @@ namespace folioweld {
 FileModule::FileModule(WindowsAPI& system) : system_(system) {}
 
 FileModule::~FileModule() {
-  for (std::size_t i = 0; i < files_.size(); ++i) Close(static_cast<std::int16_t>(i + 1));
+  for (std::size_t i = 0; i < files_.size(); ++i) {
+    // Nobody is left to hear of a failure.
+    static_cast<void>(Close(static_cast<std::int16_t>(i + 1)));
+  }
 }
 
 std::int16_t FileModule::OpenForBinaryRead(const std::string& document) {

@@ -64,7 +64,7 @@ class FileModule {
 
   /// Writes out what is gathered and closes. False when the last bytes could not be written or the system
   /// reports an error for the close; the number is free afterwards in any case. A number below 1 is no error.
-  bool Close(std::int16_t fileNumber);
+  [[nodiscard]] bool Close(std::int16_t fileNumber);
 
   /// Gives an output up: what was written is emptied again and what is gathered is forgotten. The number is
   /// free afterwards. Whether the path still named that very file just before is told in `stillNamed`, so
@@ -130,7 +130,7 @@ class FileModule {
   /// Deletes a file that the job made, or empties it; whatever else has its name by now is left alone.
   [[nodiscard]] OwnDeletion DeleteOwn(const std::string& path, const FileInformation& made);
   /// Empties an existing file; true when that worked.
-  bool TruncateFile(const std::string& path);
+  [[nodiscard]] bool TruncateFile(const std::string& path);
   /// Sets the end of an existing file.
   [[nodiscard]] bool SetFileSize(const std::string& path, std::int32_t size);
 
@@ -155,7 +155,7 @@ class FileModule {
     if (fileNumber < 1 || static_cast<std::size_t>(fileNumber) > files_.size()) return nullptr;
     return files_[static_cast<std::size_t>(fileNumber) - 1].get();
   }
-  std::int16_t OpenOutput(const std::string& path, bool mayReplace);
+  [[nodiscard]] std::int16_t OpenOutput(const std::string& path, bool mayReplace);
   std::int16_t ReplaceName(const std::string& path, WindowsAPI::Handle handle);
   std::unique_ptr<OpenFile> MakeRoom();
   std::int16_t Store(std::unique_ptr<OpenFile> file);

@@ -65,7 +65,8 @@ void FileModule::DeleteFile(const std::string& path) {
   if (!error || error.Code == ENOENT) return;
   lastError_ = error;
   if (information.Ok() && information.Value().Kind == FileKind::Regular && information.Value().Links == 1) {
-    TruncateFile(path);
+    // Best effort: why it could not be deleted is what is told.
+    static_cast<void>(TruncateFile(path));
     // What kept the name may have been over in a moment.
     static_cast<void>(system_.DeleteFile(path));
   }

@@ -6,7 +6,7 @@
 namespace folioweld {
 
 /// The operating system's own error number; 0 means that nothing went wrong.
-struct SystemError {
+struct [[nodiscard]] SystemError {
   int Code = 0;
 
   explicit operator bool() const { return Code != 0; }
