@@ -84,8 +84,7 @@ std::string SettingsStore::ReadSetting(const std::string& name) {
     return {};
   }
   std::string text;
-  const Outcome outcome = ReadFileText(text);
-  CloseSettingsKey();
+  const Outcome outcome = ReadAndClose(text);
   if (outcome) {
     lastError_ = outcome.System ? kSettingsReadFailure : outcome.Own;
     return {};
@@ -102,8 +101,7 @@ int SettingsStore::WriteSetting(const std::string& name, const std::string& text
 SettingsStore::Outcome SettingsStore::Store(const std::string& name, const std::string& text, Stored stored) {
   if (EnsureSettingsKey() == kFailure) return kSettingsKeyFailure;
   std::string present;
-  const Outcome read = ReadFileText(present);
-  CloseSettingsKey();
+  const Outcome read = ReadAndClose(present);
   // What is stored already needs no writing: a start then touches no file.
   if (!read && FindSetting(present, name) == text) return {};
   return ReplaceUnderLock(name, text, stored);
@@ -128,7 +126,12 @@ SystemError SettingsStore::MakeFolder() {
   return error.Code == EEXIST ? SystemError{} : error;
 }
 
-SettingsStore::Outcome SettingsStore::ReadFileText(std::string& text) {
+SettingsStore::Outcome SettingsStore::ReadAndClose(std::string& text) {
+  // Also where the memory for the text is not to be had.
+  struct Closing {
+    SettingsStore& Store;
+    ~Closing() { Store.CloseSettingsKey(); }
+  } const closing{*this};
   const auto information = system_.GetFileInformationByHandle(SettingsKey);
   if (!information.Ok()) return information.Error();
   const std::int64_t size = information.Value().Size;
@@ -145,8 +148,7 @@ SettingsStore::Outcome SettingsStore::ReplaceUnderLock(const std::string& name, 
   // Read again: another process may have changed other settings before the lock was given.
   if (!OpenSettingsKey()) return kSettingsKeyFailure;
   std::string present;
-  const Outcome read = ReadFileText(present);
-  CloseSettingsKey();
+  const Outcome read = ReadAndClose(present);
   if (read) return read;
   if (stored == Stored::Keep && FindSetting(present, name)) return {};
   const std::string changed = ReplaceSetting(present, name, text);

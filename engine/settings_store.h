@@ -76,7 +76,7 @@ class SettingsStore {
   };
 
   [[nodiscard]] SystemError MakeFolder();
-  Outcome ReadFileText(std::string& text);
+  Outcome ReadAndClose(std::string& text);
   [[nodiscard]] SystemError ReplaceFile(std::string_view text);
   /// What becomes of a text that another process stored in the meantime.
   enum class Stored { Replace, Keep };
