@@ -309,19 +309,23 @@ void DirectoryMerge::TellAtTheEnd(std::function<void(const std::string&)> Loggin
 }
 
 void DirectoryMerge::MergeDirectory(const std::string& directory) {
-  Join({{"", directory, true}});
+  Guard([&] { Run({{"", directory, true}}); });
 }
 
 void DirectoryMerge::MergeSources(const std::vector<Source>& sources, const std::string& problem) {
   report_ = {};
-  if (problem.empty()) return Join(sources);
+  if (problem.empty()) return Guard([&] { Run(sources); });
   shell_.ShowMessage(MessageIcon::Exclamation, kTitle, problem);
 }
 
-void DirectoryMerge::Join(const std::vector<Source>& sources) {
+void DirectoryMerge::Run(const std::vector<Source>& sources) {
+  DirectoryJob(program_, files_, settings_, shell_, log_, report_).Run(sources);
+}
+
+void DirectoryMerge::Guard(const std::function<void()>& run) {
   report_ = {};
   try {
-    DirectoryJob(program_, files_, settings_, shell_, log_, report_).Run(sources);
+    run();
   } catch (const std::exception&) {
     // Memory is all that can run out here; the job has cleaned up on its way.
     report_.OutputWritten = false;

@@ -40,7 +40,9 @@ class DirectoryMerge {
   [[nodiscard]] const DirectoryMergeReport& Report() const { return report_; }
 
  private:
-  void Join(const std::vector<Source>& sources);
+  void Run(const std::vector<Source>& sources);
+  /// A run that ends for want of memory ends as failed.
+  void Guard(const std::function<void()>& run);
   void TellAtTheEnd(std::function<void(const std::string&)> Logging::*where, const char* line);
 
   ProgramState& program_;

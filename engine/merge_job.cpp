@@ -29,7 +29,7 @@ void MergeJob::cmdOK_Click() {
   state_.JobRunning = true;
   outputFinished_ = false;
   try {
-    lastLine_ = std::string(kLogPrefix) + "The merge failed: " + kOutOfMemory;
+    KeepLastLine();
     RunJob();
   } catch (const std::bad_alloc&) {
     EndWithoutMemory();
@@ -76,6 +76,10 @@ void MergeJob::FinishFailed() {
 }
 
 /// Where a step of the job itself ran out of memory, and no pass. What it has written of the output goes.
+void MergeJob::KeepLastLine() {
+  if (lastLine_.empty()) lastLine_ = std::string(kLogPrefix) + "The merge failed: " + kOutOfMemory;
+}
+
 void MergeJob::EndWithoutMemory() {
   // After the end there is only the window to be brought up to date.
   if (!state_.JobRunning) return;
@@ -90,6 +94,8 @@ void MergeJob::EndWithoutMemory() {
   FinishFailed();
   EndJob();
   try {
+    // Where not even the line could be kept, there may be memory by now.
+    KeepLastLine();
     shell_.Notice(lastLine_);
     if (state_.LogEnabled) log_.AddLogLine(std::move(lastLine_));
   } catch (const std::bad_alloc&) {

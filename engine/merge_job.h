@@ -67,6 +67,7 @@ class MergeJob {
   [[nodiscard]] bool CloseFile(std::int16_t slot);
   void RunJob();
   void FinishFailed();
+  void KeepLastLine();
   void EndWithoutMemory();
   void EndJob();
   void ShowOutcome(bool ok);
