@@ -102,10 +102,11 @@ std::string MakeTempFileName(WindowsAPI& system, const std::string& folder, cons
   const std::string usedPrefix = prefix.empty() ? std::string("KEM") : prefix.substr(0, 3);
   for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
     FileInformation information;
-    const auto created = CreateTempFile(system, fullFolder, usedPrefix, information);
+    auto created = CreateTempFile(system, fullFolder, usedPrefix, information);
     if (made != nullptr) *made = information;
     if (!created.Ok() && why != nullptr) *why = created.Error();
-    if (!created.Ok() || extension.empty()) return created.Value();
+    // Moved, since a copy may find no memory, and nobody would know of the file.
+    if (!created.Ok() || extension.empty()) return std::move(created.Value());
     std::string renamed = WithExtension(created.Value(), extension);
     if (renamed == created.Value()) return renamed;
     const SystemError taken = system.MoveFile(created.Value(), renamed, WindowsAPI::Replace::No);

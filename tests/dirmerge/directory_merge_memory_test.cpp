@@ -8,8 +8,8 @@
 
 #include "tests/dirmerge/crowded_system.h"
 #include "tests/dirmerge/directory_merge_fixture.h"
-#include "tests/dirmerge/failing_memory.h"
 #include "tests/support/document_builder.h"
+#include "tests/support/failing_memory.h"
 
 namespace folioweld {
 namespace {

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "platform/posix_api.h"
-#include "tests/dirmerge/failing_memory.h"
 #include "tests/support/document_builder.h"
+#include "tests/support/failing_memory.h"
 #include "tests/support/merge_run.h"
 #include "tests/support/temp_folder.h"
 
@@ -24,12 +24,12 @@ class ExhaustedJob : public ::testing::Test {
     job_.cmdOK_Click();
   }
 
-  /// False when the run makes fewer requests.
+  /// Over an older output. False when the run makes fewer requests.
   bool JoinWithout(long n) {
     state_.DocFileName(1) = first_;
     state_.DocFileName(2) = second_;
     state_.DocFileName(3) = output_;
-    std::filesystem::remove(output_);
+    folder_.Write("out.pdf", kOlder);
     const testing::FailingRequest failing(n);
     job_.cmdOK_Click();
     return testing::FailingRequest::Reached();
@@ -37,6 +37,7 @@ class ExhaustedJob : public ::testing::Test {
 
   [[nodiscard]] const std::string& LastLine() const { return log_.LogLine(log_.LogIndex()); }
 
+  static constexpr char kOlder[] = "an older output";
   const std::string input_ = testing::SimpleDocument(2);
   testing::TempFolder folder_;
   const std::string first_ = folder_.Write("a.pdf", input_);
@@ -56,13 +57,18 @@ TEST_F(ExhaustedJob, EveryRequestForMemoryThatFailsEndsTheJobAsFailedAndTheNextO
   ASSERT_FALSE(joined.empty());
   const std::size_t handles = testing::OpenHandles();
   long failed = 0;
+  long kept = 0;
   for (long n = 1; JoinWithout(n); ++n) {
     ++failed;
     ASSERT_EQ(state_.MergeStatus, -1) << n;
     ASSERT_NE(LastLine().find("out of memory"), std::string::npos) << n << LastLine();
     ASSERT_TRUE(state_.DocFileName(3).empty()) << n;
     ASSERT_FALSE(state_.JobRunning) << n;
-    ASSERT_FALSE(std::filesystem::exists(output_)) << n;
+    // Once it was opened for writing, the older output is gone.
+    if (std::filesystem::exists(output_)) {
+      ++kept;
+      ASSERT_EQ(testing::ReadFile(output_), kOlder) << n;
+    }
     ASSERT_EQ(testing::OpenHandles(), handles) << n;
     ASSERT_EQ(testing::ReadFile(first_), input_) << n;
     ASSERT_EQ(testing::ReadFile(second_), input_) << n;
@@ -70,6 +76,8 @@ TEST_F(ExhaustedJob, EveryRequestForMemoryThatFailsEndsTheJobAsFailedAndTheNextO
     ASSERT_EQ(testing::ReadFile(output_), joined) << n;
   }
   EXPECT_GT(failed, 30);
+  EXPECT_GT(kept, 20) << "before it is opened";
+  EXPECT_GT(failed, kept) << "and after that";
 }
 
 }  // namespace

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "tests/dirmerge/failing_memory.h"
+#include "tests/support/failing_memory.h"
 #include "tests/support/faulting_system.h"
 #include "tests/support/temp_folder.h"
 

@@ -1,4 +1,4 @@
-#include "tests/dirmerge/failing_memory.h"
+#include "tests/support/failing_memory.h"
 
 #include <cstdlib>
 #include <new>
