@@ -33,6 +33,10 @@ void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept {
   std::free(memory);
 }
 
+void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
+  std::free(memory);
+}
+
 void operator delete(void* memory) noexcept {
   std::free(memory);
 }
