@@ -11,6 +11,7 @@
 #include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
+#include <memory>
 #include <poll.h>
 #include <sched.h>
 #include <sys/file.h>
@@ -213,11 +214,9 @@ void PosixApi::FindClose(Search search) {
 }
 
 SystemResult<std::string> PosixApi::GetCurrentDirectory() {
-  char* text = ::getcwd(nullptr, 0);
+  const std::unique_ptr<char, void (*)(void*)> text(::getcwd(nullptr, 0), std::free);
   if (text == nullptr) return LastError();
-  std::string folder(text);
-  std::free(text);
-  return folder;
+  return std::string(text.get());
 }
 
 SystemError PosixApi::SetCurrentDirectory(const std::string& folder) {
