@@ -21,6 +21,7 @@
 #include "tests/faults/quiet_system.h"
 #include "tests/support/document_builder.h"
 #include "tests/support/merge_run.h"
+#include "tests/support/preparing_script.h"
 
 namespace folioweld {
 namespace {
@@ -101,6 +102,33 @@ TEST_F(FullDisk, ForTemporariesFailsTheDirectoryMergeAndLeavesNothing) {
     EXPECT_NE(RunBatch(system, ParseArguments({folder_.File("out.pdf") + "|" + folder_.File("docs")})),
               kEverythingJoined);
     EXPECT_NE(system.Said.find(SystemError{ENOSPC}.Words()), std::string::npos) << system.Said;
+    EXPECT_TRUE(fs::is_empty(disk_));
+  });
+}
+
+TEST_F(FullDisk, ForACopyLeavesTheDocumentOutAndJoinsTheRest) {
+  for (const char* name : {"docs", "config", "bin"}) folder_.MakeFolder(name);
+  folder_.Write("docs/a", testing::SimpleDocument(1, "text of a"));
+  folder_.Write("docs/b", testing::kOtherDocument);
+  const std::string copy = folder_.Write("copy", testing::DocumentWithLongStream("text of b", 200000));
+  testing::WritePreparingScript(folder_, "bin/folioweld-prepare", testing::CopyingCommands(copy));
+  const auto join = [this](const std::string& tmpFolder, std::string& said) {
+    testing::QuietSystem system;
+    system.Environment = {{"XDG_CONFIG_HOME", folder_.File("config")}, {"TMPDIR", tmpFolder}};
+    system.ModulePath = folder_.File("bin/folioweld");
+    const ExitStatus status =
+        RunBatch(system, ParseArguments({"--prepare", folder_.File("out.pdf"), folder_.File("docs")}));
+    said = system.Said;
+    return status;
+  };
+  std::string said;
+  EXPECT_EQ(join(folder_.MakeFolder("room"), said), kEverythingJoined) << said;
+  fs::remove(folder_.File("out.pdf"));
+  fs::remove_all(folder_.File("config/folioweld"));
+  OnSmallDisk("size=64k", [&] {
+    EXPECT_EQ(join(disk_, said), kJoinedWithLosses) << said;
+    EXPECT_NE(said.find("\"b\""), std::string::npos) << said;
+    EXPECT_NE(ReadFile(folder_.File("out.pdf")).find("text of a"), std::string::npos);
     EXPECT_TRUE(fs::is_empty(disk_));
   });
 }
