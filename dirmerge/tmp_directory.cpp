@@ -22,7 +22,8 @@ TmpDirectory::TmpDirectory(WindowsAPI& system, SettingsStore& settings, MergeShe
 
 std::string TmpDirectory::GetTmpDirectory() {
   std::string folder;
-  settings_.ReadSettingOrDefault(kSetting, folder, "");
+  // What cannot be read counts as not stored.
+  static_cast<void>(settings_.ReadSettingOrDefault(kSetting, folder, ""));
   folder = Trimmed(folder);
   return Store(folder.empty() ? SystemFolder() : Enterable(WithSeparator(folder)));
 }

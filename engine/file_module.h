@@ -103,21 +103,23 @@ class FileModule {
   /// One buffer's worth: the line that begins at the position, or after the line ends there, without its line
   /// end. Returns its start (also in `lineStart`), or a code with `lineStart` -1. With `kNoLineEnd` the start
   /// is still given; where all bytes were line ends, it is the position after them.
-  std::int32_t ReadLineChunk(std::int16_t fileNumber, std::int32_t position, std::int16_t bufferSize,
-                             std::string& line, std::int32_t& lineStart, bool logging);
+  [[nodiscard]] std::int32_t ReadLineChunk(std::int16_t fileNumber, std::int32_t position,
+                                           std::int16_t bufferSize, std::string& line,
+                                           std::int32_t& lineStart, bool logging);
 
   /// A line of up to `bufferSize` x `mostTries` bytes. Returns the position of its first character, or a
   /// code; `kNoLineEnd` when it is still incomplete after the last try.
-  std::int32_t ReadLineFromRandomFile(std::int16_t fileNumber, std::int32_t position, std::int16_t bufferSize,
-                                      std::int16_t mostTries, std::string& line, bool logging);
+  [[nodiscard]] std::int32_t ReadLineFromRandomFile(std::int16_t fileNumber, std::int32_t position,
+                                                    std::int16_t bufferSize, std::int16_t mostTries,
+                                                    std::string& line, bool logging);
 
   /// What of an open input is in memory, for whoever reads one line after the other; null for any other
   /// number. It belongs to the file and is gone when that is closed.
   [[nodiscard]] const InputBuffer* Window(std::int16_t fileNumber) const;
 
   /// Up to `count` bytes, every value kept. Returns how many, fewer only at the end of the file, or a code.
-  std::int16_t ReadBlock(std::int16_t fileNumber, std::int32_t position, std::int16_t count,
-                         std::string& bytes);
+  [[nodiscard]] std::int16_t ReadBlock(std::int16_t fileNumber, std::int32_t position, std::int16_t count,
+                                       std::string& bytes);
 
   // Whole files.
 
@@ -156,11 +158,12 @@ class FileModule {
     return files_[static_cast<std::size_t>(fileNumber) - 1].get();
   }
   [[nodiscard]] std::int16_t OpenOutput(const std::string& path, bool mayReplace);
-  std::int16_t ReplaceName(const std::string& path, WindowsAPI::Handle handle);
+  [[nodiscard]] std::int16_t ReplaceName(const std::string& path, WindowsAPI::Handle handle);
   std::unique_ptr<OpenFile> MakeRoom();
-  std::int16_t Store(std::unique_ptr<OpenFile> file);
+  [[nodiscard]] std::int16_t Store(std::unique_ptr<OpenFile> file);
   /// `own` is the file that was expected, if it was one of the job's own.
-  std::int16_t Refuse(WindowsAPI::Handle handle, SystemError error, const FileInformation* own = nullptr);
+  [[nodiscard]] std::int16_t Refuse(WindowsAPI::Handle handle, SystemError error,
+                                    const FileInformation* own = nullptr);
   SystemResult<FileInformation> Look(const std::string& path);
   void RemoveEmpty(const std::string& path);
   bool Fail(SystemError error);
@@ -169,8 +172,8 @@ class FileModule {
   /// Defined in `file_lines.cpp`, where alone it is called.
   inline std::int32_t ViewUpTo(std::int16_t fileNumber, std::int64_t position, std::int16_t count,
                                std::string_view& bytes);
-  std::int32_t ContinueLine(std::int16_t fileNumber, std::int64_t position, std::int16_t bufferSize,
-                            std::string& line);
+  [[nodiscard]] std::int32_t ContinueLine(std::int16_t fileNumber, std::int64_t position,
+                                          std::int16_t bufferSize, std::string& line);
   void LogRetries(std::int16_t bufferSize, std::int16_t tries, std::int32_t code);
 
   WindowsAPI& system_;

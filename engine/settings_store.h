@@ -43,10 +43,11 @@ class SettingsStore {
   /// The text up to its first NUL, or empty; the outcome is left in `LastError`.
   [[nodiscard]] std::string ReadSetting(const std::string& name);
   /// 0 on success, else a `SettingsError` or, where the system refused a call, its error number.
-  int WriteSetting(const std::string& name, const std::string& text);
+  [[nodiscard]] int WriteSetting(const std::string& name, const std::string& text);
   /// The text, or the default; a value that was never written gets the default written, unless another
   /// process writes it first. 0 on success.
-  int ReadSettingOrDefault(const std::string& name, std::string& text, const std::string& defaultText);
+  [[nodiscard]] int ReadSettingOrDefault(const std::string& name, std::string& text,
+                                         const std::string& defaultText);
 
   /// Where it is told, in one line for the log, that settings are not stored as another program holds their
   /// lock. It is waited for once, for at most two seconds; what could not be told before is told now.
@@ -76,12 +77,12 @@ class SettingsStore {
   };
 
   [[nodiscard]] SystemError MakeFolder();
-  Outcome ReadAndClose(std::string& text);
+  [[nodiscard]] Outcome ReadAndClose(std::string& text);
   [[nodiscard]] SystemError ReplaceFile(std::string_view text);
   /// What becomes of a text that another process stored in the meantime.
   enum class Stored { Replace, Keep };
-  Outcome Store(const std::string& name, const std::string& text, Stored stored);
-  Outcome ReplaceUnderLock(const std::string& name, const std::string& text, Stored stored);
+  [[nodiscard]] Outcome Store(const std::string& name, const std::string& text, Stored stored);
+  [[nodiscard]] Outcome ReplaceUnderLock(const std::string& name, const std::string& text, Stored stored);
   void NoteLock(SystemError error);
   void TellUntold();
   [[nodiscard]] SystemError WriteWhole(WindowsAPI::Handle file, std::string_view text);

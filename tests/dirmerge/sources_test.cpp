@@ -193,7 +193,7 @@ TEST_F(Sources, AnnounceEveryMergeOfAllRounds) {
 }
 
 TEST_F(Sources, ChangeNothingThatIsStored) {
-  settings_.WriteSetting("MenuSort", "2");
+  ASSERT_EQ(settings_.WriteSetting("MenuSort", "2"), 0);
   program_.SortOrder = 2;
   Arguments arguments = ParseArguments({"--order=name-reversed", "-v", "joined.pdf", "docs"});
   TakeChoices(arguments, program_);

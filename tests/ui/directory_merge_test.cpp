@@ -136,7 +136,7 @@ TEST_F(DirectoryMergeWindowTest, LeavesTheDisplayOptionOffUntilDisplayIsClickedA
 
 TEST_F(DirectoryMergeWindowTest, AVanishedTemporaryFolderIsAskedForWithTheFolderPicker) {
   Open();
-  Window().Settings().WriteSetting("MergeTmpDir", folder_.File("vanished"));
+  EXPECT_EQ(Window().Settings().WriteSetting("MergeTmpDir", folder_.File("vanished")), 0);
   dialogs_.FolderAnswers = {documents_, folder_.MakeFolder("scratch")};
   dialogs_.SaveAnswers = {output_};
   Item("MenuPdfMergeDir")->trigger();

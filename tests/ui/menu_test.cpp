@@ -99,9 +99,9 @@ TEST_F(MenuTest, AnOrderOutsideTheFourMovesNoMarkAndIsStored) {
 
 TEST_F(MenuTest, StoredOptionsAreReadAtStart) {
   SettingsStore settings(system_);
-  settings.WriteSetting("MenuSort", "-2");
-  settings.WriteSetting("MenuShowLogWindow", "0");
-  settings.WriteSetting("DisplayOutputAfterMerge", "0");
+  EXPECT_EQ(settings.WriteSetting("MenuSort", "-2"), 0);
+  EXPECT_EQ(settings.WriteSetting("MenuShowLogWindow", "0"), 0);
+  EXPECT_EQ(settings.WriteSetting("DisplayOutputAfterMerge", "0"), 0);
   Open();
   EXPECT_EQ(Checked(), "MenuSortByDateRev MnuLogHide MenuOptViewNo");
   EXPECT_EQ(Window().Program().SortOrder, -2);
@@ -113,7 +113,7 @@ TEST_F(MenuTest, StoredOptionsAreReadAtStart) {
 
 TEST_F(MenuTest, AStoredOrderThatIsNoneIsTheLexicalOne) {
   for (const char* text : {"0", "abc"}) {
-    SettingsStore(system_).WriteSetting("MenuSort", text);
+    EXPECT_EQ(SettingsStore(system_).WriteSetting("MenuSort", text), 0);
     Open();
     EXPECT_EQ(Window().Program().SortOrder, 1) << text;
     EXPECT_TRUE(Item("MenuSortLexical")->isChecked());
