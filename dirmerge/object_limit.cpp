@@ -7,7 +7,7 @@ namespace folioweld {
 namespace {
 
 /// The writer counts two lines for each with 16 bits.
-constexpr std::int64_t kMostObjects = 16384;
+constexpr std::int64_t kMostWrittenObjects = 16384;
 constexpr std::size_t kMostPartsTold = 8;
 
 /// Documents that one output holds.
@@ -22,7 +22,7 @@ std::vector<Part> Split(const std::vector<CountedDocument>& documents) {
   std::vector<Part> parts;
   for (std::size_t i = 0; i < documents.size(); ++i) {
     const std::int64_t more = std::int64_t{documents[i].Objects} + 1;
-    if (!parts.empty() && parts.back().Objects + more <= kMostObjects) {
+    if (!parts.empty() && parts.back().Objects + more <= kMostWrittenObjects) {
       parts.back().Last = i;
       parts.back().Objects += more;
     } else {
@@ -45,11 +45,11 @@ std::string WhyTooManyObjects(const std::vector<CountedDocument>& documents) {
   if (documents.empty()) return {};
   std::int64_t total = -1;
   for (const CountedDocument& document : documents) total += std::int64_t{document.Objects} + 1;
-  if (total <= kMostObjects) return {};
+  if (total <= kMostWrittenObjects) return {};
   const std::string start = "the output would hold " + std::to_string(total) + " objects, and at most " +
-                            std::to_string(kMostObjects) + " can be written: ";
+                            std::to_string(kMostWrittenObjects) + " can be written: ";
   const auto tooLarge = std::find_if(documents.begin(), documents.end(), [](const CountedDocument& document) {
-    return document.Objects > kMostObjects;
+    return document.Objects > kMostWrittenObjects;
   });
   if (tooLarge != documents.end()) {
     return start + "\"" + tooLarge->Name + "\" alone has " + std::to_string(tooLarge->Objects) +

@@ -53,8 +53,8 @@ enum class ReferencePlace {
 };
 
 /// Whether every reference leads to the same object in the output; a later input's references to object 0 are
-/// told when they are renumbered. Returns the number that
-/// `FindAlterationsAmongOthers` does; -1 but for `Any`.
+/// told when they are renumbered. Returns the number that `FindAlterationsAmongOthers` does; -1 but for
+/// `Any`.
 std::int32_t CheckReferences(const ReadInput& input, MergeShell& shell, ReferencePlace place);
 
 }  // namespace folioweld

@@ -75,11 +75,11 @@ void MergeJob::FinishFailed() {
   state_.DocFileName(3).clear();
 }
 
-/// Where a step of the job itself ran out of memory, and no pass. What it has written of the output goes.
 void MergeJob::KeepLastLine() {
   if (lastLine_.empty()) lastLine_ = std::string(kLogPrefix) + "The merge failed: " + kOutOfMemory;
 }
 
+/// Where a step of the job itself ran out of memory, and no pass. What it has written of the output goes.
 void MergeJob::EndWithoutMemory() {
   // After the end there is only the window to be brought up to date.
   if (!state_.JobRunning) return;
