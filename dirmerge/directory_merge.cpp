@@ -25,16 +25,6 @@ constexpr char kFolderSetting[] = "MergeCurDir";
 /// Anything shorter cannot be a document.
 constexpr std::int64_t kShortestOutput = 11;
 
-Logging LoggingOf(const ProgramState& program, MergeShell& shell, ActivityLog& log) {
-  const auto write = [&](const std::string& text) {
-    if (program.Merge.LogEnabled) log.AddLogLine(kLogPrefix + text);
-  };
-  return {write, [write, &shell](const std::string& text) {
-            write(text);
-            shell.Notice(kLogPrefix + text);
-          }};
-}
-
 /// One run of the job.
 class DirectoryJob {
  public:
@@ -45,7 +35,7 @@ class DirectoryJob {
         settings_(settings),
         shell_(shell),
         log_(log),
-        logging_(LoggingOf(program, shell, log)),
+        logging_(LoggingOf(kLogPrefix, program.Merge, shell, log)),
         report_(report),
         keeper_(files.System()) {
     program_.ExternalBusy = true;
@@ -302,7 +292,7 @@ void DirectoryMerge::MenuPdfMergeDir_Click() {
 
 void DirectoryMerge::TellAtTheEnd(std::function<void(const std::string&)> Logging::*where, const char* line) {
   try {
-    (LoggingOf(program_, shell_, log_).*where)(line);
+    (LoggingOf(kLogPrefix, program_.Merge, shell_, log_).*where)(line);
   } catch (const std::exception&) {
     // Nor is there memory for the news; the report tells all the same.
   }

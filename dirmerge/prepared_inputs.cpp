@@ -10,16 +10,6 @@ namespace {
 
 constexpr char kLogPrefix[] = "[Folioweld-cmdOK]=>";
 
-Logging LoggingOf(const MergeState& state, MergeShell& shell, ActivityLog& log) {
-  const auto write = [&state, &log](const std::string& text) {
-    if (state.LogEnabled) log.AddLogLine(kLogPrefix + text);
-  };
-  return {write, [write, &shell](const std::string& text) {
-            write(text);
-            shell.Notice(kLogPrefix + text);
-          }};
-}
-
 /// The running look, while the window counts as busy.
 class RunningLook {
  public:
@@ -51,7 +41,7 @@ PreparedInputs::PreparedInputs(ProgramState& program, FileModule& files, Setting
       files_(files),
       settings_(settings),
       shell_(shell),
-      logging_(LoggingOf(program.Merge, shell, log)),
+      logging_(LoggingOf(kLogPrefix, program.Merge, shell, log)),
       preparation_(files, shell, program.Merge, logging_) {}
 
 bool PreparedInputs::Prepare() {

@@ -24,8 +24,6 @@ struct PreparingResult {
   std::vector<std::string> Reasons;
   std::vector<std::string> Losses;
   std::vector<std::string> Repairs;
-
-  [[nodiscard]] bool Prepared() const { return Failure.empty(); }
 };
 
 /// One document that `folioweld-prepare` prepares in a process of its own. That gets open files and no names:

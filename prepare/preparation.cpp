@@ -3,6 +3,7 @@
 #include <memory>
 #include <new>
 
+#include "engine/own_files.h"
 #include "prepare/engine_check.h"
 #include "prepare/file_sink.h"
 #include "prepare/losses.h"
@@ -18,12 +19,6 @@ FileInformation Look(WindowsAPI& system, WindowsAPI::Handle file) {
   if (!information.Ok()) throw NotPrepared("it cannot be read: " + information.Error().Words());
   if (information.Value().Kind != FileKind::Regular) throw NotPrepared("it is no file");
   return information.Value();
-}
-
-bool IsUnchanged(const FileInformation& was, const FileInformation& now) {
-  return was.Size == now.Size && was.WriteSeconds == now.WriteSeconds &&
-         was.WriteNanoseconds == now.WriteNanoseconds && was.ChangeSeconds == now.ChangeSeconds &&
-         was.ChangeNanoseconds == now.ChangeNanoseconds;
 }
 
 /// What the engine does not read, in few words; empty when it is something else.
@@ -86,7 +81,7 @@ Preparation Copy(WindowsAPI& system, const OpenPair& files, const std::string& p
   sink.Flush();
   input->CheckReads();
   MemoryWatch::Check();
-  if (!IsUnchanged(was, Look(system, files.Input))) throw NotPrepared("it was changed meanwhile");
+  if (!IsSameState(Look(system, files.Input), was)) throw NotPrepared("it was changed meanwhile");
   return done;
 }
 
