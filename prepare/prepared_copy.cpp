@@ -28,8 +28,8 @@ class Copying {
     plan_.Explore(document_.getRoot(), information);
     if (plan_.Numbered().size() > kMostObjects) throw NotPrepared("it has more than 349,999 objects");
     WriteObjects();
-    Trailer trailer{plan_.NumberOf(document_.getRoot()), 0, Identifiers()};
-    if (information.isInitialized()) trailer.Information = static_cast<int>(plan_.Numbered().size());
+    Trailer trailer{{plan_.NumberOf(document_.getRoot())}, {}, Identifiers()};
+    if (information.isInitialized()) trailer.Information.Number = static_cast<int>(plan_.Numbered().size());
     serialiser_.WriteTableAndTrailer(trailer);
     report_.Done.push_back(std::to_string(plan_.Numbered().size()) + " objects written, " +
                            std::to_string(plan_.InPlace()) + " put where they were referred to");
@@ -59,7 +59,7 @@ class Copying {
       if (object.isStream()) {
         WriteStream(number, object);
       } else {
-        serialiser_.WriteObject(number, object);
+        serialiser_.WriteObject({number}, object);
       }
     }
   }
@@ -68,7 +68,7 @@ class Copying {
     QPDFObjectHandle dictionary = stream.getDict();
     if (document_.isEncrypted()) dictionary = WithoutCryptFilters(dictionary.shallowCopy());
     const auto bytes = stream.getRawStreamData();
-    serialiser_.WriteStream(number, dictionary,
+    serialiser_.WriteStream({number}, dictionary,
                             {reinterpret_cast<const char*>(bytes->getBuffer()), bytes->getSize()});
   }
 

@@ -12,10 +12,20 @@ namespace {
 /// Numbers in a file are at most this for the engine.
 constexpr std::int64_t kLongestFile = std::numeric_limits<std::int32_t>::max() - 1;
 
+std::string Words(const ObjectName& name) {
+  return std::to_string(name.Number) + " " + std::to_string(name.Generation);
+}
+
+/// With zeros before them.
+std::string Digits(std::int64_t number, std::size_t count) {
+  const std::string digits = std::to_string(number);
+  return std::string(count - digits.size(), '0') + digits;
+}
+
 }  // namespace
 
 Serialiser::Serialiser(ByteSink& sink, const References& references, std::int64_t offset)
-    : sink_(sink), references_(references), offset_(offset), offsets_(1, -1) {}
+    : sink_(sink), references_(references), offset_(offset), entries_(1) {}
 
 void Serialiser::Write(std::string_view bytes) {
   sink_.Write(bytes);
@@ -27,16 +37,16 @@ void Serialiser::WriteHeader(std::string_view version) {
   Write("%PDF-" + std::string(version) + "\n%\xE2\xE3\xCF\xD3\n");
 }
 
-void Serialiser::SetOffset(int number, std::int64_t offset) {
-  const auto index = static_cast<std::size_t>(number);
-  if (offsets_.size() <= index) offsets_.resize(index + 1, -1);
-  offsets_[index] = offset;
+void Serialiser::SetOffset(const ObjectName& name, std::int64_t offset) {
+  const auto index = static_cast<std::size_t>(name.Number);
+  if (entries_.size() <= index) entries_.resize(index + 1);
+  entries_[index] = {offset, name.Generation};
 }
 
-void Serialiser::BeginObject(int number) {
-  SetOffset(number, offset_);
+void Serialiser::BeginObject(const ObjectName& name) {
+  SetOffset(name, offset_);
   lines_.Clear();
-  lines_.Put(std::to_string(number) + " 0 obj");
+  lines_.Put(Words(name) + " obj");
   lines_.EndLine();
 }
 
@@ -46,14 +56,15 @@ void Serialiser::EndObject() {
   Write("endobj\n");
 }
 
-void Serialiser::WriteObject(int number, const QPDFObjectHandle& value) {
-  BeginObject(number);
+void Serialiser::WriteObject(const ObjectName& name, const QPDFObjectHandle& value) {
+  BeginObject(name);
   PutValue(value);
   EndObject();
 }
 
-void Serialiser::WriteStream(int number, const QPDFObjectHandle& dictionary, std::string_view bytes) {
-  BeginObject(number);
+void Serialiser::WriteStream(const ObjectName& name, const QPDFObjectHandle& dictionary,
+                             std::string_view bytes) {
+  BeginObject(name);
   lines_.Put("<<");
   lines_.Put("/Length " + std::to_string(bytes.size()));
   PutEntries(dictionary, false);
@@ -70,11 +81,11 @@ void Serialiser::WriteStream(int number, const QPDFObjectHandle& dictionary, std
 
 void Serialiser::PutReferred(QPDFObjectHandle value) {
   const int number =
-      value.isIndirect() && !value.isNull() ? references_.NumberOf(value) : References::kInPlace;
+      value.isIndirect() && !references_.IsNull(value) ? references_.NumberOf(value) : References::kInPlace;
   if (number == References::kInPlace) {
     PutValue(value);
   } else {
-    lines_.Put(std::to_string(number) + " 0 R");
+    lines_.Put(Words({number, references_.GenerationOf(value)}) + " R");
   }
 }
 
@@ -99,25 +110,25 @@ void Serialiser::PutValue(QPDFObjectHandle value) {
 void Serialiser::PutEntries(QPDFObjectHandle dictionary, bool withLength) {
   for (auto& [key, value] : dictionary.getDictAsMap()) {
     // An entry without a value is none.
-    if (value.isNull() || (!withLength && key == "/Length")) continue;
+    if (references_.IsNull(value) || (!withLength && key == "/Length")) continue;
     lines_.Put(NameToken(key));
     PutReferred(value);
   }
 }
 
-void Serialiser::WriteEntry(std::int64_t offset) {
-  if (offset < 0) return Write("0000000000 65535 f \n");
-  const std::string digits = std::to_string(offset);
-  Write(std::string(10 - digits.size(), '0') + digits + " 00000 n \n");
+void Serialiser::WriteEntry(const Entry& entry) {
+  const bool isFree = entry.Offset < 0;
+  Write(Digits(isFree ? 0 : entry.Offset, 10) + " " + Digits(entry.Generation, 5) +
+        (isFree ? " f \n" : " n \n"));
 }
 
 void Serialiser::WriteTableAndTrailer(const Trailer& trailer) {
   const std::int64_t table = offset_;
-  const std::string size = std::to_string(offsets_.size());
+  const std::string size = std::to_string(entries_.size());
   Write("xref\n0 " + size + "\n");
-  for (const std::int64_t offset : offsets_) WriteEntry(offset);
-  std::string text = "trailer\n<< /Size " + size + "\n/Root " + std::to_string(trailer.Root) + " 0 R\n";
-  if (trailer.Information > 0) text += "/Info " + std::to_string(trailer.Information) + " 0 R\n";
+  for (const Entry& entry : entries_) WriteEntry(entry);
+  std::string text = "trailer\n<< /Size " + size + "\n/Root " + Words(trailer.Root) + " R\n";
+  if (trailer.Information.Number > 0) text += "/Info " + Words(trailer.Information) + " R\n";
   if (trailer.Id.size() == 2)
     text += "/ID [ " + HexToken(trailer.Id[0]) + " " + HexToken(trailer.Id[1]) + " ]\n";
   text += ">>\nstartxref\n" + std::to_string(table) + "\n%%EOF\n";

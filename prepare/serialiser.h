@@ -25,11 +25,23 @@ class References {
   /// The number that an indirect object has in the file, or `kInPlace`. An object whose value is null is
   /// never asked for.
   [[nodiscard]] virtual int NumberOf(const QPDFObjectHandle& object) const = 0;
+  /// Of an indirect object with a number.
+  [[nodiscard]] virtual int GenerationOf(const QPDFObjectHandle& /*object*/) const { return 0; }
+  /// Whether the value, or what it refers to, is null.
+  [[nodiscard]] virtual bool IsNull(const QPDFObjectHandle& value) const {
+    return QPDFObjectHandle(value).isNull();
+  }
+};
+
+/// Under which an object is found.
+struct ObjectName {
+  int Number = 0;
+  int Generation = 0;
 };
 
 struct Trailer {
-  int Root = 0;                 ///< number of the catalog
-  int Information = 0;          ///< of the information dictionary; 0 = none
+  ObjectName Root;              ///< of the catalog
+  ObjectName Information;       ///< of the information dictionary; 0 = none
   std::vector<std::string> Id;  ///< the two identifiers, or nothing
 };
 
@@ -45,11 +57,11 @@ class Serialiser {
   /// `version` as in "1.7".
   void WriteHeader(std::string_view version);
   /// Any object but a stream.
-  void WriteObject(int number, const QPDFObjectHandle& value);
+  void WriteObject(const ObjectName& name, const QPDFObjectHandle& value);
   /// The bytes as they are; /Length is theirs, whatever the dictionary has.
-  void WriteStream(int number, const QPDFObjectHandle& dictionary, std::string_view bytes);
+  void WriteStream(const ObjectName& name, const QPDFObjectHandle& dictionary, std::string_view bytes);
   /// Tells where an object stands that the file had before.
-  void SetOffset(int number, std::int64_t offset);
+  void SetOffset(const ObjectName& name, std::int64_t offset);
   /// One table of one subsection with all numbers up to the highest, of which those without an object are
   /// free, and the trailer.
   void WriteTableAndTrailer(const Trailer& trailer);
@@ -58,18 +70,23 @@ class Serialiser {
   [[nodiscard]] std::int64_t Offset() const { return offset_; }
 
  private:
-  void BeginObject(int number);
+  struct Entry {
+    std::int64_t Offset = -1;  ///< -1 = free
+    int Generation = 65535;
+  };
+
+  void BeginObject(const ObjectName& name);
   void PutReferred(QPDFObjectHandle value);
   void PutValue(QPDFObjectHandle value);
   void PutEntries(QPDFObjectHandle dictionary, bool withLength);
   void EndObject();
-  void WriteEntry(std::int64_t offset);
+  void WriteEntry(const Entry& entry);
   void Write(std::string_view bytes);
 
   ByteSink& sink_;
   const References& references_;
   std::int64_t offset_;
-  std::vector<std::int64_t> offsets_;  ///< by number; -1 = free
+  std::vector<Entry> entries_;  ///< by number
   TokenLines lines_;
 };
 

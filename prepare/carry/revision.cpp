@@ -1,5 +1,6 @@
 #include "prepare/carry/revision.h"
 
+#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -19,14 +20,21 @@ bool CarriedDocument::Has(const QPDFObjectHandle& object) const {
 }
 
 Revision::Revision(QPDF& file, std::vector<CarriedDocument> documents)
-    : file_(file), documents_(std::move(documents)) {
+    : file_(file),
+      documents_(std::move(documents)),
+      nextNumber_(file.getTrailer().getKey("/Size").getIntValueAsInt()) {
   catalog_ = Add(file.getRoot().shallowCopy());
+  QPDFObjectHandle information = file.getTrailer().getKey("/Info");
+  if (information.isIndirect() && information.isDictionary()) information_ = information;
 }
 
 QPDFObjectHandle Revision::Add(const QPDFObjectHandle& value) {
-  QPDFObjectHandle object = file_.makeIndirectObject(value);
-  written_.insert(object.getObjectID());
-  return object;
+  QPDFObjectHandle handle = value;
+  const int number = handle.isIndirect() ? handle.getObjectID() : nextNumber_;
+  if (!handle.isIndirect()) file_.replaceObject(number, 0, handle);
+  nextNumber_ = std::max(nextNumber_, number + 1);
+  written_.insert(number);
+  return file_.getObjectByID(number, 0);
 }
 
 void Revision::Change(const QPDFObjectHandle& object) {

@@ -53,7 +53,13 @@ class Revision {
   /// pages.
   [[nodiscard]] QPDFObjectHandle Catalog() { return catalog_; }
 
-  /// A new indirect object with this value.
+  /// The file's information dictionary; not initialised when it has none.
+  [[nodiscard]] QPDFObjectHandle Information() { return information_; }
+  /// An indirect object that becomes the information dictionary.
+  void SetInformation(const QPDFObjectHandle& information) { information_ = information; }
+
+  /// A new indirect object with this value. To be preferred to what libqpdf has for it, which reads all
+  /// objects of the file first. A stream that libqpdf has made is indirect already, and only noted.
   [[nodiscard]] QPDFObjectHandle Add(const QPDFObjectHandle& value);
   /// Has an indirect object of the file written anew, under its own number; to be called whenever a value in
   /// it, however deep but not across a reference, is changed.
@@ -74,7 +80,9 @@ class Revision {
  private:
   QPDF& file_;
   std::vector<CarriedDocument> documents_;
+  int nextNumber_;  ///< of the object that is added next
   QPDFObjectHandle catalog_;
+  QPDFObjectHandle information_;
   std::set<int> written_;
   std::vector<CarryLoss> losses_;
   std::size_t steps_ = 0;
