@@ -3,7 +3,7 @@
 #include <string>
 
 #include "batch/error_output.h"
-#include "dirmerge/prepare_program.h"
+#include "dirmerge/extra_programs.h"
 #include "platform/retry.h"
 
 namespace folioweld {
@@ -33,10 +33,10 @@ std::optional<ExitStatus> Answer(WindowsAPI& system, const Arguments& arguments)
     default:
       break;
   }
-  if (!arguments.Prepare || !FindPrepareProgram(system).empty()) return std::nullopt;
+  if (!arguments.Prepare || !FindExtraProgram(system, kPrepareProgram).empty()) return std::nullopt;
   WriteError(system, std::string("folioweld: --prepare needs the program folioweld-prepare, which is not "
                                  "installed (it is in the package ") +
-                         kPreparePackage + ")\n");
+                         kExtrasPackage + ")\n");
   return kNotServed;
 }
 

@@ -4,7 +4,7 @@
 #include "batch/error_output.h"
 #include "dirmerge/command_line.h"
 #include "dirmerge/directory_merge.h"
-#include "dirmerge/prepare_program.h"
+#include "dirmerge/extra_programs.h"
 #include "dirmerge/source_list.h"
 #include "dirmerge/start_settings.h"
 #include "engine/activity_log.h"
@@ -27,7 +27,8 @@ std::string Advice(WindowsAPI& system, const Arguments& arguments, const Directo
   const bool lostDocuments = !report.RefusedDocuments.empty() || report.FailedByDocuments > 0;
   if (arguments.Prepare || report.Cancelled || !lostDocuments) return {};
   std::string advice = "folioweld --prepare joins many of these";
-  if (FindPrepareProgram(system).empty()) advice += std::string(" (package ") + kPreparePackage + ")";
+  if (FindExtraProgram(system, kPrepareProgram).empty())
+    advice += std::string(" (package ") + kExtrasPackage + ")";
   return advice;
 }
 

@@ -4,9 +4,9 @@
 #include <iterator>
 #include <utility>
 
+#include "dirmerge/extra_programs.h"
 #include "dirmerge/object_limit.h"
 #include "dirmerge/paths.h"
-#include "dirmerge/prepare_program.h"
 #include "dirmerge/preparing_pool.h"
 #include "engine/shortened_path.h"
 
@@ -114,8 +114,8 @@ bool DocumentPreparation::PrepareNeeded(const FolderForCopies& folder) {
     shell_.SetStatusText(hasLine ? static_cast<int>(indices[task]) : 0,
                          kCaption + ShortenPath(document.Path, kLongestShownPath));
   };
-  const std::vector<PreparingResult> results =
-      PrepareAll(files_.System(), shell_, state_, FindPrepareProgram(files_.System()), tasks, begins);
+  const std::vector<PreparingResult> results = PrepareAll(
+      files_.System(), shell_, state_, FindExtraProgram(files_.System(), kPrepareProgram), tasks, begins);
   if (results.size() < tasks.size()) return false;
   for (std::size_t i = 0; i < tasks.size(); ++i) {
     Candidate& candidate = candidates_[indices[i]];

@@ -1,9 +1,6 @@
 #include "dirmerge/preparing_child.h"
 
-#include <array>
 #include <cerrno>
-#include <csignal>
-#include <string_view>
 #include <utility>
 
 #include "engine/own_files.h"
@@ -13,48 +10,21 @@ namespace folioweld {
 
 namespace {
 
-constexpr std::int64_t kMemoryLimit = 1024LL * 1024 * 1024;
-constexpr int kProcessorSeconds = 60;
-constexpr std::int64_t kMostMilliseconds = 120'000;
-constexpr std::int64_t kEndMilliseconds = 100;
-/// Nobody reads more lines than fit into this.
-constexpr std::size_t kMostWords = 64 * 1024;
-
 /// The program's exit statuses.
 enum PrepareStatus { kWritten = 0, kNotWritten = 1, kWrittenWithRepairs = 3 };
-
-constexpr int kSignalled = 128;
 
 std::int64_t OutputLimit(const FileInformation& document) {
   return std::int64_t{64} * 1024 * 1024 + 32 * document.Size;
 }
 
-std::string ReasonOfEnd(int status) {
-  if (status == kSignalled + SIGXCPU) {
-    return "it took more than " + std::to_string(kProcessorSeconds) + " seconds of processor time";
-  }
-  if (status > kSignalled) {
-    return "the program that prepares was ended by signal " + std::to_string(status - kSignalled);
-  }
-  return "the program that prepares ended with status " + std::to_string(status);
-}
-
 }  // namespace
 
 PreparingChild::PreparingChild(WindowsAPI& system, const std::string& program, const PreparingTask& task)
-    : system_(system), task_(task) {
+    : system_(system), task_(task), child_(system, "the program that prepares") {
   Start(program);
 }
 
 PreparingChild::~PreparingChild() {
-  Kill();
-  const std::int64_t end = system_.MillisecondsNow() + kEndMilliseconds;
-  while (running_ && system_.MillisecondsNow() < end) {
-    const auto status = system_.ExitOfProcess(process_.Child);
-    running_ = status.Ok() && !status.Value();
-    if (running_) system_.WaitForInput({}, 1);
-  }
-  Close(process_.Errors);
   Close(input_);
   Close(output_);
 }
@@ -67,18 +37,8 @@ void PreparingChild::Start(const std::string& program) {
   output_ = Open(task_.Copy, OpenMode::ReadWriteExisting, found);
   if (output_ < 0) return;
   if (!IsUntouched(task_.Made, found)) return Fail("another file has taken the place of its copy");
-  const auto started = system_.StartProcess(
-      program,
-      {program, "--descriptors=" + std::to_string(input_) + "," + std::to_string(output_),
-       "--limits=" + std::to_string(kMemoryLimit) + "," + std::to_string(kProcessorSeconds) + "," +
-           std::to_string(OutputLimit(before_))},
-      {input_, output_});
-  if (!started.Ok()) {
-    return Fail("the program that prepares cannot be started: " + started.Error().Words());
-  }
-  process_ = started.Value();
-  started_ = system_.MillisecondsNow();
-  running_ = true;
+  child_.Start({program, {input_, output_}, OutputLimit(before_), {}});
+  if (!child_.Running()) Fail(child_.Failure());
 }
 
 WindowsAPI::Handle PreparingChild::Open(const std::string& path, OpenMode mode, FileInformation& found) {
@@ -104,63 +64,31 @@ void PreparingChild::Fail(std::string why) {
 }
 
 void PreparingChild::Look() {
-  if (!running_) return;
-  ReadWords();
-  const auto status = system_.ExitOfProcess(process_.Child);
-  if (!status.Ok()) {
-    Kill();
-    running_ = false;
-    return Fail("the program that prepares was lost: " + status.Error().Words());
-  }
-  if (status.Value()) {
-    running_ = false;
-    ReadWords();
-    return TakeEnd(*status.Value());
-  }
-  if (system_.MillisecondsNow() - started_ < kMostMilliseconds) return;
-  Kill();
-  Fail("it took more than " + std::to_string(kMostMilliseconds / 1000) + " seconds");
+  if (!child_.Running()) return;
+  child_.Look();
+  if (!child_.Running()) TakeEnd();
 }
 
-/// What comes after the first lines is read and dropped, so that the program does not wait for a reader.
-void PreparingChild::ReadWords() {
-  std::array<char, 4096> bytes;
-  while (process_.Errors >= 0) {
-    const auto count =
-        RetryInterrupted([&] { return system_.ReadNext(process_.Errors, bytes.data(), bytes.size()); });
-    if (!count.Ok() && count.Error().Code == EAGAIN) return;
-    if (!count.Ok() || count.Value() == 0) return Close(process_.Errors);
-    if (words_.size() < kMostWords) words_.append(bytes.data(), count.Value());
-  }
-}
-
-void PreparingChild::TakeEnd(int status) {
-  // Something else was the matter before.
-  if (!result_.Failure.empty()) return;
+void PreparingChild::TakeEnd() {
+  if (!child_.Failure().empty()) return Fail(child_.Failure());
   TakeWords();
+  const int status = child_.Status();
   if (status == kNotWritten && !lastWord_.empty()) return Fail(lastWord_);
-  if (status != kWritten && status != kWrittenWithRepairs) return Fail(ReasonOfEnd(status));
+  if (status != kWritten && status != kWrittenWithRepairs) return Fail(child_.WhyEnded());
   result_.Repaired = status == kWrittenWithRepairs;
   CheckFiles();
 }
 
 void PreparingChild::TakeWords() {
-  std::string_view rest = words_;
-  while (!rest.empty()) {
-    const std::string_view line = rest.substr(0, rest.find('\n'));
-    rest.remove_prefix(std::min(rest.size(), line.size() + 1));
-    const std::size_t colon = line.find(": ");
-    if (colon == std::string_view::npos) continue;
-    const std::string_view kind = line.substr(0, colon);
-    std::string text(line.substr(colon + 2));
-    if (kind == "reason")
-      result_.Reasons.push_back(std::move(text));
-    else if (kind == "lost")
-      result_.Losses.push_back(std::move(text));
-    else if (kind == "repaired")
-      result_.Repairs.push_back(std::move(text));
-    else if (kind == "failed")
-      lastWord_ = std::move(text);
+  for (ChildLine& line : child_.Lines()) {
+    if (line.Kind == "reason")
+      result_.Reasons.push_back(std::move(line.Text));
+    else if (line.Kind == "lost")
+      result_.Losses.push_back(std::move(line.Text));
+    else if (line.Kind == "repaired")
+      result_.Repairs.push_back(std::move(line.Text));
+    else if (line.Kind == "failed")
+      lastWord_ = std::move(line.Text);
   }
 }
 
@@ -174,10 +102,6 @@ void PreparingChild::CheckFiles() {
     return Fail("another file has taken the place of its copy");
   }
   if (copy.Value().Size > OutputLimit(before_)) Fail("its copy is too long");
-}
-
-void PreparingChild::Kill() {
-  if (running_) static_cast<void>(system_.KillProcess(process_.Child));
 }
 
 void PreparingChild::Close(WindowsAPI::Handle& file) {

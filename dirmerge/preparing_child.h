@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "dirmerge/limited_child.h"
 #include "platform/windows_api.h"
 
 namespace folioweld {
@@ -26,10 +27,9 @@ struct PreparingResult {
   std::vector<std::string> Repairs;
 };
 
-/// One document that `folioweld-prepare` prepares in a process of its own. That gets open files and no names:
-/// the document as it was opened and looked at here, and the file for the copy. It sets itself limits of
-/// memory, processor time and size, and is ended here when it takes too long. However it ends, nothing worse
-/// comes of it than that there is no copy.
+/// One document that `folioweld-prepare` prepares in a process of its own. That gets the document as it was
+/// opened and looked at here, and the file for the copy. However it ends, nothing worse comes of it than that
+/// there is no copy.
 class PreparingChild {
  public:
   /// Starts the program, if the files are what they were.
@@ -39,22 +39,18 @@ class PreparingChild {
   /// Ends it when it still runs, and stays until it is gone, but not for long.
   ~PreparingChild();
 
-  /// Takes what it has written, and whether it has ended or taken too long.
   void Look();
-  [[nodiscard]] bool Running() const { return running_; }
+  [[nodiscard]] bool Running() const { return child_.Running(); }
   /// Once it no longer runs.
   [[nodiscard]] const PreparingResult& Result() const { return result_; }
-  /// Can be read when `Look` has something to do; -1 when it has said its last word.
-  [[nodiscard]] WindowsAPI::Handle Errors() const { return process_.Errors; }
-  /// Ends it; several are ended quickest when each is told so before the first is waited for.
-  void Kill();
+  [[nodiscard]] WindowsAPI::Handle Errors() const { return child_.Errors(); }
+  void Kill() { child_.Kill(); }
 
  private:
   void Start(const std::string& program);
   [[nodiscard]] WindowsAPI::Handle Open(const std::string& path, OpenMode mode, FileInformation& found);
   void Fail(std::string why);
-  void ReadWords();
-  void TakeEnd(int status);
+  void TakeEnd();
   void TakeWords();
   void CheckFiles();
   void Close(WindowsAPI::Handle& file);
@@ -62,14 +58,11 @@ class PreparingChild {
   WindowsAPI& system_;
   const PreparingTask& task_;
   PreparingResult result_;
-  StartedProcess process_;
+  LimitedChild child_;
   WindowsAPI::Handle input_ = -1;
   WindowsAPI::Handle output_ = -1;
   FileInformation before_;  ///< of the document, when the program was started
-  std::int64_t started_ = 0;
-  std::string words_;
-  std::string lastWord_;  ///< what it says of its failure
-  bool running_ = false;
+  std::string lastWord_;    ///< what it says of its failure
 };
 
 }  // namespace folioweld

@@ -126,6 +126,12 @@ SystemResult<PosixApi::Handle> PosixApi::CreateFile(const std::string& path, Ope
   return file;
 }
 
+SystemResult<PosixApi::Handle> PosixApi::CreateMemoryFile() {
+  const int file = ::memfd_create("folioweld", MFD_CLOEXEC);
+  if (file < 0) return LastError();
+  return file;
+}
+
 SystemResult<std::size_t> PosixApi::ReadFile(Handle file, std::int64_t offset, char* bytes,
                                              std::size_t count) {
   return Transferred(::pread(file, bytes, count, offset));

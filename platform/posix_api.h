@@ -12,6 +12,7 @@ class PosixApi : public WindowsAPI {
   PosixApi();
 
   SystemResult<Handle> CreateFile(const std::string& path, OpenMode mode) override;
+  SystemResult<Handle> CreateMemoryFile() override;
   SystemResult<std::size_t> ReadFile(Handle file, std::int64_t offset, char* bytes,
                                      std::size_t count) override;
   SystemResult<std::size_t> ReadNext(Handle file, char* bytes, std::size_t count) override;

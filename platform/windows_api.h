@@ -112,6 +112,8 @@ class WindowsAPI {
 
   // Open files. Positions are 0-based byte offsets.
   virtual SystemResult<Handle> CreateFile(const std::string& path, OpenMode mode) = 0;
+  /// An empty file in memory, for reading and writing, that no path leads to.
+  virtual SystemResult<Handle> CreateMemoryFile() = 0;
   /// May read less than asked for; 0 bytes means the end of the file.
   virtual SystemResult<std::size_t> ReadFile(Handle file, std::int64_t offset, char* bytes,
                                              std::size_t count) = 0;

@@ -11,7 +11,7 @@
 #include <string>
 #include <sys/stat.h>
 
-#include "dirmerge/prepare_program.h"
+#include "dirmerge/extra_programs.h"
 #include "tests/dirmerge/preparing_fixture.h"
 #include "tests/support/child_program.h"
 #include "tests/support/merge_run.h"
@@ -329,9 +329,9 @@ TEST_F(DocumentPreparationTest, AsManyObjectsAsCanBeWrittenAreJoined) {
 }
 
 TEST_F(DocumentPreparationTest, TheProgramIsFoundBesideThisOneAndNowhereElse) {
-  EXPECT_EQ(FindPrepareProgram(system_), folder_.File("bin/folioweld-prepare"));
+  EXPECT_EQ(FindExtraProgram(system_, kPrepareProgram), folder_.File("bin/folioweld-prepare"));
   fs::remove(folder_.File("bin/folioweld-prepare"));
-  EXPECT_EQ(FindPrepareProgram(system_), "");
+  EXPECT_EQ(FindExtraProgram(system_, kPrepareProgram), "");
 }
 
 }  // namespace

@@ -55,6 +55,15 @@ class PosixFilesTest : public ::testing::Test {
   PosixApi System;
 };
 
+TEST_F(PosixFilesTest, AFileInMemoryCanBeWrittenAndReadAndIsKeptFromOtherPrograms) {
+  const auto file = System.CreateMemoryFile();
+  ASSERT_TRUE(file.Ok()) << file.Error().Words();
+  ASSERT_TRUE(System.WriteFile(file.Value(), 3, "text", 4).Ok());
+  EXPECT_EQ(Read(file.Value(), 0, 10), std::string("\0\0\0text", 7));
+  EXPECT_EQ(::fcntl(file.Value(), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
+  EXPECT_FALSE(System.CloseHandle(file.Value()));
+}
+
 TEST_F(PosixFilesTest, TheModesThatNeedAnExistingFileCreateNone) {
   for (const OpenMode mode :
        {OpenMode::ReadExisting, OpenMode::ReadWriteExisting, OpenMode::TruncateExisting}) {

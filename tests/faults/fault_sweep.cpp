@@ -23,6 +23,7 @@ constexpr std::size_t kAlmostAll = std::numeric_limits<std::size_t>::max();
 const std::vector<Fault>& FaultsOf(const std::string& call) {
   static const std::map<std::string, std::vector<Fault>> faults = {
       {"CreateFile", {{EACCES, 0}, {EMFILE, 0}, {ENOSPC, 0}, {EIO, 0}, {EINTR, 0}}},
+      {"CreateMemoryFile", {{EMFILE, 0}, {ENOMEM, 0}, {EINTR, 0}}},
       {"ReadFile", {{EIO, 0}, {EINTR, 0}, {0, kAlmostAll}}},
       {"WriteFile", {{ENOSPC, 0}, {EIO, 0}, {EINTR, 0}, {0, kAlmostAll}}},
       {"GetFileInformationByHandle", {{EIO, 0}}},

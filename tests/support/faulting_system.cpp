@@ -43,6 +43,12 @@ SystemResult<FaultingSystem::Handle> FaultingSystem::CreateFile(const std::strin
   return PosixApi::CreateFile(path, mode);
 }
 
+SystemResult<FaultingSystem::Handle> FaultingSystem::CreateMemoryFile() {
+  const Fault fault = Count("CreateMemoryFile");
+  if (fault.Error != 0) return SystemError{fault.Error};
+  return PosixApi::CreateMemoryFile();
+}
+
 SystemResult<std::size_t> FaultingSystem::ReadFile(Handle file, std::int64_t offset, char* bytes,
                                                    std::size_t count) {
   const Fault fault = Count("ReadFile");

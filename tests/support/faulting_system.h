@@ -39,6 +39,7 @@ class FaultingSystem : public PosixApi {
   static std::function<Fault(const Call&, std::size_t)> Failing(const std::string& name, int error);
 
   SystemResult<Handle> CreateFile(const std::string& path, OpenMode mode) override;
+  SystemResult<Handle> CreateMemoryFile() override;
   SystemResult<std::size_t> ReadFile(Handle file, std::int64_t offset, char* bytes,
                                      std::size_t count) override;
   SystemResult<std::size_t> ReadNext(Handle file, char* bytes, std::size_t count) override;

@@ -1,13 +1,13 @@
-#include "dirmerge/prepare_program.h"
+#include "dirmerge/extra_programs.h"
 
 namespace folioweld {
 
-std::string FindPrepareProgram(WindowsAPI& system) {
+std::string FindExtraProgram(WindowsAPI& system, const std::string& name) {
   const auto own = system.GetModuleFileName();
   if (!own.Ok()) return {};
   const std::string folder = own.Value().substr(0, own.Value().rfind('/') + 1);
-  for (const char* const name : {"folioweld-prepare", FOLIOWELD_PRIVATE_FOLDER "/folioweld-prepare"}) {
-    std::string program = folder + name;
+  for (const char* const below : {"", FOLIOWELD_PRIVATE_FOLDER "/"}) {
+    std::string program = folder + below + name;
     const auto found = system.GetFileAttributes(program);
     if (found.Ok() && found.Value().Kind == FileKind::Regular) return program;
   }
