@@ -3,20 +3,15 @@
 #include <string>
 
 #include "batch/error_output.h"
+#include "batch/printed_answer.h"
 #include "dirmerge/extra_programs.h"
-#include "platform/retry.h"
 
 namespace folioweld {
 
 namespace {
 
 ExitStatus Print(WindowsAPI& system, const std::string& text) {
-  const SystemError error = TransferAll(text.size(), [&](std::size_t done) {
-    return system.WriteStandardOutput(text.data() + done, text.size() - done);
-  });
-  if (!error) return kEverythingJoined;
-  WriteError(system, "folioweld: standard output cannot be written: " + error.Words() + "\n");
-  return kNoOutput;
+  return PrintAnswer(system, "folioweld", text) ? kEverythingJoined : kNoOutput;
 }
 
 }  // namespace

@@ -26,18 +26,26 @@ std::string WordsOf(const Alteration& warning) {
   return words == std::string::npos ? sentence : sentence.substr(words + 2);
 }
 
-}  // namespace
-
-std::string EngineObjection(WindowsAPI& system, const std::string& path) {
+DocumentJudgement Judge(WindowsAPI& system, const std::string& path) {
   FileModule files(system);
   MergeState watched;
   WatchingShell shell(system, watched);
   DocumentJudge judge(files, shell, watched);
-  const DocumentJudgement judgement = judge.Judge(path);
+  return judge.Judge(path);
+}
+
+}  // namespace
+
+std::string EngineObjection(WindowsAPI& system, const std::string& path) {
+  const DocumentJudgement judgement = Judge(system, path);
   if (judgement.IsPlain()) return {};
   if (!judgement.IsJoinable()) return judgement.Refusal.Rule;
   if (!judgement.Warnings.empty()) return WordsOf(judgement.Warnings.front());
   return "it refers to object " + std::to_string(judgement.LowestMissing) + ", which it does not have";
+}
+
+std::string EngineRefusal(WindowsAPI& system, const std::string& path) {
+  return Judge(system, path).Refusal.Rule;
 }
 
 }  // namespace folioweld

@@ -1,6 +1,7 @@
 #include "prepare/losses.h"
 
 #include <algorithm>
+#include <new>
 #include <set>
 
 namespace folioweld {
@@ -79,6 +80,12 @@ std::string Words(const QPDFExc& warning) {
     place += (place.empty() ? "offset " : ", offset ") + std::to_string(warning.getFilePosition());
   }
   return place.empty() ? words : words + " (" + place + ")";
+}
+
+std::string WordsOf(const std::exception& raised) {
+  if (const auto* broken = dynamic_cast<const QPDFExc*>(&raised)) return Words(*broken);
+  const bool isMemory = dynamic_cast<const std::bad_alloc*>(&raised) != nullptr;
+  return isMemory ? "there is not enough memory for it" : raised.what();
 }
 
 }  // namespace folioweld

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <exception>
 #include <string>
 #include <vector>
 
@@ -19,5 +20,8 @@ namespace folioweld {
 
 /// A warning of libqpdf, with its object and offset and without the document's name.
 [[nodiscard]] std::string Words(const QPDFExc& warning);
+
+/// Of anything that is raised here or by libqpdf.
+[[nodiscard]] std::string WordsOf(const std::exception& raised);
 
 }  // namespace folioweld

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "batch/error_output.h"
-#include "platform/retry.h"
+#include "batch/printed_answer.h"
 #include "prepare/prepare_arguments.h"
 #include "prepare/prepare_run.h"
 
@@ -13,12 +13,7 @@ namespace {
 using namespace folioweld;
 
 PrepareStatus Print(WindowsAPI& system, const std::string& text) {
-  const SystemError error = TransferAll(text.size(), [&](std::size_t done) {
-    return system.WriteStandardOutput(text.data() + done, text.size() - done);
-  });
-  if (!error) return kCopyWritten;
-  WriteError(system, "folioweld-prepare: standard output cannot be written: " + error.Words() + "\n");
-  return kNoCopy;
+  return PrintAnswer(system, "folioweld-prepare", text) ? kCopyWritten : kNoCopy;
 }
 
 /// By hand a signal takes back what was begun; a program that started this one ends it at once.

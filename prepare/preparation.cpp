@@ -1,25 +1,19 @@
 #include "prepare/preparation.h"
 
 #include <memory>
-#include <new>
 
 #include "engine/own_files.h"
 #include "prepare/engine_check.h"
 #include "prepare/file_sink.h"
 #include "prepare/losses.h"
+#include "prepare/memory_watch.h"
 #include "prepare/not_prepared.h"
+#include "prepare/opened_file.h"
 #include "prepare/system_input.h"
 
 namespace folioweld {
 
 namespace {
-
-FileInformation Look(WindowsAPI& system, WindowsAPI::Handle file) {
-  const auto information = system.GetFileInformationByHandle(file);
-  if (!information.Ok()) throw NotPrepared("it cannot be read: " + information.Error().Words());
-  if (information.Value().Kind != FileKind::Regular) throw NotPrepared("it is no file");
-  return information.Value();
-}
 
 /// What the engine does not read, in few words; empty when it is something else.
 std::string UnreadForm(QPDF& document) {
@@ -48,29 +42,8 @@ void Open(QPDF& document, const std::shared_ptr<SystemInput>& input, const std::
   }
 }
 
-bool memoryRanOut = false;
-
-/// Notices that memory runs out: libqpdf takes an object that it has no room for for null.
-class MemoryWatch {
- public:
-  MemoryWatch() {
-    memoryRanOut = false;
-    std::set_new_handler([] {
-      memoryRanOut = true;
-      throw std::bad_alloc();
-    });
-  }
-  MemoryWatch(const MemoryWatch&) = delete;
-  MemoryWatch& operator=(const MemoryWatch&) = delete;
-  ~MemoryWatch() { std::set_new_handler(nullptr); }
-
-  static void Check() {
-    if (memoryRanOut) throw NotPrepared("there is not enough memory for it");
-  }
-};
-
 Preparation Copy(WindowsAPI& system, const OpenPair& files, const std::string& password) {
-  const FileInformation was = Look(system, files.Input);
+  const FileInformation was = LookAt(system, files.Input);
   const auto input = std::make_shared<SystemInput>(system, files.Input, was.Size);
   QPDF document;
   Open(document, input, password);
@@ -81,7 +54,7 @@ Preparation Copy(WindowsAPI& system, const OpenPair& files, const std::string& p
   sink.Flush();
   input->CheckReads();
   MemoryWatch::Check();
-  if (!IsSameState(Look(system, files.Input), was)) throw NotPrepared("it was changed meanwhile");
+  if (!IsSameState(LookAt(system, files.Input), was)) throw NotPrepared("it was changed meanwhile");
   return done;
 }
 

@@ -1,14 +1,11 @@
 #include "prepare/prepare_arguments.h"
 
-#include <algorithm>
 #include <array>
-#include <charconv>
 #include <getopt.h>
-#include <limits>
-#include <string_view>
 #include <utility>
 
 #include "prepare/libqpdf.h"
+#include "prepare/number_lists.h"
 
 namespace folioweld {
 
@@ -25,23 +22,6 @@ constexpr std::array kOptions = {option{"password-file", required_argument, null
                                  option{"help", no_argument, nullptr, 'h'},
                                  option{"version", no_argument, nullptr, 'V'},
                                  option{nullptr, 0, nullptr, 0}};
-
-constexpr std::int64_t kHighestHandle = std::numeric_limits<WindowsAPI::Handle>::max();
-
-/// The numbers between the commas of a text; empty where anything else stands in it.
-std::vector<std::int64_t> NumbersOf(std::string_view text) {
-  std::vector<std::int64_t> numbers;
-  for (const char* next = text.data();;) {
-    const char* const end = text.data() + text.size();
-    std::int64_t number = -1;
-    const auto [after, error] = std::from_chars(next, end, number);
-    if (error != std::errc() || number < 0) return {};
-    numbers.push_back(number);
-    if (after == end) return numbers;
-    if (*after != ',') return {};
-    next = after + 1;
-  }
-}
 
 class Parser {
  public:
@@ -97,18 +77,16 @@ class Parser {
   }
 
   bool TakeDescriptors() {
-    const std::vector<std::int64_t> numbers = NumbersOf(optarg);
-    const bool areHandles = numbers.size() == 2 && std::max(numbers[0], numbers[1]) <= kHighestHandle;
-    if (!areHandles) return Refuse("--descriptors is the numbers of two open files");
-    result_.InputHandle = static_cast<WindowsAPI::Handle>(numbers[0]);
-    result_.OutputHandle = static_cast<WindowsAPI::Handle>(numbers[1]);
+    const std::vector<WindowsAPI::Handle> handles = HandlesOf(optarg);
+    if (handles.size() != 2) return Refuse("--descriptors is the numbers of two open files");
+    result_.InputHandle = handles[0];
+    result_.OutputHandle = handles[1];
     return true;
   }
 
   bool TakeLimits() {
-    const std::vector<std::int64_t> numbers = NumbersOf(optarg);
-    if (numbers.size() != 3) return Refuse("--limits is bytes of memory, seconds and bytes of the copy");
-    result_.Limits = ProcessLimits{numbers[0], numbers[1], numbers[2]};
+    result_.Limits = LimitsOf(optarg);
+    if (!result_.Limits) return Refuse("--limits is bytes of memory, seconds and bytes of the copy");
     return true;
   }
 

@@ -6,6 +6,7 @@
 #include "platform/retry.h"
 #include "prepare/new_output.h"
 #include "prepare/not_prepared.h"
+#include "prepare/opened_file.h"
 #include "prepare/prepare_report.h"
 
 namespace folioweld {
@@ -13,27 +14,6 @@ namespace folioweld {
 namespace {
 
 constexpr std::size_t kLongestPassword = 4096;
-
-/// Closes the file at the end of its life.
-class OpenedFile {
- public:
-  OpenedFile(WindowsAPI& system, const std::string& path, OpenMode mode, const std::string& name)
-      : system_(system) {
-    const auto file = RetryInterrupted([&] { return system.CreateFile(path, mode); });
-    if (!file.Ok()) throw NotPrepared(name + " cannot be opened: " + file.Error().Words());
-    handle_ = file.Value();
-  }
-  OpenedFile(const OpenedFile&) = delete;
-  OpenedFile& operator=(const OpenedFile&) = delete;
-  // It was only read: closing it cannot lose anything.
-  ~OpenedFile() { static_cast<void>(system_.CloseHandle(handle_)); }
-
-  [[nodiscard]] WindowsAPI::Handle Handle() const { return handle_; }
-
- private:
-  WindowsAPI& system_;
-  WindowsAPI::Handle handle_ = -1;
-};
 
 /// The first line of the file.
 std::string ReadPassword(WindowsAPI& system, const std::string& path) {
@@ -53,11 +33,6 @@ std::string ReadPassword(WindowsAPI& system, const std::string& path) {
 
 std::string PasswordOf(WindowsAPI& system, const PrepareArguments& arguments) {
   return arguments.PasswordFile ? ReadPassword(system, *arguments.PasswordFile) : std::string();
-}
-
-/// Under this name an open file can be opened once more.
-std::string PathOf(WindowsAPI::Handle file) {
-  return "/dev/fd/" + std::to_string(file);
 }
 
 Preparation CopyHandles(WindowsAPI& system, const PrepareArguments& arguments) {

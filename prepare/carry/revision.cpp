@@ -4,6 +4,8 @@
 #include <new>
 #include <utility>
 
+#include "prepare/losses.h"
+
 namespace folioweld {
 
 namespace {
@@ -52,7 +54,7 @@ void Revision::ForEach(const std::string& part, const std::function<void(Carried
     } catch (const std::bad_alloc&) {
       throw;
     } catch (const std::exception& broken) {
-      TellLost(document, part, broken.what());
+      TellLost(document, part, WordsOf(broken));
     }
   }
 }

@@ -5,8 +5,8 @@
 #include "dirmerge/directory_merge.h"
 #include "engine/document_judge.h"
 #include "prepare/carry/appending.h"
+#include "prepare/carry/carried_documents.h"
 #include "prepare/carry/page_walk.h"
-#include "prepare/carry/sources.h"
 #include "tests/support/recording_shell.h"
 
 namespace folioweld::testing {
@@ -29,16 +29,14 @@ std::vector<int> NumbersOf(const std::vector<FoundPage>& pages) {
 
 QPDF& CarryFixture::Carry(const std::vector<std::string>& documents,
                           const std::function<void(Revision&)>& feature) {
-  const std::vector<std::string> paths = WriteDocuments(documents);
-  Number(paths);
-  Join(paths);
+  const std::vector<JoinedDocument> list = Join(documents);
   joined_ = ReadFile(ResultPath());
   losses_.clear();
   std::vector<int> pages;
   {
     QPDF file;
     Open(file, ResultPath());
-    Revision revision(file, Model(paths, file));
+    Revision revision(file, Model(list, file));
     pages = NumbersOf(WalkPages(file));
     feature(revision);
     bytes_ = joined_ + RevisionBytes(revision, static_cast<std::int64_t>(joined_.size()));
@@ -80,7 +78,7 @@ void CarryFixture::Number(const std::vector<std::string>& paths) {
   }
 }
 
-void CarryFixture::Join(const std::vector<std::string>& paths) {
+void CarryFixture::JoinFiles(const std::vector<std::string>& paths) {
   system_.Environment = {{"XDG_CONFIG_HOME", folder_.Path()}, {"TMPDIR", folder_.Path()}};
   ProgramState program;
   program.CommandLineOutput = ResultPath();
@@ -96,18 +94,21 @@ void CarryFixture::Join(const std::vector<std::string>& paths) {
   ASSERT_EQ(merge.Report().JoinedDocuments, paths.size());
 }
 
-std::vector<CarriedDocument> CarryFixture::Model(const std::vector<std::string>& paths, QPDF& file) {
-  std::vector<CarriedDocument> documents(paths.size());
+std::vector<JoinedDocument> CarryFixture::Join(const std::vector<std::string>& documents) {
+  const std::vector<std::string> paths = WriteDocuments(documents);
+  Number(paths);
+  JoinFiles(paths);
+  std::vector<JoinedDocument> list;
   for (std::size_t i = 0; i < paths.size(); ++i) {
-    CarriedDocument& document = documents[i];
-    document.Index = static_cast<int>(i) + 1;
-    document.Name = names_[i];
-    document.FirstObject = firstObjects_[i];
-    document.EndObject = firstObjects_[i + 1];
-    QPDF source;
-    Open(source, paths[i]);
-    ReadSource(source, file, document);
+    list.push_back({paths[i], system_.GetFileAttributes(paths[i]).Value(), names_[i], firstObjects_[i]});
   }
+  return list;
+}
+
+std::vector<CarriedDocument> CarryFixture::Model(const std::vector<JoinedDocument>& list, QPDF& file) {
+  std::vector<CarryLoss> losses;
+  std::vector<CarriedDocument> documents = ReadDocuments(system_, file, list, losses);
+  EXPECT_TRUE(losses.empty());
   GivePages(WalkPages(file), documents);
   return documents;
 }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/joined_documents.h"
 #include "prepare/carry/revision.h"
 #include "prepare/libqpdf.h"
 #include "tests/batch/screen_system.h"
@@ -36,16 +37,19 @@ class CarryFixture : public ::testing::Test {
   /// The standard output of a command of the shell, in which "$file" is the result.
   [[nodiscard]] std::string Said(const std::string& command) const;
 
+  /// Writes the documents and joins them; what is returned describes them.
+  std::vector<JoinedDocument> Join(const std::vector<std::string>& documents);
+
   std::vector<std::string> names_;
   TempFolder folder_;
   ScreenSystem system_;
 
  private:
   std::vector<std::string> WriteDocuments(const std::vector<std::string>& documents);
-  void Join(const std::vector<std::string>& paths);
   /// Where the joined documents begin, and where the last one ends.
   void Number(const std::vector<std::string>& paths);
-  std::vector<CarriedDocument> Model(const std::vector<std::string>& paths, QPDF& file);
+  void JoinFiles(const std::vector<std::string>& paths);
+  std::vector<CarriedDocument> Model(const std::vector<JoinedDocument>& list, QPDF& file);
 
   std::vector<int> firstObjects_;
   std::vector<std::string> losses_;

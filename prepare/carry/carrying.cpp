@@ -1,0 +1,66 @@
+#include "prepare/carry/carrying.h"
+
+#include <memory>
+#include <utility>
+
+#include "platform/retry.h"
+#include "prepare/carry/appended_check.h"
+#include "prepare/carry/appending.h"
+#include "prepare/carry/carried_documents.h"
+#include "prepare/carry/carry_parts.h"
+#include "prepare/carry/page_walk.h"
+#include "prepare/memory_watch.h"
+#include "prepare/opened_file.h"
+
+namespace folioweld {
+
+namespace {
+
+void Append(WindowsAPI& system, WindowsAPI::Handle file, std::int64_t length, const std::string& bytes) {
+  const SystemError error = TransferAll(bytes.size(), [&](std::size_t done) {
+    return system.WriteFile(file, length + static_cast<std::int64_t>(done), bytes.data() + done,
+                            bytes.size() - done);
+  });
+  if (error) throw NotCarried("it cannot be written: " + error.Words());
+}
+
+/// What the joined file has to have afterwards, and what is appended to it.
+struct Plan {
+  JoinedState Before;
+  std::string Bytes;
+  CarryReport Report;
+};
+
+Plan MakePlan(WindowsAPI& system, const CarryArguments& arguments, std::int64_t length) {
+  const JoinedFile joined(system, arguments.Joined, length);
+  QPDF& file = joined.File();
+  Plan plan;
+  std::vector<CarriedDocument> documents =
+      ReadDocuments(system, file, ReadList(system, arguments.List), plan.Report.Lost);
+  const std::vector<FoundPage> pages = WalkPages(file);
+  GivePages(pages, documents);
+  Revision revision(file, std::move(documents));
+  CarryParts(revision, arguments.Shown, arguments.Title);
+  plan.Bytes = RevisionBytes(revision, length);
+  joined.CheckReads();
+  MemoryWatch::Check();
+  plan.Before = StateOf(file, pages);
+  for (const int number : revision.Written()) plan.Before.Forget(number);
+  const auto& lost = revision.Losses();
+  plan.Report.Lost.insert(plan.Report.Lost.end(), lost.begin(), lost.end());
+  plan.Report.Done = std::to_string(revision.Written().size()) + " objects added or changed";
+  return plan;
+}
+
+}  // namespace
+
+CarryReport Carry(WindowsAPI& system, const CarryArguments& arguments) {
+  const MemoryWatch watch;
+  const std::int64_t length = LookAt(system, arguments.Joined).Size;
+  Plan plan = MakePlan(system, arguments, length);
+  Append(system, arguments.Joined, length, plan.Bytes);
+  CheckAppended(system, arguments.Joined, plan.Before, length + static_cast<std::int64_t>(plan.Bytes.size()));
+  return std::move(plan.Report);
+}
+
+}  // namespace folioweld
