@@ -1,0 +1,88 @@
+#include "prepare/carry/destinations.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "prepare/carry/dictionaries.h"
+#include "prepare/carry/names_merge.h"
+
+namespace folioweld {
+
+namespace {
+
+constexpr char kPart[] = "destinations";
+
+class Destinations {
+ public:
+  explicit Destinations(Revision& revision) : revision_(revision) {}
+
+  UsesByDocument Run() {
+    std::vector<DocumentNames> documents =
+        ReadNames(revision_, kPart, [&](DocumentNames& names) { Read(names); });
+    MakeNamesUnique(documents);
+    const bool isCarried = HasLaterNames(documents);
+    for (const DocumentNames& document : documents) ChangeUses(document, isCarried && hasTree_);
+    if (isCarried) Write(MergedNames(revision_, kPart, documents));
+    return std::move(uses_);
+  }
+
+ private:
+  void Read(DocumentNames& names) {
+    const CarriedDocument& document = *names.Document;
+    NameUses& uses = uses_[document.Index] = FindNameUses(revision_, document);
+    for (const NameUse& use : uses.Destinations) names.Used.insert(use.Name);
+    QPDFObjectHandle catalog = CatalogOf(revision_, document);
+    QPDFObjectHandle tree = EntryOf(EntryOf(catalog, "/Names"), "/Dests");
+    names.Own = ReadNameTree(revision_, tree);
+    QPDFObjectHandle dictionary = EntryOf(catalog, "/Dests");
+    if (dictionary.isDictionary()) {
+      for (const auto& [key, value] : dictionary.getDictAsMap())
+        names.Own.Values.emplace(key.substr(1), value);
+    }
+    if (document.Index > 1) {
+      for (auto& [name, value] : names.Own.Values) value = WithPage(document, value);
+    }
+    hasTree_ = hasTree_ || tree.isDictionary();
+  }
+
+  /// Names in the dictionary are name objects, those in the tree are strings.
+  void ChangeUses(const DocumentNames& document, bool asStrings) {
+    const NameUses& uses = uses_.at(document.Document->Index);
+    for (const NameUse& use : uses.Destinations) {
+      const auto renamed = document.NewNames.find(use.Name);
+      const bool isRenamed = renamed != document.NewNames.end();
+      const bool becomesString = asStrings && use.IsNameObject && document.Own.Values.count(use.Name) > 0;
+      if (!isRenamed && !becomesString) continue;
+      ChangeUse(revision_, use, isRenamed ? renamed->second : use.Name, use.IsNameObject && !becomesString);
+    }
+    if (document.Document->Index == 1) return;
+    for (const NameUse& use : uses.Pages) {
+      QPDFObjectHandle before = EntryOf(use.Where.Dictionary, use.Key);
+      SetEntry(revision_, use.Where, use.Key, WithPage(*document.Document, before));
+    }
+  }
+
+  void Write(const std::map<std::string, QPDFObjectHandle>& names) {
+    if (hasTree_) {
+      SetNames(revision_, "/Dests", names);
+      revision_.Catalog().removeKey("/Dests");
+      return;
+    }
+    QPDFObjectHandle dictionary = QPDFObjectHandle::newDictionary();
+    for (const auto& [name, value] : names) dictionary.replaceKey("/" + name, value);
+    revision_.Catalog().replaceKey("/Dests", revision_.Add(dictionary));
+  }
+
+  Revision& revision_;
+  UsesByDocument uses_;
+  bool hasTree_ = false;
+};
+
+}  // namespace
+
+UsesByDocument CarryDestinations(Revision& revision) {
+  return Destinations(revision).Run();
+}
+
+}  // namespace folioweld

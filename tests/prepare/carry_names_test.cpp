@@ -1,0 +1,276 @@
+#include <gmock/gmock.h>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "prepare/carry/names.h"
+#include "tests/prepare/carry_fixture.h"
+
+namespace folioweld {
+namespace {
+
+using testing::DocumentBuilder;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using testing::PagesDocument;
+
+class CarryNamesTest : public testing::CarryFixture {
+ protected:
+  QPDF& CarryAll(const std::vector<std::string>& documents) { return Carry(documents, CarryNames); }
+
+  /// "page name" of each destination, as a reader lists them.
+  std::vector<std::string> Destinations() const {
+    std::vector<std::string> lines;
+    std::istringstream said(Said("pdfinfo -dests \"$file\""));
+    std::string line;
+    std::getline(said, line);
+    while (std::getline(said, line)) {
+      lines.push_back(std::to_string(std::stoi(line)) + " " + line.substr(line.find('"')));
+    }
+    return lines;
+  }
+
+  QPDFObjectHandle Object(QPDF& result, int document, int number) {
+    return result.getObjectByID(Numbered(document, number), 0);
+  }
+
+  static std::vector<std::string> KeysOf(QPDFObjectHandle leaf) {
+    std::vector<std::string> keys;
+    for (int i = 0; i < leaf.getArrayNItems(); i += 2) keys.push_back(leaf.getArrayItem(i).getStringValue());
+    return keys;
+  }
+};
+
+/// Object 4 is the second page, which the destination `name` of a tree leads to.
+DocumentBuilder DocumentWithTree(const std::string& name, const std::string& ofPages = "") {
+  return PagesDocument(2, "/Names << /Dests << /Names [ (" + name + ") [ 4 0 R /Fit ] ] >> >>", ofPages);
+}
+
+DocumentBuilder DocumentWithDictionary(const std::string& name, const std::string& ofPages = "") {
+  return PagesDocument(2, "/Dests << /" + name + " [ 4 0 R /Fit ] >>", ofPages);
+}
+
+std::string LinksTo(const std::string& entries) {
+  return "/Annots [ << /Subtype /Link /Rect [ 0 0 9 9 ] " + entries + " >> ]";
+}
+
+TEST_F(CarryNamesTest, PutsDestinationsOfAllDocumentsIntoOneTree) {
+  CarryAll({DocumentWithTree("one").Build(), PagesDocument(1).Build(), DocumentWithTree("another").Build()});
+  EXPECT_THAT(Destinations(), ElementsAre("2 \"one\"", "5 \"another\""));
+  EXPECT_THAT(KeysOf(Root().getKey("/Names").getKey("/Dests").getKey("/Names")),
+              ElementsAre("another", "one"));
+  EXPECT_THAT(Losses(), IsEmpty());
+}
+
+TEST_F(CarryNamesTest, AddsNothingWhereOnlyTheFirstDocumentHasNames) {
+  CarryAll({DocumentWithTree("one").Build(), PagesDocument(2).Build()});
+  EXPECT_EQ(Appended().find(" 0 obj"), Appended().rfind(" 0 obj"));
+  EXPECT_THAT(Destinations(), ElementsAre("2 \"one\""));
+}
+
+TEST_F(CarryNamesTest, RenamesTheLaterOneOfTwoDestinationsWithOneName) {
+  const std::string document = DocumentWithTree("a", LinksTo("/Dest (a)")).Build();
+  QPDF& result = CarryAll({document, document, document});
+  EXPECT_THAT(Destinations(), ElementsAre("2 \"a\"", "4 \"a-2\"", "6 \"a-3\""));
+  const auto destination = [&](int number) {
+    return Object(result, number, 3).getKey("/Annots").getArrayItem(0).getKey("/Dest").getStringValue();
+  };
+  EXPECT_EQ(destination(1), "a");
+  EXPECT_EQ(destination(2), "a-2");
+  EXPECT_EQ(destination(3), "a-3");
+}
+
+TEST_F(CarryNamesTest, TakesANewNameThatNeitherDocumentHas) {
+  const std::string names = "/Names << /Dests << /Names [ (a) [ 3 0 R /Fit ] (a-2) [ 3 0 R /Fit ] ] >> >>";
+  CarryAll({DocumentWithTree("a").Build(), PagesDocument(1, names).Build()});
+  EXPECT_THAT(Destinations(), ElementsAre("2 \"a\"", "3 \"a-2\"", "3 \"a-3\""));
+}
+
+TEST_F(CarryNamesTest, ExtendsATextInUtf16InUtf16) {
+  const std::string document =
+      PagesDocument(1, "/Names << /Dests << /Names [ <FEFF00E9> [ 3 0 R /Fit ] ] >> >>").Build();
+  CarryAll({document, document});
+  EXPECT_THAT(KeysOf(Root().getKey("/Names").getKey("/Dests").getKey("/Names")),
+              ElementsAre(std::string("\xFE\xFF\0\xE9", 4), std::string("\xFE\xFF\0\xE9\0-\0002", 8)));
+}
+
+TEST_F(CarryNamesTest, ChangesEveryKindOfActionThatUsesARenamedDestination) {
+  const std::string goTo = "<< /S /GoTo /D (a) >>";
+  auto second = DocumentWithTree("a", "/AA << /O " + goTo + " >> /Annots 5 0 R");
+  second.Object(5, "[ 6 0 R << /Subtype /Link /A 7 0 R >> ]")
+      .Object(6, "<< /Subtype /Widget /AA << /U " + goTo + " >> >>")
+      .Object(7, "<< /S /URI /URI (x) /Next [ << /S /Named /N /NextPage /Next 8 0 R >> ] >>")
+      .Object(8, "<< /S /GoTo /D (a) /SD [ 3 0 R /Fit ] /Next 7 0 R >>");
+  QPDF& result = CarryAll({DocumentWithTree("a").Build(), second.Build()});
+  const auto name = [](QPDFObjectHandle action) { return action.getKey("/D").getStringValue(); };
+  EXPECT_EQ(name(Object(result, 2, 3).getKey("/AA").getKey("/O")), "a-2");
+  EXPECT_EQ(name(Object(result, 2, 4).getKey("/AA").getKey("/O")), "a-2");
+  EXPECT_EQ(name(Object(result, 2, 6).getKey("/AA").getKey("/U")), "a-2");
+  EXPECT_EQ(name(Object(result, 2, 8)), "a-2");
+}
+
+TEST_F(CarryNamesTest, ChangesOutlineItemsAndFieldsThatUseARenamedDestination) {
+  auto second = PagesDocument(2,
+                              "/Names << /Dests << /Names [ (a) [ 4 0 R /Fit ] ] >> >> /Outlines 5 0 R "
+                              "/AcroForm << /Fields [ 8 0 R ] >>");
+  second.Object(5, "<< /First 6 0 R /Last 7 0 R >>")
+      .Object(6, "<< /Title (A) /Parent 5 0 R /Next 7 0 R /Dest (a) >>")
+      .Object(7, "<< /Title (B) /Parent 5 0 R /Prev 6 0 R /Next 6 0 R /A << /S /GoTo /D (a) >> >>")
+      .Object(8, "<< /T (field) /Kids [ 9 0 R ] >>")
+      .Object(9, "<< /Parent 8 0 R /A << /S /GoTo /D (a) >> >>");
+  QPDF& result = CarryAll({DocumentWithTree("a").Build(), second.Build()});
+  EXPECT_EQ(Object(result, 2, 6).getKey("/Dest").getStringValue(), "a-2");
+  EXPECT_EQ(Object(result, 2, 7).getKey("/A").getKey("/D").getStringValue(), "a-2");
+  EXPECT_EQ(Object(result, 2, 9).getKey("/A").getKey("/D").getStringValue(), "a-2");
+}
+
+TEST_F(CarryNamesTest, LeavesActionsThatLeadIntoOtherFiles) {
+  const std::string remote = "/A << /S /GoToR /F (other.pdf) /D (a) >>";
+  QPDF& result = CarryAll({DocumentWithTree("a").Build(), DocumentWithTree("a", LinksTo(remote)).Build()});
+  QPDFObjectHandle link = Object(result, 2, 3).getKey("/Annots").getArrayItem(0);
+  EXPECT_EQ(link.getKey("/A").getKey("/D").getStringValue(), "a");
+}
+
+TEST_F(CarryNamesTest, KeepsALinkThatLeadsNowhereFromLeadingIntoAnotherDocument) {
+  QPDF& result = CarryAll({PagesDocument(1, "", LinksTo("/Dest (a)")).Build(), DocumentWithTree("a").Build(),
+                           PagesDocument(1, "", LinksTo("/Dest (a)")).Build()});
+  EXPECT_THAT(Destinations(), ElementsAre("3 \"a-2\""));
+  const auto destination = [&](int number) {
+    return Object(result, number, 3).getKey("/Annots").getArrayItem(0).getKey("/Dest").getStringValue();
+  };
+  EXPECT_EQ(destination(1), "a");
+  EXPECT_EQ(destination(3), "a-3");
+}
+
+TEST_F(CarryNamesTest, KeepsNameObjectsInADictionaryWhereAllDocumentsHaveOne) {
+  const std::string document = DocumentWithDictionary("a#20b", LinksTo("/Dest /a#20b")).Build();
+  QPDF& result = CarryAll({document, document});
+  EXPECT_THAT(Destinations(), ElementsAre("2 \"a b\"", "4 \"a b-2\""));
+  QPDFObjectHandle link = Object(result, 2, 3).getKey("/Annots").getArrayItem(0);
+  EXPECT_EQ(link.getKey("/Dest").getName(), "/a b-2");
+  EXPECT_FALSE(Root().hasKey("/Names"));
+}
+
+TEST_F(CarryNamesTest, PutsDictionariesIntoTheTreeWhereADocumentHasOne) {
+  const std::string dictionary = DocumentWithDictionary("a", LinksTo("/A << /S /GoTo /D /a >>")).Build();
+  QPDF& result = CarryAll({dictionary, DocumentWithTree("b").Build(), dictionary});
+  EXPECT_THAT(Destinations(), ElementsAre("2 \"a\"", "4 \"b\"", "6 \"a-3\""));
+  EXPECT_FALSE(Root().hasKey("/Dests"));
+  for (const auto& [document, name] : std::map<int, std::string>{{1, "a"}, {3, "a-3"}}) {
+    QPDFObjectHandle link = Object(result, document, 3).getKey("/Annots").getArrayItem(0);
+    EXPECT_EQ(link.getKey("/A").getKey("/D").getStringValue(), name);
+  }
+}
+
+TEST_F(CarryNamesTest, ChangesWhatOpensFirstTogetherWithTheDictionary) {
+  const std::string first =
+      PagesDocument(1, "/OpenAction << /S /GoTo /D /a >> /Dests << /a [ 3 0 R /Fit ] >>").Build();
+  CarryAll({first, DocumentWithTree("b").Build()});
+  EXPECT_EQ(Root().getKey("/OpenAction").getKey("/D").getStringValue(), "a");
+}
+
+TEST_F(CarryNamesTest, LeadsToThePageThatADestinationHasTheIndexOf) {
+  auto second =
+      PagesDocument(2,
+                    "/Names << /Dests << /Names [ (a) [ 1 /Fit ] (b) << /D [ 0 /Fit ] >> (c) 5 0 R ] "
+                    ">> >>",
+                    LinksTo("/Dest [ 1 /Fit ]"));
+  second.Object(5, "[ 7 /Fit ]");
+  QPDF& result = CarryAll({PagesDocument(3).Build(), second.Build()});
+  EXPECT_THAT(Destinations(), ElementsAre("4 \"b\"", "5 \"a\""));
+  QPDFObjectHandle link = Object(result, 2, 3).getKey("/Annots").getArrayItem(0);
+  EXPECT_EQ(link.getKey("/Dest").getArrayItem(0).getObjectID(), Numbered(2, 4));
+}
+
+TEST_F(CarryNamesTest, SplitsALargeTree) {
+  std::string names;
+  for (int i = 10000; i < 15000; ++i) names += "(" + std::to_string(i) + ") [ 3 0 R /Fit ]\n";
+  CarryAll({DocumentWithTree("zero").Build(),
+            PagesDocument(1, "/Names << /Dests << /Names [ " + names + "] >> >>").Build()});
+  EXPECT_EQ(Destinations().size(), 5001U);
+  QPDFObjectHandle root = Root().getKey("/Names").getKey("/Dests");
+  EXPECT_EQ(root.getKey("/Kids").getArrayNItems(), 2);
+  EXPECT_FALSE(root.hasKey("/Limits"));
+  QPDFObjectHandle kid = root.getKey("/Kids").getArrayItem(1);
+  EXPECT_EQ(kid.getKey("/Limits").getArrayItem(0).getStringValue(), "14096");
+  EXPECT_EQ(kid.getKey("/Limits").getArrayItem(1).getStringValue(), "zero");
+  EXPECT_EQ(kid.getKey("/Kids").getArrayItem(0).getKey("/Names").getArrayNItems(), 128);
+}
+
+TEST_F(CarryNamesTest, GivesANameOfAMegabyteALeafOfItsOwn) {
+  std::string name;
+  for (int i = 0; i < 20'000; ++i) name += std::string(50, 'a') + "\\\n";
+  const std::string names = "(" + name + ") [ 3 0 R /Fit ]\n(b) [ 3 0 R /Fit ]";
+  CarryAll({PagesDocument(1).Build(),
+            PagesDocument(1, "/Names << /Dests << /Names [ " + names + " ] >> >>").Build()});
+  EXPECT_EQ(Root().getKey("/Names").getKey("/Dests").getKey("/Kids").getArrayNItems(), 2);
+}
+
+TEST_F(CarryNamesTest, WritesALargeDictionary) {
+  std::string names;
+  for (int i = 10000; i < 15000; ++i) names += "/" + std::to_string(i) + " [ 3 0 R /Fit ]\n";
+  CarryAll({PagesDocument(1).Build(), PagesDocument(1, "/Dests << " + names + " >>").Build()});
+  EXPECT_EQ(Destinations().size(), 5000U);
+}
+
+TEST_F(CarryNamesTest, ReadsWhatABrokenTreeStillHasAndTellsIt) {
+  auto second = PagesDocument(1, "/Names << /Dests 4 0 R >>");
+  second.Object(4, "<< /Kids [ 5 0 R 4 0 R 7 6 0 R ] >>")
+      .Object(
+          5,
+          "<< /Limits [ (x) (y) ] /Names [ (z) [ 3 0 R /Fit ] /name [ 3 0 R /Fit ] (a) [ 3 0 R /Fit ] ] >>")
+      .Object(6, "<< /Names [ (m) [ 3 0 R /Fit ] (odd) ] >>");
+  CarryAll({PagesDocument(1).Build(), second.Build()});
+  EXPECT_THAT(Destinations(), ElementsAre("2 \"a\"", "2 \"m\"", "2 \"z\""));
+  EXPECT_THAT(Losses(), ElementsAre("2: destinations: a part of the names' tree is broken"));
+}
+
+TEST_F(CarryNamesTest, LeavesOutATreeThatIsTooLarge) {
+  std::string names;
+  for (int i = 0; i < 1'000'000; ++i) names += "()0\n";
+  auto second = PagesDocument(1, "/Names << /Dests << /Names 4 0 R >> >>");
+  second.Object(4, "[ " + names + "]");
+  CarryAll({DocumentWithTree("a").Build(), second.Build()});
+  EXPECT_THAT(Losses(), ElementsAre("2: destinations: it has more than a million places to look at"));
+  EXPECT_THAT(Destinations(), ElementsAre("2 \"a\""));
+}
+
+TEST_F(CarryNamesTest, PutsAttachmentsOfAllDocumentsIntoOneTree) {
+  const auto document = [](const std::string& data) {
+    auto built = PagesDocument(1, "/AF [ 4 0 R ] /Names << /EmbeddedFiles << /Names [ (a.txt) 4 0 R ] >> >>",
+                               LinksTo("/A << /S /GoToE /D (x) /T << /R /C /N (a.txt) >> >>"));
+    built.Object(4, "<< /Type /Filespec /F (a.txt) /UF (a.txt) /EF << /F 5 0 R >> >>").Stream(5, "", data);
+    return built.Build();
+  };
+  QPDF& result = CarryAll({document("one"), document("two")});
+  EXPECT_THAT(Said("qpdf --list-attachments \"$file\""),
+              AllOf(HasSubstr("a.txt -> "), HasSubstr("a.txt-2 -> ")));
+  EXPECT_EQ(Said("qpdf --show-attachment=a.txt \"$file\""), "one");
+  EXPECT_EQ(Said("qpdf --show-attachment=a.txt-2 \"$file\""), "two");
+  QPDFObjectHandle link = Object(result, 2, 3).getKey("/Annots").getArrayItem(0);
+  EXPECT_EQ(link.getKey("/A").getKey("/T").getKey("/N").getStringValue(), "a.txt-2");
+  EXPECT_EQ(Object(result, 2, 4).getKey("/F").getStringValue(), "a.txt");
+  EXPECT_EQ(Root().getKey("/AF").getArrayNItems(), 2);
+}
+
+TEST_F(CarryNamesTest, CarriesNameTreesThatItDoesNotKnow) {
+  const std::string document = PagesDocument(1, "/Names << /Templates << /Names [ (t) 3 0 R ] >> >>").Build();
+  CarryAll({document, document});
+  EXPECT_THAT(KeysOf(Root().getKey("/Names").getKey("/Templates").getKey("/Names")), ElementsAre("t", "t-2"));
+}
+
+TEST_F(CarryNamesTest, LeavesScriptsAndThePortfolioToTheFirstDocumentAndTellsIt) {
+  const std::string document =
+      PagesDocument(1, "/Collection << >> /Names << /JavaScript << /Names [ (s) << /S /JavaScript >> ] >> >>")
+          .Build();
+  CarryAll({document, document});
+  EXPECT_THAT(KeysOf(Root().getKey("/Names").getKey("/JavaScript").getKey("/Names")), ElementsAre("s"));
+  EXPECT_THAT(Losses(),
+              ElementsAre("2: scripts: only the first document's can run for the whole file",
+                          "2: attachments: only the first document can say how they are presented"));
+}
+
+}  // namespace
+}  // namespace folioweld
