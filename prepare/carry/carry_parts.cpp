@@ -1,5 +1,6 @@
 #include "prepare/carry/carry_parts.h"
 
+#include "prepare/carry/forms.h"
 #include "prepare/carry/layers.h"
 
 namespace folioweld {
@@ -8,6 +9,7 @@ void CarryParts(Revision& revision, Bookmarks bookmarks, const std::optional<std
   static_cast<void>(bookmarks);
   static_cast<void>(title);
   CarryLayers(revision);
+  CarryForms(revision);
 }
 
 }  // namespace folioweld

@@ -1,0 +1,133 @@
+#include "prepare/carry/forms.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "prepare/carry/forms_actions.h"
+#include "prepare/carry/forms_fonts.h"
+#include "prepare/carry/forms_looks.h"
+#include "prepare/carry/forms_names.h"
+#include "prepare/carry/forms_read.h"
+
+namespace folioweld {
+
+namespace {
+
+using Handles = std::vector<QPDFObjectHandle>;
+
+/// Of /SigFlags. Its other flag lets programs only append to a file, which saves valid signatures alone.
+constexpr long long kSignaturesExist = 1;
+
+class MergedForm {
+ public:
+  explicit MergedForm(Revision& revision) : revision_(revision), names_(revision), resources_(revision) {}
+
+  /// Looks at all that can be wrong before it changes anything.
+  void Add(CarriedDocument& document) {
+    QPDFObjectHandle form = document.Catalog.getKey("/AcroForm");
+    if (form.isNull()) return;
+    if (!form.isDictionary()) throw NotCarried("its form is no dictionary");
+    const DocumentForm read = ReadForm(revision_, document, form);
+    const NewNames names = names_.Plan(read.Named, document.Index);
+    const NewNames fonts = resources_.Plan(form, document.Index);
+    std::optional<FieldMentions> mentions;
+    if (!names.empty()) mentions.emplace(revision_, document, names);
+    // The first form has what there is one of.
+    QPDFObjectHandle merged = merged_.isInitialized() ? merged_ : form.shallowCopy();
+    const std::vector<NewEntry> looks = EntriesForLooks(revision_, read, fonts, merged);
+    const Handles order = OrderOf(document, form);
+
+    merged_ = merged;
+    names_.Take(read.Named, names);
+    if (mentions) TakeMentions(document, *mentions);
+    resources_.Take(form, fonts);
+    for (const NewEntry& entry : looks) {
+      QPDFObjectHandle(entry.Field).replaceKey(entry.Key, entry.Value);
+      revision_.Change(entry.Field);
+    }
+    fields_.insert(fields_.end(), read.Roots.begin(), read.Roots.end());
+    order_.insert(order_.end(), order.begin(), order.end());
+    TakeFlags(document, form);
+    if (read.IsSigned) revision_.TellLost(document, "signatures", "its signatures are no longer valid");
+    if (document.Index == 1) firstFields_ = read.Roots.size();
+  }
+
+  void Finish() {
+    if (!hasLaterForm_) return;
+    Set("/Fields", QPDFObjectHandle::newArray(fields_));
+    if (!order_.empty()) Set("/CO", QPDFObjectHandle::newArray(order_));
+    if (!resources_.Merged().getKeys().empty()) Set("/DR", resources_.Merged());
+    if (needsAppearances_) Set("/NeedAppearances", QPDFObjectHandle::newBool(true));
+    if (merged_.hasKey("/SigFlags") || signaturesExist_ != 0)
+      Set("/SigFlags", QPDFObjectHandle::newInteger(signaturesExist_));
+    DropOtherForms();
+    revision_.Catalog().replaceKey("/AcroForm", revision_.Add(merged_));
+  }
+
+ private:
+  /// The fields that are calculated.
+  Handles OrderOf(const CarriedDocument& document, QPDFObjectHandle form) {
+    Handles order;
+    for (const QPDFObjectHandle& field : ItemsOf(revision_, form.getKey("/CO"))) {
+      if (document.Has(field)) order.push_back(field);
+    }
+    return order;
+  }
+
+  void TakeMentions(const CarriedDocument& document, FieldMentions& mentions) {
+    mentions.Rename();
+    if (mentions.HasScripts())
+      revision_.TellLost(document, "form", "its scripts may use the old names of renamed fields");
+  }
+
+  void TakeFlags(const CarriedDocument& document, QPDFObjectHandle form) {
+    hasLaterForm_ = hasLaterForm_ || document.Index > 1;
+    bool isNeeded = false;
+    needsAppearances_ |= form.getKey("/NeedAppearances").getValueAsBool(isNeeded) && isNeeded;
+    long long flags = 0;
+    if (form.getKey("/SigFlags").getValueAsInt(flags)) signaturesExist_ |= flags & kSignaturesExist;
+    if (form.hasKey("/XFA")) withOtherForm_.push_back(&document);
+  }
+
+  /// An XFA form is shown in the place of all pages, so only the first document may keep its one, and only
+  /// where there are no other fields.
+  void DropOtherForms() {
+    const bool isFirstKept = fields_.size() == firstFields_;
+    bool isKept = false;
+    for (const CarriedDocument* document : withOtherForm_) {
+      if (document->Index == 1 && isFirstKept) {
+        isKept = true;
+      } else {
+        revision_.TellLost(*document, "form", "its XFA form is left out");
+      }
+    }
+    if (isKept) return;
+    merged_.removeKey("/XFA");
+    revision_.Catalog().removeKey("/NeedsRendering");
+  }
+
+  void Set(const std::string& key, const QPDFObjectHandle& value) { merged_.replaceKey(key, value); }
+
+  Revision& revision_;
+  FieldNames names_;
+  DefaultResources resources_;
+  QPDFObjectHandle merged_;  ///< not initialised before the first form
+  Handles fields_;
+  Handles order_;
+  std::size_t firstFields_ = 0;  ///< of the first document
+  long long signaturesExist_ = 0;
+  bool needsAppearances_ = false;
+  bool hasLaterForm_ = false;
+  std::vector<const CarriedDocument*> withOtherForm_;
+};
+
+}  // namespace
+
+void CarryForms(Revision& revision) {
+  MergedForm merged(revision);
+  revision.ForEach("form", [&](CarriedDocument& document) { merged.Add(document); });
+  merged.Finish();
+}
+
+}  // namespace folioweld

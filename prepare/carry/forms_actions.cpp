@@ -1,0 +1,64 @@
+#include "prepare/carry/forms_actions.h"
+
+#include <algorithm>
+#include <set>
+
+namespace folioweld {
+
+namespace {
+
+/// Entries that lead to much, and to no action or lock.
+const std::set<std::string> kLeftAlone = {"/AP", "/Contents", "/DR",        "/MK",        "/Metadata", "/OC",
+                                          "/P",  "/Parent",   "/PieceInfo", "/Resources", "/Thumb"};
+
+}  // namespace
+
+FieldMentions::FieldMentions(Revision& revision, const CarriedDocument& document, const NewNames& renamed)
+    : revision_(revision), renamed_(renamed) {
+  ForEachDictionary(revision, document, kLeftAlone, [this](const Place& place) { LookAt(place); });
+}
+
+void FieldMentions::LookAt(const Place& place) {
+  QPDFObjectHandle dictionary = place.Dictionary;
+  hasScripts_ = hasScripts_ || dictionary.hasKey("/JS");
+  QPDFObjectHandle action = dictionary.getKey("/S");
+  if (action.isNameAndEquals("/Hide")) LookAtNames(place, "/T");
+  const bool namesFields = action.isNameAndEquals("/ResetForm") || action.isNameAndEquals("/SubmitForm");
+  if (namesFields || dictionary.getKey("/Type").isNameAndEquals("/SigFieldLock"))
+    LookAtNames(place, "/Fields");
+}
+
+void FieldMentions::LookAtNames(const Place& place, const std::string& key) {
+  QPDFObjectHandle names = EntryOf(place.Dictionary, key);
+  if (names.isString()) return LookAtName({place.Dictionary, place.Owner, key, 0, {}}, names);
+  const QPDFObjectHandle owner = names.isIndirect() ? names : place.Owner;
+  const std::vector<QPDFObjectHandle> items = ItemsOf(revision_, names);
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    LookAtName({names, owner, {}, static_cast<int>(i), {}}, items[i]);
+  }
+}
+
+void FieldMentions::LookAtName(const Mention& mention, QPDFObjectHandle name) {
+  if (!name.isString()) return;
+  const std::string text = TextOf(revision_, name);
+  const std::size_t end = std::min(text.find('.'), text.size());
+  const auto renamed = renamed_.find(text.substr(0, end));
+  if (renamed == renamed_.end()) return;
+  mentions_.push_back(mention);
+  mentions_.back().Name = renamed->second + text.substr(end);
+}
+
+void FieldMentions::Rename() {
+  for (Mention& mention : mentions_) {
+    const QPDFObjectHandle name = QPDFObjectHandle::newUnicodeString(mention.Name);
+    if (mention.Holder.isArray()) {
+      mention.Holder.setArrayItem(mention.Item, name);
+    } else {
+      mention.Holder.replaceKey(mention.Key, name);
+    }
+    // What stands directly in the catalog of a later document is written with the new form.
+    if (mention.Owner.isInitialized()) revision_.Change(mention.Owner);
+  }
+}
+
+}  // namespace folioweld

@@ -1,0 +1,241 @@
+#include <gmock/gmock.h>
+
+#include "prepare/carry/forms.h"
+#include "prepare/token_text.h"
+#include "tests/prepare/carry_fixture.h"
+
+namespace folioweld {
+namespace {
+
+using testing::DocumentBuilder;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using testing::PagesDocument;
+
+/// A page with one text field, object 4, which is its widget as well.
+DocumentBuilder FormDocument(const std::string& ofField, const std::string& ofForm = "") {
+  auto document = PagesDocument(1, "/AcroForm << /Fields [ 4 0 R ] " + ofForm + " >>", "/Annots [ 4 0 R ]");
+  document.Object(4,
+                  "<< /Type /Annot /Subtype /Widget /Rect [ 9 9 90 30 ] /FT /Tx /P 3 0 R " + ofField + " >>");
+  return document;
+}
+
+std::string Helvetica(const std::string& more = "") {
+  return "<< /Type /Font /Subtype /Type1 /BaseFont /Helvetica " + more + " >>";
+}
+
+class CarriedForms : public testing::CarryFixture {
+ protected:
+  QPDF& Carried(const std::vector<std::string>& documents) {
+    return Carry(documents, [](Revision& revision) { CarryForms(revision); });
+  }
+
+  QPDFObjectHandle Form() { return Root().getKey("/AcroForm"); }
+
+  std::vector<std::string> Names() {
+    std::vector<std::string> names;
+    for (QPDFObjectHandle field : Form().getKey("/Fields").getArrayAsVector()) {
+      names.push_back(field.getKey("/T").isString() ? field.getKey("/T").getUTF8Value() : "none");
+    }
+    return names;
+  }
+
+  /// The entry of the field that FormDocument makes, in a document counted from 1.
+  std::string EntryOfField(QPDF& file, int document, const std::string& key, int field = 4) {
+    return file.getObjectByID(Numbered(document, field), 0).getKey(key).unparseResolved();
+  }
+};
+
+TEST_F(CarriedForms, HaveTheFieldsOfAllDocumentsInOrder) {
+  Carried({FormDocument("/T (b) /V (1)").Build(), PagesDocument(1).Build(),
+           FormDocument("/T (a) /V (3)").Build()});
+  EXPECT_THAT(Names(), ElementsAre("b", "a"));
+  EXPECT_THAT(Losses(), IsEmpty());
+}
+
+TEST_F(CarriedForms, ComeFromALaterDocumentAlone) {
+  Carried(
+      {PagesDocument(1).Build(), FormDocument("/T (a)", "/DA (/F 9 Tf) /Q 2 /NeedAppearances true").Build()});
+  EXPECT_THAT(Names(), ElementsAre("a"));
+  EXPECT_EQ(Form().getKey("/DA").getStringValue(), "/F 9 Tf");
+  EXPECT_EQ(Form().getKey("/Q").getIntValue(), 2);
+}
+
+TEST_F(CarriedForms, StayAsTheyAreWhereOnlyTheFirstDocumentHasOne) {
+  Carry({FormDocument("/T (a)", "/XFA (x) /SigFlags 3").Build(), PagesDocument(1).Build()},
+        [](Revision& revision) {
+          const std::size_t written = revision.Written().size();
+          CarryForms(revision);
+          EXPECT_EQ(revision.Written().size(), written);
+        });
+  EXPECT_TRUE(Form().hasKey("/XFA"));
+  EXPECT_THAT(Losses(), IsEmpty());
+}
+
+TEST_F(CarriedForms, GiveAFieldTheNumberOfItsDocumentWhereItsNameIsTaken) {
+  const std::string document = FormDocument("/T (name)").Build();
+  Carried({document, document, document});
+  EXPECT_THAT(Names(), ElementsAre("name", "name-2", "name-3"));
+}
+
+TEST_F(CarriedForms, GiveTheNextNumberThatIsFree) {
+  auto second = PagesDocument(1, "/AcroForm << /Fields [ 4 0 R 5 0 R ] >>");
+  second.Object(4, "<< /FT /Tx /T (name) >>").Object(5, "<< /FT /Tx /T (name-2) >>");
+  Carried({FormDocument("/T (name)").Build(), second.Build(), FormDocument("/T (name-2)").Build()});
+  EXPECT_THAT(Names(), ElementsAre("name", "name-3", "name-2", "name-2-3"));
+}
+
+TEST_F(CarriedForms, CompareNamesAsTextWhateverTheirEncoding) {
+  Carried({FormDocument("/T (\\344)").Build(), FormDocument("/T <FEFF00E4>").Build()});
+  EXPECT_THAT(Names(), ElementsAre("ä", "ä-2"));
+}
+
+TEST_F(CarriedForms, RenameWhereNamesBeginBelowRootsWithoutOne) {
+  auto second = PagesDocument(1, "/AcroForm << /Fields [ 4 0 R ] >>");
+  second.Object(4, "<< /FT /Tx /Kids [ 5 0 R 6 0 R ] >>");
+  second.Object(5, "<< /Parent 4 0 R /T (name) /Kids [ 7 0 R ] >>").Object(6, "<< /Parent 4 0 R /T (own) >>");
+  second.Object(7, "<< /Parent 5 0 R /T (name) >>");
+  QPDF& file = Carried({FormDocument("/T (name)").Build(), second.Build()});
+  EXPECT_EQ(EntryOfField(file, 2, "/T", 5), "(name-2)");
+  EXPECT_EQ(EntryOfField(file, 2, "/T", 6), "(own)");
+  EXPECT_EQ(EntryOfField(file, 2, "/T", 7), "(name)");
+}
+
+TEST_F(CarriedForms, ChangeTheNamesInActionsTogether) {
+  auto second = FormDocument("/T (name) /A << /S /Hide /T (name.kid) /Next [ 5 0 R 6 0 R ] >> /Lock 7 0 R");
+  second.Object(5, "<< /S /ResetForm /Fields 8 0 R /Next 5 0 R >>");
+  second.Object(6, "<< /S /URI /T (name) /Fields [ (name) ] >>");
+  second.Object(7, "<< /Type /SigFieldLock /Action /Include /Fields [ (name) ] >>");
+  second.Object(8, "[ (other) 4 0 R (name) ]");
+  QPDF& file = Carried({FormDocument("/T (name)").Build(), second.Build()});
+  EXPECT_EQ(file.getObjectByID(Numbered(2, 4), 0).getKey("/A").getKey("/T").getStringValue(), "name-2.kid");
+  QPDFObjectHandle list = file.getObjectByID(Numbered(2, 8), 0);
+  EXPECT_EQ(list.getArrayItem(0).getStringValue(), "other");
+  EXPECT_EQ(list.getArrayItem(2).getStringValue(), "name-2");
+  EXPECT_EQ(EntryOfField(file, 2, "/T", 6), "(name)");
+  EXPECT_EQ(EntryOfField(file, 2, "/Fields", 7), "[ (name-2) ]");
+  EXPECT_THAT(Losses(), IsEmpty());
+}
+
+TEST_F(CarriedForms, TellThatScriptsMayUseOldNames) {
+  const std::string script = "/AA << /C << /S /JavaScript /JS (x) >> >>";
+  Carried({FormDocument("/T (a)" + script).Build(), FormDocument("/T (a)" + script).Build(),
+           FormDocument("/T (c)" + script).Build()});
+  EXPECT_THAT(Losses(), ElementsAre("2: form: its scripts may use the old names of renamed fields"));
+}
+
+TEST_F(CarriedForms, KeepWhatFieldsInheritedFromTheirOwnForm) {
+  QPDF& file = Carried({FormDocument("/T (a)", "/DA (/F 1 Tf) /Q 1").Build(),
+                        FormDocument("/T (b)", "/DA (/F 2 Tf)").Build(),
+                        FormDocument("/T (c) /DA (/F 4 Tf) /Q 2", "/DA (/F 3 Tf)").Build(),
+                        FormDocument("/T (d)", "/DA (/F 1 Tf) /Q 1").Build()});
+  EXPECT_EQ(EntryOfField(file, 1, "/DA"), "null");
+  EXPECT_EQ(EntryOfField(file, 2, "/DA"), "(/F 2 Tf)");
+  EXPECT_EQ(EntryOfField(file, 2, "/Q"), "0");
+  EXPECT_EQ(EntryOfField(file, 3, "/DA"), "(/F 4 Tf)");
+  EXPECT_EQ(EntryOfField(file, 3, "/Q"), "2");
+  EXPECT_EQ(EntryOfField(file, 4, "/DA"), "null");
+  EXPECT_EQ(EntryOfField(file, 4, "/Q"), "null");
+}
+
+TEST_F(CarriedForms, RenameAFontThatIsAnotherOneUnderTheSameName) {
+  auto first =
+      FormDocument("/T (a)", "/DR << /Font << /F 5 0 R /G 6 0 R >> /ProcSet [ /PDF ] >> /DA (/F 9 Tf)");
+  first.Object(5, Helvetica()).Object(6, Helvetica("/Encoding 7 0 R"));
+  first.Object(7, "<< /Type /Encoding /Differences [ 1 /a ] >>");
+  auto second =
+      FormDocument("/T (b) /DA (/F /F 9 Tf /F gs (/F 9 Tf) /G 1 Tf)", "/DR 7 0 R /DA (0 g /F\n12  Tf)");
+  second.Object(5, Helvetica("/Encoding /WinAnsiEncoding")).Object(6, Helvetica("/Encoding 9 0 R"));
+  second.Object(7, "<< /Font 8 0 R /XObject << /X 5 0 R >> >>").Object(8, "<< /F 5 0 R /G 6 0 R /H 6 0 R >>");
+  second.Object(9, "<< /Type /Encoding /Differences [ 1 /a ] >>");
+  auto third = FormDocument("/T (c)", "/DR << /Font << /F 5 0 R >> >> /DA (/F 9 Tf)");
+  third.Object(5, Helvetica("/Encoding /MacRomanEncoding"));
+  QPDF& file = Carried({first.Build(), second.Build(), third.Build()});
+  QPDFObjectHandle resources = Form().getKey("/DR");
+  QPDFObjectHandle fonts = resources.getKey("/Font");
+  EXPECT_THAT(fonts.getKeys(), ElementsAre("/F", "/F-2", "/F-3", "/G", "/H"));
+  EXPECT_EQ(fonts.getKey("/F").getObjectID(), Numbered(1, 5));
+  EXPECT_EQ(fonts.getKey("/F-2").getObjectID(), Numbered(2, 5));
+  EXPECT_EQ(fonts.getKey("/G").getObjectID(), Numbered(1, 6));
+  EXPECT_THAT(resources.getKeys(), ElementsAre("/Font", "/ProcSet", "/XObject"));
+  EXPECT_EQ(file.getObjectByID(Numbered(2, 4), 0).getKey("/DA").getStringValue(),
+            "/F /F-2 9 Tf /F gs (/F 9 Tf) /G 1 Tf");
+  EXPECT_EQ(EntryOfField(file, 1, "/DA"), "null");
+  EXPECT_EQ(EntryOfField(file, 3, "/DA"), "(/F-3 9 Tf)");
+}
+
+TEST_F(CarriedForms, CalculateInTheOrderOfTheDocuments) {
+  Carried({FormDocument("/T (a)", "/CO [ 4 0 R ]").Build(),
+           FormDocument("/T (b)", "/CO [ 4 0 R null ]").Build()});
+  const auto order = Form().getKey("/CO").getArrayAsVector();
+  ASSERT_EQ(order.size(), 2U);
+  EXPECT_EQ(QPDFObjectHandle(order[1]).getObjectID(), Numbered(2, 4));
+}
+
+TEST_F(CarriedForms, AreDrawnAnewWhereOneOfThemAsksForIt) {
+  Carried({FormDocument("/T (a)", "/NeedAppearances false").Build(),
+           FormDocument("/T (b)", "/NeedAppearances true").Build(), FormDocument("/T (c)").Build()});
+  EXPECT_TRUE(Form().getKey("/NeedAppearances").getBoolValue());
+}
+
+TEST_F(CarriedForms, TellOfSignaturesAndLetFilesBeSaved) {
+  const std::string signature = "/T (s) /FT /Sig /V << /Type /Sig /ByteRange [ 0 1 2 3 ] >>";
+  const std::string document = FormDocument(signature, "/SigFlags 3").Build();
+  Carried({document, FormDocument("/T (t) /FT /Sig").Build(), document});
+  EXPECT_EQ(Form().getKey("/SigFlags").getIntValue(), 1);
+  EXPECT_THAT(Losses(), ElementsAre("1: signatures: its signatures are no longer valid",
+                                    "3: signatures: its signatures are no longer valid"));
+}
+
+TEST_F(CarriedForms, TellOfSignaturesInTheOnlyForm) {
+  Carried({FormDocument("/T (s) /FT /Sig /V << /Type /Sig >>").Build(), PagesDocument(1).Build()});
+  EXPECT_THAT(Losses(), ElementsAre("1: signatures: its signatures are no longer valid"));
+}
+
+TEST_F(CarriedForms, LeaveOutXfaFormsWhereThereAreOtherFields) {
+  Carried({FormDocument("/T (a)", "/XFA (x)").Build(), FormDocument("/T (b)", "/XFA (x)").Build()});
+  EXPECT_FALSE(Form().hasKey("/XFA"));
+  EXPECT_THAT(Losses(),
+              ElementsAre("1: form: its XFA form is left out", "2: form: its XFA form is left out"));
+}
+
+TEST_F(CarriedForms, KeepTheXfaFormOfTheFirstDocumentWhereItHasAllFields) {
+  Carried(
+      {FormDocument("/T (a)", "/XFA (x)").Build(), PagesDocument(1, "/AcroForm << /Fields [ ] >>").Build()});
+  EXPECT_TRUE(Form().hasKey("/XFA"));
+  EXPECT_THAT(Losses(), IsEmpty());
+}
+
+TEST_F(CarriedForms, LeaveOutABrokenFormAlone) {
+  Carried({FormDocument("/T (a)").Build(), PagesDocument(1, "/AcroForm 7").Build(),
+           PagesDocument(1, "/AcroForm << /Fields 7 >>").Build(), FormDocument("/T (d)").Build()});
+  EXPECT_THAT(Names(), ElementsAre("a", "d"));
+  EXPECT_THAT(Losses(), ElementsAre("2: form: its form is no dictionary",
+                                    "3: form: the fields of its form are no array"));
+}
+
+TEST_F(CarriedForms, TakeEachFieldOnce) {
+  auto second = PagesDocument(1, "/AcroForm << /Fields [ 4 0 R 4 0 R null 1 << /T (d) >> 5 0 R ] >>");
+  second.Object(4, "<< /FT /Tx /T (b) /Kids [ 5 0 R 4 0 R ] >>").Object(5, "<< /T (k) /Parent 4 0 R >>");
+  Carried({FormDocument("/T (a)").Build(), second.Build()});
+  EXPECT_THAT(Names(), ElementsAre("a", "b", "d"));
+}
+
+TEST_F(CarriedForms, AreNotReadWithoutEnd) {
+  auto deep = PagesDocument(1, "/AcroForm << /Fields [ 4 0 R ] >>");
+  for (int i = 4; i < 200; ++i) {
+    deep.Object(i, "<< /T (d) /Kids [ " + std::to_string(i + 1) + " 0 R ] >>");
+  }
+  std::string fields;
+  for (int i = 0; i < 1000; ++i) fields += "5 0 R " + std::to_string(10 + i) + " 0 R\n";
+  auto wide = PagesDocument(1, "/AcroForm << /Fields 4 0 R >>");
+  wide.Object(4, "[ " + fields + " ]").Object(5, HexToken(std::string(200'000, 'n')));
+  for (int i = 0; i < 1000; ++i) wide.Object(10 + i, "<< /T 5 0 R >>");
+  Carried({FormDocument("/T (a)").Build(), deep.Build(), wide.Build()});
+  EXPECT_THAT(Names(), ElementsAre("a"));
+  EXPECT_THAT(Losses(), ElementsAre("2: form: the fields of its form are too deep",
+                                    "3: form: it has more than a million places to look at"));
+}
+
+}  // namespace
+}  // namespace folioweld
