@@ -1,20 +1,19 @@
 #include "engine/alteration_checks.h"
 
-#include <algorithm>
 #include <string_view>
 
 #include "engine/alteration_record.h"
+#include "engine/lexer.h"
 
 namespace folioweld {
 
 namespace {
 
-/// An input whose texts are all kept by now.
-ReadInput InputOf(MergeState& state, MergeShell& shell, std::int16_t slot) {
-  const auto holds = [&](std::string_view characters) {
-    return std::any_of(characters.begin(), characters.end(), [&](char c) { return state.Texts.Holds(c); });
-  };
-  return {state, shell, slot, holds(std::string_view("\t\f\0", 3)), holds("%")};
+/// The first input, when the texts of all inputs are kept.
+ReadInput FirstInput(MergeState& state, MergeShell& shell) {
+  const auto hasPercent = [](std::string_view texts) { return texts.find('%') != std::string_view::npos; };
+  const TextPool& texts = state.Texts;
+  return {state, shell, 1, texts.Any(HasOtherWhiteSpace), texts.Any(hasPercent), texts.Any(HasLongNumber)};
 }
 
 /// The last "startxref" of the file is the one that others take.
@@ -36,9 +35,10 @@ void CheckKeys(const ReadInput& input, MergeShell& shell) {
 }  // namespace
 
 void FindAlterations(MergeState& state, FileModule& files, MergeShell& shell) {
+  ReadInput input = FirstInput(state, shell);
   for (const std::int16_t slot : {std::int16_t{1}, std::int16_t{2}}) {
     if (!state.DocUsed(slot)) continue;
-    const ReadInput input = InputOf(state, shell, slot);
+    input.Slot = slot;
     CheckStartXref(input);
     CheckKeys(input, shell);
     CheckInformation(input);
@@ -51,7 +51,7 @@ void FindAlterations(MergeState& state, FileModule& files, MergeShell& shell) {
 }
 
 std::int32_t FindAlterationsAmongOthers(MergeState& state, MergeShell& shell) {
-  const ReadInput input = InputOf(state, shell, 1);
+  const ReadInput input = FirstInput(state, shell);
   CheckPageTree(input, shell);
   return CheckReferences(input, shell, ReferencePlace::Any);
 }

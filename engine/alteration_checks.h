@@ -42,7 +42,7 @@ void CheckForm(const ReadInput& input, std::string_view form, const ReadInput& f
 
 /// Whether "endstream" stands where the data of an object's stream ends. For a length that is given directly
 /// the reader asks at once, while that place is at hand; `CheckStreamEnds` asks for all others.
-void CheckStreamEnd(MergeState& state, FileModule& files, std::int16_t slot, std::int32_t number);
+void CheckStreamEnd(MergeState& state, FileModule& files, std::int16_t slot, const ObjectEntry& entry);
 void CheckStreamEnds(const ReadInput& input, FileModule& files, MergeShell& shell);
 
 /// Where the input stands whose references are looked at.

@@ -82,6 +82,17 @@ bool HasOtherWhiteSpace(std::string_view text) {
   return false;
 }
 
+bool HasLongNumber(std::string_view text) {
+  constexpr std::size_t kLong = kMostDigits + 1;
+  // Digits are counted backwards: of so many, none stands before a character that is no digit.
+  std::size_t digits = 0;
+  for (std::size_t end = kLong; end <= text.size() && digits < kLong; end += kLong - digits) {
+    digits = 0;
+    while (digits < kLong && kDigitSet.Has(text[end - 1 - digits])) ++digits;
+  }
+  return digits == kLong;
+}
+
 bool FindOpaque(std::string_view text, std::size_t index, OpaquePiece& piece) {
   for (;;) {
     index = kOpaqueMarks.Find(text, index);

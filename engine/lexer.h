@@ -98,6 +98,12 @@ class DecimalDigits {
   return kDelimiterSet.Find(text, index + 1);
 }
 
+/// More digits than this are read as no number.
+inline constexpr std::size_t kMostDigits = 10;
+
+/// Whether more digits stand together somewhere in the text.
+[[nodiscard]] bool HasLongNumber(std::string_view text);
+
 /// Whether the text has a tab, a form feed or a NUL, which are white space to other programs.
 [[nodiscard]] bool HasOtherWhiteSpace(std::string_view text);
 

@@ -268,7 +268,7 @@ class ObjectScan {
     if (value.back() != 'R') {
       entry.StreamLength = number;
       entry.LengthRefNumber = -1;
-      if (!rewritten_) CheckStreamEnd(state_, files_, slot_, number_);
+      if (!rewritten_) CheckStreamEnd(state_, files_, slot_, entry);
       return;
     }
     entry.LengthRefNumber = number;

@@ -34,7 +34,7 @@ class PageTreeWalk {
       if (array < 0) {
         ReachAll(kids, node);
       } else if (IsNew(array, node)) {
-        ReachAll(ReadObject(input_, array).Text(), node);
+        ReachAll(TextOf(input_, array), node);
       }
     }
     return pages_;
@@ -112,9 +112,12 @@ class PageTreeWalk {
   }
 
   [[nodiscard]] Known Look(std::int32_t number) const {
-    ReadObject object(input_, number);
-    if (!object.IsDictionary()) return Known::NoNode;
-    return object.Value("/Kids").empty() ? Known::Page : Known::Node;
+    const std::string_view text = TextOf(input_, number);
+    if (!text.starts_with("<<")) return Known::NoNode;
+    // Most are pages: to search the text takes less time than to go through the keys.
+    const bool mayBeNode =
+        text.find("Kids") != std::string_view::npos || text.find('#') != std::string_view::npos;
+    return mayBeNode && !ReadObject(input_, number).Value("/Kids").empty() ? Known::Node : Known::Page;
   }
 
   void Tell(AlterationKind kind, std::int32_t number, std::int32_t parent) {

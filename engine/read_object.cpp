@@ -25,10 +25,12 @@ const ObjectEntry* FindEntry(const MergeState& state, std::int16_t slot, std::in
 }  // namespace
 
 bool IsName(std::string_view written, std::string_view key) {
-  if (written.size() <= key.size()) return written == key;
-  // Longer by its escapes, the first of which stands where the two begin to differ.
-  const auto other = std::mismatch(key.begin(), key.end(), written.begin()).second;
-  return *other == '#' && PlainName(written) == key;
+  if (written.size() < key.size()) return false;
+  std::size_t same = 0;
+  while (same < key.size() && written[same] == key[same]) ++same;
+  if (same == written.size()) return true;
+  // They begin to differ at the first escape.
+  return written[same] == '#' && PlainName(written) == key;
 }
 
 std::string PlainName(std::string_view written) {
@@ -49,9 +51,10 @@ std::string_view SeenDictionary::Value(std::string_view key) {
 
 std::string_view SeenDictionary::WrittenValue(std::string_view key) {
   TakeOtherWhiteSpaceForBlanks();
-  for (std::int32_t row = firstRow_; row >= 0; row = input_->State.NameEntries[row].NameId) {
+  for (std::int32_t row = firstRow_; row >= 0;) {
     const NameEntry& entry = input_->State.NameEntries[row];
     if (IsName(entry.NameText, key)) return entry.NameValue;
+    row = entry.NameId;
   }
   if (firstRow_ >= 0) return {};
   EntryWalk walk(Inner());
@@ -91,6 +94,11 @@ ReadObject::ReadObject(const ReadInput& input, std::int32_t number)
       dictionary_(IsDictionary() ? SeenDictionary(input, TrimBlanks(text_), entry_->ObjAux)
                                  : SeenDictionary(input)) {}
 
+std::string_view TextOf(const ReadInput& input, std::int32_t number) {
+  const ObjectEntry* const entry = FindEntry(input.State, input.Slot, number);
+  return entry == nullptr ? std::string_view() : input.State.ObjLines[entry->LastLine];
+}
+
 std::int32_t ReferencedNumber(std::string_view text) {
   NumberPair found;
   return ReadNumberPair(text, 0, kReferenceKeyword, found) ? found.Number : -1;
@@ -104,7 +112,7 @@ SeenDictionary DictionaryAt(const ReadInput& input, std::string_view value) {
 
 std::string_view TextAt(const ReadInput& input, std::string_view value) {
   const std::int32_t number = ReferencedNumber(value);
-  return number >= 0 ? ReadObject(input, number).Text() : value;
+  return number >= 0 ? TextOf(input, number) : value;
 }
 
 }  // namespace folioweld

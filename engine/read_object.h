@@ -16,9 +16,11 @@ struct ReadInput {
   MergeState& State;
   MergeShell& Shell;
   std::int16_t Slot;
-  /// False when it is known that no object's text has white space that only others see, or a "%". Few have.
+  /// False when it is known that no object's text has white space that only others see, a "%", or a number
+  /// that is too long. Few have.
   bool MayHaveOtherWhiteSpace = true;
   bool MayHavePercent = true;
+  bool MayHaveLongNumber = true;
 };
 
 // How other readers see a dictionary: a tab, a form feed and a NUL part tokens as well, and "#41" in a name
@@ -89,6 +91,9 @@ class ReadObject {
 
 /// The number of the reference with which the text begins; -1 when it begins with none.
 [[nodiscard]] std::int32_t ReferencedNumber(std::string_view text);
+
+/// The text of an object; empty when there is none of that number.
+[[nodiscard]] std::string_view TextOf(const ReadInput& input, std::int32_t number);
 
 /// What a value is, or what it refers to: the dictionary (without keys when it is none), and the text. A
 /// value that is no reference has to outlive the dictionary.

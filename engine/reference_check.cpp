@@ -11,8 +11,6 @@ namespace folioweld {
 
 namespace {
 
-constexpr std::size_t kMostDigits = 10;
-
 /// Appends text that holds no string and no comment, with a space for all white space and without the leading
 /// zeros that make a number too long.
 void AppendPlain(std::string_view text, std::string& seen) {
@@ -82,29 +80,16 @@ class ReferenceCheck {
   [[nodiscard]] bool IsWorthAWalk(std::string_view text) const {
     if (input_.MayHavePercent && text.find('%') != std::string_view::npos) return true;
     if (input_.MayHaveOtherWhiteSpace && HasOtherWhiteSpace(text)) return true;
+    if (input_.MayHaveLongNumber && HasLongNumber(text)) return true;
     // Where nothing follows, a number alone leads nowhere else; those of 0 are told when they are renumbered.
-    if (!isFollowed_) return HasLongNumber(text);
+    if (!isFollowed_) return false;
     bool worth = false;
     GuessReferences(text, [&](std::string_view digits) { worth = worth || MayLeadElsewhere(digits); });
     return worth;
   }
 
-  /// Whether more than `kMostDigits` digits stand together. Of so many, one stands at a multiple of their
-  /// number.
-  [[nodiscard]] static bool HasLongNumber(std::string_view text) {
-    for (std::size_t i = kMostDigits; i < text.size(); i += kMostDigits + 1) {
-      if (!kDigitSet.Has(text[i])) continue;
-      std::size_t start = i;
-      while (start > 0 && kDigitSet.Has(text[start - 1])) --start;
-      i = kDigitSet.Skip(text, i);
-      if (i - start > kMostDigits) return true;
-    }
-    return false;
-  }
-
   /// A first look at the digits of a number, which few pass.
   [[nodiscard]] bool MayLeadElsewhere(std::string_view digits) const {
-    if (digits.size() > kMostDigits) return true;
     return (isTried_ && digits[0] == '0') || NumberOf(digits) >= state_.ObjectsInDoc1;
   }
 
@@ -140,6 +125,9 @@ class ReferenceCheck {
 
 std::int32_t CheckReferences(const ReadInput& input, MergeShell& shell, ReferencePlace place) {
   MergeState& state = input.State;
+  const bool mayBeSeenOtherwise =
+      input.MayHavePercent || input.MayHaveOtherWhiteSpace || input.MayHaveLongNumber;
+  if (place == ReferencePlace::Later && !mayBeSeenOtherwise) return -1;
   ReferenceCheck check(input, place);
   for (std::int32_t number = 0; number < state.DocObjectCount(input.Slot); ++number) {
     if (YieldAndCheckAbort(shell, state)) throw RuleBroken({input.Slot, number, -1, kCancelled});

@@ -30,23 +30,23 @@ bool EndsThere(FileModule& files, std::int16_t fileNumber, std::int16_t slot, co
 
 }  // namespace
 
-void CheckStreamEnd(MergeState& state, FileModule& files, std::int16_t slot, std::int32_t number) {
-  const ObjectEntry& entry = state.Objects[TableIndexOf(state, number, slot)];
+void CheckStreamEnd(MergeState& state, FileModule& files, std::int16_t slot, const ObjectEntry& entry) {
   const std::int16_t file = state.DocFileNumber(slot);
   // A stream that goes beyond the end of its file is no alteration but a failure, later on.
   if (std::int64_t{entry.StreamStart} + entry.StreamLength > files.FileLength(file)) return;
   if (EndsThere(files, file, slot, entry)) return;
-  NoteAlteration(state, slot, AlterationKind::StreamEndsElsewhere, number);
+  NoteAlteration(state, slot, AlterationKind::StreamEndsElsewhere, entry.ObjNumber);
 }
 
 void CheckStreamEnds(const ReadInput& input, FileModule& files, MergeShell& shell) {
   MergeState& state = input.State;
   if (IsRewritten(state, input.Slot)) return;
-  for (std::int32_t number = 0; number < state.DocObjectCount(input.Slot); ++number) {
-    const ObjectEntry& entry = state.Objects[TableIndexOf(state, number, input.Slot)];
-    if (entry.ObjState != kWithStream || entry.LengthRefNumber < 0) continue;
-    if (YieldAndCheckAbort(shell, state)) throw RuleBroken({input.Slot, number, -1, kCancelled});
-    CheckStreamEnd(state, files, input.Slot, number);
+  for (std::int32_t row = 0; row < state.MissingLengthCount; ++row) {
+    const MissingLength& length = state.MissingLengths[row];
+    if (length.MissingDocNo != input.Slot) continue;
+    const ObjectEntry& entry = state.Objects[length.StreamObjIndex];
+    if (YieldAndCheckAbort(shell, state)) throw RuleBroken({input.Slot, entry.ObjNumber, -1, kCancelled});
+    CheckStreamEnd(state, files, input.Slot, entry);
   }
 }
 

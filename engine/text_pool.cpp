@@ -2,13 +2,9 @@
 
 namespace folioweld {
 
-namespace {
-constexpr std::size_t kBlockSize = 64 * 1024;
-/// A longer text gets a block of its own, so that little of a block is left unused.
-constexpr std::size_t kLongText = kBlockSize / 8;
-}  // namespace
-
 char* TextPool::RoomInNewBlock(std::size_t size) {
+  // A longer text gets a block of its own, so that little of a block is left unused.
+  constexpr std::size_t kLongText = kBlockSize / 8;
   // Room in the list first, so that no block gets lost.
   if (blocks_.size() == blocks_.capacity()) blocks_.reserve(2 * blocks_.size() + 1);
   const std::size_t blockSize = size > kLongText ? size : kBlockSize;
@@ -21,15 +17,6 @@ char* TextPool::RoomInNewBlock(std::size_t size) {
   next_ = block + size;
   left_ = kBlockSize - size;
   return block;
-}
-
-bool TextPool::Holds(char c) const {
-  for (std::size_t i = 0; i < blocks_.size(); ++i) {
-    const bool isInUse = i == inUse_ && next_ != nullptr;
-    const std::size_t used = isInUse ? kBlockSize - left_ : blocks_[i].Used;
-    if (std::string_view(blocks_[i].Start, used).find(c) != std::string_view::npos) return true;
-  }
-  return false;
 }
 
 void TextPool::Reset() {

@@ -41,9 +41,17 @@ class TextPool {
     return longer.substr(longer.size() - text.size());
   }
 
-  /// Whether any of the texts holds the character. One quick search of them all: much cheaper than a search
-  /// of every text by itself.
-  [[nodiscard]] bool Holds(char c) const;
+  /// Whether `has` is true of any part of the pool, in which texts stand one after the other. Much cheaper
+  /// than to ask for every text by itself.
+  template <typename Has>
+  [[nodiscard]] bool Any(Has has) const {
+    for (std::size_t i = 0; i < blocks_.size(); ++i) {
+      const bool isInUse = i == inUse_ && next_ != nullptr;
+      if (has(std::string_view(blocks_[i].Start, isInUse ? kBlockSize - left_ : blocks_[i].Used)))
+        return true;
+    }
+    return false;
+  }
 
   void Reset();
 
@@ -54,6 +62,8 @@ class TextPool {
     return std::exchange(next_, next_ + size);
   }
   [[nodiscard]] char* RoomInNewBlock(std::size_t size);
+
+  static constexpr std::size_t kBlockSize = 64 * 1024;
 
   struct Block {
     char* Start = nullptr;

@@ -118,6 +118,20 @@ TEST(HasOtherWhiteSpace, IsATabAFormFeedOrANul) {
   EXPECT_TRUE(HasOtherWhiteSpace(std::string_view("a\0b", 3)));
 }
 
+TEST(HasLongNumber, FindsElevenDigitsWhereverTheyStand) {
+  for (std::size_t before = 0; before < 30; ++before) {
+    const std::string start = std::string(before, 'x') + std::string(before % 10, '5') + " ";
+    for (const char* end : {"", " 5", " 555555555"}) {
+      EXPECT_TRUE(HasLongNumber(start + "12345678901" + end)) << start << end;
+      EXPECT_TRUE(HasLongNumber(start + "12345678901234567890" + end)) << start << end;
+      EXPECT_FALSE(HasLongNumber(start + "1234567890" + end)) << start << end;
+    }
+  }
+  EXPECT_TRUE(HasLongNumber("12345678901"));
+  EXPECT_FALSE(HasLongNumber("1234567890"));
+  EXPECT_FALSE(HasLongNumber(""));
+}
+
 Pieces GuessedIn(std::string_view text) {
   Pieces numbers;
   GuessReferences(text, [&](std::string_view digits) { numbers.emplace_back(digits); });
