@@ -228,10 +228,14 @@ TEST_F(CarryNamesTest, ReadsWhatABrokenTreeStillHasAndTellsIt) {
 }
 
 TEST_F(CarryNamesTest, LeavesOutATreeThatIsTooLarge) {
+  std::string kids;
   std::string names;
-  for (int i = 0; i < 1'000'000; ++i) names += "()0\n";
-  auto second = PagesDocument(1, "/Names << /Dests << /Names 4 0 R >> >>");
-  second.Object(4, "[ " + names + "]");
+  for (int i = 0; i < 1000; ++i) {
+    kids += "<< /Names 5 0 R >>\n";
+    names += "()0\n";
+  }
+  auto second = PagesDocument(1, "/Names << /Dests << /Kids 4 0 R >> >>");
+  second.Object(4, "[ " + kids + "]").Object(5, "[ " + names + "]");
   CarryAll({DocumentWithTree("a").Build(), second.Build()});
   EXPECT_THAT(Losses(), ElementsAre("2: destinations: it has more than a million places to look at"));
   EXPECT_THAT(Destinations(), ElementsAre("2 \"a\""));
