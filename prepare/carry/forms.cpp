@@ -48,7 +48,7 @@ class MergedForm {
     }
     fields_.insert(fields_.end(), read.Roots.begin(), read.Roots.end());
     order_.insert(order_.end(), order.begin(), order.end());
-    TakeFlags(document, form);
+    TakeFlags(document, read);
     if (read.IsSigned) revision_.TellLost(document, "signatures", "its signatures are no longer valid");
     if (document.Index == 1) firstFields_ = read.Roots.size();
   }
@@ -58,7 +58,7 @@ class MergedForm {
     Set("/Fields", QPDFObjectHandle::newArray(fields_));
     if (!order_.empty()) Set("/CO", QPDFObjectHandle::newArray(order_));
     if (!resources_.Merged().getKeys().empty()) Set("/DR", resources_.Merged());
-    if (needsAppearances_) Set("/NeedAppearances", QPDFObjectHandle::newBool(true));
+    Set("/NeedAppearances", QPDFObjectHandle::newBool(needsAppearances_));
     if (merged_.hasKey("/SigFlags") || signaturesExist_ != 0)
       Set("/SigFlags", QPDFObjectHandle::newInteger(signaturesExist_));
     DropOtherForms();
@@ -81,10 +81,14 @@ class MergedForm {
       revision_.TellLost(document, "form", "its scripts may use the old names of renamed fields");
   }
 
-  void TakeFlags(const CarriedDocument& document, QPDFObjectHandle form) {
+  void TakeFlags(const CarriedDocument& document, const DocumentForm& read) {
+    QPDFObjectHandle form = read.Form;
     hasLaterForm_ = hasLaterForm_ || document.Index > 1;
     bool isNeeded = false;
-    needsAppearances_ |= form.getKey("/NeedAppearances").getValueAsBool(isNeeded) && isNeeded;
+    const bool isAsked = form.getKey("/NeedAppearances").getValueAsBool(isNeeded) && isNeeded;
+    // Fields of other documents are drawn anew then as well, where the worse fault would be to show old
+    // values.
+    needsAppearances_ = needsAppearances_ || (isAsked && !read.Roots.empty());
     long long flags = 0;
     if (form.getKey("/SigFlags").getValueAsInt(flags)) signaturesExist_ |= flags & kSignaturesExist;
     if (form.hasKey("/XFA")) withOtherForm_.push_back(&document);

@@ -178,6 +178,12 @@ TEST_F(CarriedForms, AreDrawnAnewWhereOneOfThemAsksForIt) {
   EXPECT_TRUE(Form().getKey("/NeedAppearances").getBoolValue());
 }
 
+TEST_F(CarriedForms, AreNotDrawnAnewForOneWithoutFields) {
+  Carried(
+      {PagesDocument(1, "/AcroForm << /NeedAppearances true >>").Build(), FormDocument("/T (a)").Build()});
+  EXPECT_FALSE(Form().getKey("/NeedAppearances").getBoolValue());
+}
+
 TEST_F(CarriedForms, TellOfSignaturesAndLetFilesBeSaved) {
   const std::string signature = "/T (s) /FT /Sig /V << /Type /Sig /ByteRange [ 0 1 2 3 ] >>";
   const std::string document = FormDocument(signature, "/SigFlags 3").Build();
@@ -219,6 +225,27 @@ TEST_F(CarriedForms, TakeEachFieldOnce) {
   second.Object(4, "<< /FT /Tx /T (b) /Kids [ 5 0 R 4 0 R ] >>").Object(5, "<< /T (k) /Parent 4 0 R >>");
   Carried({FormDocument("/T (a)").Build(), second.Build()});
   EXPECT_THAT(Names(), ElementsAre("a", "b", "d"));
+}
+
+TEST_F(CarriedForms, CanBeFilledInWithOtherPrograms) {
+  const std::string resources = "/DA (/Helv 9 Tf 0 g) /DR << /Font << /Helv 5 0 R >> >>";
+  auto first = FormDocument("/T (name) /V (old)", resources);
+  first.Object(5, Helvetica());
+  auto second = FormDocument("/T (name) /V (old)", resources);
+  second.Object(5, Helvetica("/Encoding /WinAnsiEncoding"));
+  Carried({first.Build(), second.Build(), first.Build()});
+  folder_.Write("fill.js",
+                "var file = new PDFDocument(scriptArgs[0]), widget = file.loadPage(1).getWidgets()[0];\n"
+                "widget.setTextValue('filled in'); widget.update(); file.save(scriptArgs[1], '');\n");
+  folder_.Write("fill.fdf",
+                "%FDF-1.2\n1 0 obj\n<< /FDF << /Fields [ << /T (name-2) /V (filled in) >> ] >> >>\nendobj\n"
+                "trailer\n<< /Root 1 0 R >>\n%%EOF\n");
+  for (const char* fill : {"mutool run fill.js \"$file\" filled.pdf",
+                           "pdftk \"$file\" fill_form fill.fdf output filled.pdf need_appearances"}) {
+    const std::string text = Said("cd \"$(dirname \"$file\")\" && " + std::string(fill) +
+                                  " && pdftotext filled.pdf - | tr '\\n\\f' '.|'");
+    EXPECT_EQ(text, "old..|filled in..|old..|") << fill;
+  }
 }
 
 TEST_F(CarriedForms, AreNotReadWithoutEnd) {
