@@ -66,10 +66,11 @@ class DesktopTest(unittest.TestCase):
 
     def _failed(self):
         result = self._outcome.result
-        return any(test is self for test, _ in result.failures + result.errors)
+        return any(getattr(test, "test_case", test) is self for test, _ in result.failures + result.errors)
 
     def _tell(self):
         """What the screen was like when the test failed."""
+        print(f"--- {self.id()}: the windows\n{self.screen.describe()}", file=sys.stderr)
         for window in self.windows:
             try:
                 print(f"--- {self.id()}: {TITLE}\n{window.root.dump()}\n{window.errors()}", file=sys.stderr)

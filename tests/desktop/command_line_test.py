@@ -44,8 +44,7 @@ class CommandLine(DesktopTest):
 
     def test_a_folder_alone_ends_without_an_output_when_none_is_chosen(self):
         window = self.open(f"|{self.documents}", ready=False)
-        window.dialog(CHOOSE_OUTPUT)
-        self.screen.press("Esc")
+        window.close_dialog(CHOOSE_OUTPUT, "Esc")
         window.wait_end(1)
         self.assertFalse(self.joined.exists())
 
@@ -72,8 +71,7 @@ class CommandLine(DesktopTest):
 
     def test_an_empty_output_before_sources_ends_without_an_output_when_none_is_chosen(self):
         window = self.open("", str(LETTER), str(REPORT), ready=False)
-        window.dialog(CHOOSE_OUTPUT)
-        self.screen.press("Esc")
+        window.close_dialog(CHOOSE_OUTPUT, "Esc")
         window.wait_end(1)
 
     def test_a_folder_that_is_not_there_opens_the_window_with_its_name(self):

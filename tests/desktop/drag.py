@@ -11,10 +11,10 @@ PROGRAM = Path(os.environ.get("FOLIOWELD_DRAG_SOURCE", "drag_source"))
 class DragSource:
     """A window of another program whose content can be dragged away."""
 
-    def __init__(self, desktop, screen, environment, *items, text=False):
+    def __init__(self, desktop, screen, environment, *items, text=False, back=False):
         self._screen = screen
         self._told = open(Path(environment["TMPDIR"]).parent / "drag-source", "w+b")
-        words = (["--text"] if text else []) + [os.fsencode(item) for item in items]
+        words = ["--text"] * text + ["--back"] * back + [os.fsencode(item) for item in items]
         self._process = desktop.start([PROGRAM, *words], environment, stdout=self._told)
         self._place = wait_for(self._outline, "the window to drag from")
 
@@ -24,6 +24,8 @@ class DragSource:
     def __exit__(self, *_error):
         self._process.kill()
         self._process.wait()
+        # The window manager has given the keyboard to another window by then.
+        wait_for(lambda: not self.window(), "the window to drag from is gone")
         self._told.close()
 
     def window(self):
@@ -38,19 +40,21 @@ class DragSource:
         return self._told.read().decode().split("\n")[:-1]
 
     def pick_up(self):
-        left, top, width, height = self._place
-        x, y = left + width // 2, top + height // 2
-        self._screen.move(x, y)
+        self._screen.move_to(self._place)
         self._screen.press_button()
-        # Further than a hand trembles.
-        for step in range(1, 6):
-            self._screen.move(x + 8 * step, y + 4 * step)
-        wait_for(lambda: "dragging" in self.told(), "the drag begins")
+        # One move, which begins the drag. Were others still on their way when the pointer is over another program,
+        # that would be entered, left and entered again at once; Qt takes the later position for the earlier one
+        # then, leaves, and loses the drop.
+        left, top, width, height = self._place
+        self._screen.move(left + width // 4, top + height // 4)
+        wait_for(lambda: "dragging" in self.told(), lambda: f"the drag begins; told: {self.told()}")
 
-    def hover(self, x, y):
-        """Moves over a point; further small moves ask the program below anew."""
-        self._screen.move(x, y)
-        self._screen.move(x + 1, y)
+    def hover(self, place):
+        """Moves over the middle of a rectangle."""
+        self._screen.move_to(place)
+
+    def hover_itself(self):
+        self.hover(self._place)
 
     def answer(self):
         """What the program below would do with a drop."""
@@ -67,8 +71,7 @@ class DragSource:
 
     def drop_on(self, place):
         """Drags onto the middle of a rectangle and lets go there once the program below would copy."""
-        left, top, width, height = place
         self.pick_up()
-        self.hover(left + width // 2, top + height // 2)
+        self.hover(place)
         self.wait_answer("copy")
         self.let_go()

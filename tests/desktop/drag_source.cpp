@@ -1,5 +1,7 @@
-// drag_source [--text] ITEM...: a small window from which its items can be dragged, files as a list of file
-// URLs or, with --text, the words themselves. Each line on standard output tells what the drag has come to.
+// drag_source [--text] [--back] ITEM...: a small window from which its items can be dragged, files as a list
+// of file URLs or, with --text, the words themselves. With --back they may be dropped on it again, so that
+// there is an answer for another program's to replace. Each line on standard output tells what the drag has
+// come to.
 
 #include <QApplication>
 #include <QDrag>
@@ -7,6 +9,7 @@
 #include <QLabel>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QTimer>
 #include <QUrl>
 #include <cstdio>
 
@@ -24,12 +27,11 @@ void Tell(const char* what) {
 
 class Source : public QLabel {
  public:
-  Source(QList<QByteArray> items, bool asText)
+  Source(QList<QByteArray> items, bool asText, bool back)
       : QLabel(QStringLiteral("drag")), items_(std::move(items)), asText_(asText) {
     setWindowTitle(QStringLiteral("Drag source"));
     setGeometry(20, 40, 120, 60);
-    // Words may be dropped here again, so that there is an answer for another program's to replace.
-    setAcceptDrops(asText);
+    setAcceptDrops(back);
   }
 
  protected:
@@ -48,7 +50,8 @@ class Source : public QLabel {
             [](Qt::DropAction action) { Tell(action == Qt::IgnoreAction ? "over: none" : "over: copy"); });
     // The toolkit keeps the drag until the other program has taken what it wants.
     connect(drag, &QObject::destroyed, this, [] { Tell("finished"); });
-    Tell("dragging");
+    // Told from the drag's own event loop: a move of the pointer before that may be handled after later ones.
+    QTimer::singleShot(0, drag, [] { Tell("dragging"); });
     const Qt::DropAction effect = drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::CopyAction);
     dragging_ = false;
     Tell(effect == Qt::IgnoreAction ? "ended: none"
@@ -79,7 +82,8 @@ int main(int argc, char** argv) {
   QList<QByteArray> items(argv + 1, argv + argc);
   QApplication application(argc, argv);
   const bool asText = items.removeAll(QByteArray("--text")) > 0;
-  Source source(items, asText);
+  const bool back = items.removeAll(QByteArray("--back")) > 0;
+  Source source(items, asText, back);
   source.show();
   return QApplication::exec();
 }

@@ -11,8 +11,8 @@ from window import CHOOSE_OUTPUT, FIRST, GO, OUTPUT, SECOND, SORTING, pages, sel
 
 
 class Drops(DesktopTest):
-    def source(self, *items, text=False):
-        return DragSource(self.desktop, self.screen, self.environment, *items, text=text)
+    def source(self, *items, **more):
+        return DragSource(self.desktop, self.screen, self.environment, *items, **more)
 
     def drop(self, window, place, *items):
         with self.source(*items) as source:
@@ -56,11 +56,11 @@ class Drops(DesktopTest):
 
     def test_what_is_no_file_is_not_taken(self):
         window = self.open()
-        with self.source("some words", text=True) as source:
-            left, top, width, height = window.frame_of(FIRST).extents
+        with self.source("some words", text=True, back=True) as source:
             source.pick_up()
+            source.hover_itself()
             source.wait_answer("copy")
-            source.hover(left + width // 2, top + height // 2)
+            source.hover(window.frame_of(FIRST).extents)
             source.wait_answer("none")
             source.let_go()
         self.drop(window, FIRST, LETTER)
@@ -124,10 +124,8 @@ class Drops(DesktopTest):
         window = self.open()
         with self.source(folder) as source:
             source.drop_on(window.control("Exit").extents)
-        dialog = window.dialog(SORTING)
-        self.screen.press("Esc")
-        window.dialog(CHOOSE_OUTPUT)
-        self.screen.press("Esc")
+        window.close_dialog(SORTING, "Esc")
+        window.close_dialog(CHOOSE_OUTPUT, "Esc")
         window.wait_no_dialog()
         self.assertEqual(window.settings()["MenuSort"], "1")
 

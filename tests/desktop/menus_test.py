@@ -99,8 +99,7 @@ class Options(DesktopTest):
         window.wait_no_dialog()
         self.setting(window, "MergeTmpDir", str(wanted) + "/")
         window.choose("Options", "Select TMP directory")
-        window.dialog(CHOOSE_TMP)
-        self.screen.press("Esc")
+        window.close_dialog(CHOOSE_TMP, "Esc")
         window.wait_no_dialog()
         self.setting(window, "MergeTmpDir", str(wanted) + "/")
         window.choose("Options", "Set default TMP directory")
@@ -117,10 +116,9 @@ class Options(DesktopTest):
     def test_a_cancelled_folder_picker_is_answered(self):
         window = self.open()
         window.choose("File", MERGE_FOLDER)
-        window.dialog(CHOOSE_FOLDER)
-        self.screen.press("Esc")
+        window.close_dialog(CHOOSE_FOLDER, "Esc")
         self.assertEqual(window.box_text("File Tallowby - Folioweld"), ["Merge of documents cancelled"])
-        self.screen.press("Enter")
+        window.close_dialog("File Tallowby - Folioweld", "Enter")
         window.wait_no_dialog()
 
 
@@ -137,14 +135,14 @@ class AboutAndLeaving(DesktopTest):
         for caption, text in boxes.items():
             window.choose("About", caption)
             self.assertEqual(window.box_text("Folioweld"), text)
-            self.screen.press("Enter")
+            window.close_dialog("Folioweld", "Enter")
             window.wait_no_dialog()
 
     def test_exit_in_the_menu_asks(self):
         window = self.open()
         window.choose("File", "Exit")
         self.assertEqual(window.box_text("Folioweld"), ["Do you want to leave Folioweld?"])
-        self.screen.press("Enter")
+        window.close_dialog("Folioweld", "Enter")
         window.wait_no_dialog()
         window.choose("File", "Exit")
         window.press_in(window.dialog("Folioweld"), "Yes")
@@ -154,7 +152,7 @@ class AboutAndLeaving(DesktopTest):
         window = self.open()
         self.screen.press("Alt+F4")
         self.assertEqual(window.box_text("Folioweld"), ["Do you want to leave Folioweld?"])
-        self.screen.press("Esc")
+        window.close_dialog("Folioweld", "Esc")
         window.wait_no_dialog()
         self.screen.press_close_box(window.main_window())
         window.press_in(window.dialog("Folioweld"), "Yes")
@@ -201,7 +199,7 @@ class Swapping(DesktopTest):
         window.answer_file(CHOOSE[OUTPUT], LETTER)
         self.assertEqual(window.box_text("Folioweld"), ["The output file", f'"{LETTER}"', " is also an input file.",
                                                         "I cannot do this operation!"])
-        self.screen.press("Enter")
+        window.close_dialog("Folioweld", "Enter")
         window.wait_no_dialog()
         self.assertTrue(LETTER.exists())
         self.assertEqual(window.path(OUTPUT), "")

@@ -43,8 +43,7 @@ def compare(window, screen, folder):
         subprocess.run([PROGRAMS / "folioweld", f"{command}|{folder}/both"], check=True)
         taken["command line"].append(1000 * (time.monotonic() - begun))
         joined.unlink(missing_ok=True)
-        left, top, width, height = window.control(GO).extents
-        screen.move(left + width // 2, top + height // 2)
+        screen.move_to(window.control(GO).extents)
         begun = time.monotonic()
         screen.press_button()
         screen.release_button()

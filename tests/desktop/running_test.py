@@ -84,8 +84,7 @@ class Running(DesktopTest):
 
     def test_a_press_that_began_on_cancel_is_none_on_exit(self):
         window = self.begin()
-        left, top, width, height = window.control(ABORT).extents
-        self.screen.move(left + width // 2, top + height // 2)
+        self.screen.move_to(window.control(ABORT).extents)
         self.screen.press_button()
         self.screen.press_close_box(window.main_window())
         self.wait_cancelled(window)
@@ -144,7 +143,7 @@ class Running(DesktopTest):
         window = self.begin()
         window.choose("File", "Exit")
         self.assertEqual(window.box_text("Folioweld"), [LEAVE])
-        self.screen.press("Enter")
+        window.close_dialog("Folioweld", "Enter")
         window.wait_no_dialog()
         self.assertTrue(window.is_enabled(ABORT))
 
@@ -163,11 +162,12 @@ class Running(DesktopTest):
 
     def test_drops_are_not_taken(self):
         window = self.begin()
-        with DragSource(self.desktop, self.screen, self.environment, LETTER) as source:
+        with DragSource(self.desktop, self.screen, self.environment, LETTER, back=True) as source:
             source.pick_up()
-            self.screen.move(5, 1100)
-            left, top, width, height = window.frame_of(FIRST).extents
-            source.hover(left + width // 2, top + height // 2)
+            source.hover_itself()
+            source.wait_answer("copy")
+            source.hover(window.frame_of(FIRST).extents)
+            source.wait_answer("none")
             source.let_go()
         window.click(ABORT)
         self.wait_cancelled(window)
@@ -181,7 +181,7 @@ class Running(DesktopTest):
         self.wait(lambda: window.settings()["MenuSort"] == "2", "the order is stored")
         window.choose("About", "Ambrose Varnel")
         self.assertIn("ambrose.varnel@folioweld.example", window.box_text("Folioweld"))
-        self.screen.press("Enter")
+        window.close_dialog("Folioweld", "Enter")
         window.wait_no_dialog()
         self.assertTrue(window.is_enabled(ABORT))
 

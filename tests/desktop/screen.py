@@ -35,6 +35,11 @@ class Screen:
         xtest.fake_input(self._display, X.MotionNotify, x=int(x), y=int(y))
         self._display.sync()
 
+    def move_to(self, place):
+        """Moves to the middle of a rectangle."""
+        left, top, width, height = place
+        self.move(left + width // 2, top + height // 2)
+
     def press_button(self, button=1):
         xtest.fake_input(self._display, X.ButtonPress, button)
         self._display.sync()
@@ -45,8 +50,7 @@ class Screen:
 
     def click(self, place, times=1):
         """Clicks the middle of a rectangle; several times, it is as quick as the server can be."""
-        left, top, width, height = place
-        self.move(left + width // 2, top + height // 2)
+        self.move_to(place)
         for _ in range(times):
             xtest.fake_input(self._display, X.ButtonPress, 1)
             xtest.fake_input(self._display, X.ButtonRelease, 1)
@@ -106,6 +110,22 @@ class Screen:
     def active(self):
         windows = self._windows_in(self._root, "_NET_ACTIVE_WINDOW")
         return windows[0] if windows else 0
+
+    def keyboard(self):
+        """The window that gets the keys. The window manager changes it before or after it says which is active."""
+        focus = self._display.get_input_focus().focus
+        return getattr(focus, "id", focus)
+
+    def has_keyboard(self, window):
+        return window != 0 and window == self.active() == self.keyboard()
+
+    def describe(self):
+        """Every window in a line, for the message of a test that failed."""
+        lines = [f"active: {self.active():#x}, gets the keys: {self.keyboard():#x}"]
+        for window in self.managed():
+            lines.append(f"{window:#x} {self.title(window)!r} of process {self._numbers(window, '_NET_WM_PID')} "
+                         f"at {self.outline(window)} {' '.join(sorted(self.states(window)))}")
+        return "\n".join(lines)
 
     def windows_of(self, process):
         return [window for window in self.managed() if self._numbers(window, "_NET_WM_PID") == [process]]

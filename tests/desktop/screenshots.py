@@ -165,7 +165,7 @@ class Photographer:
             window.dialog(SORTING)
             self.screen.hide(source.window())
             self.save("sorting-options", self.screen.active())
-            self.screen.press("Enter")
+            window.close_dialog(SORTING, "Enter")
             window.answer_file(CHOOSE_OUTPUT, DOCUMENTS / "joined-folder.pdf")
             wait_for(lambda: " Kill " in window.log_text(), "the log tells of the clean-up")
             wait_for(lambda: window.is_enabled(select(FIRST)), "the folder is joined")

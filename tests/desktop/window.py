@@ -195,14 +195,27 @@ class Window:
         self.wait_active(title)
         return node
 
+    def close_dialog(self, title, key):
+        """Answers a dialog with a key that closes it."""
+        dialog = self.dialog(title)
+        self.screen.press(key)
+
+        def closed():
+            try:
+                return "showing" not in dialog.states
+            except Gone:
+                return True
+
+        wait_for(closed, lambda: f"{title!r} closes on {key}; windows:\n{self.screen.describe()}")
+
     def wait_no_dialog(self):
         wait_for(lambda: not self.dialogs(), "the dialog closes")
         self.wait_active(TITLE)
 
     def wait_active(self, title):
-        screen = self.screen
-        wait_for(lambda: screen.active() in self.windows() and screen.title(screen.active()) == title,
-                 lambda: f"{title!r} has the keyboard; {screen.title(screen.active())!r} has it")
+        wait_for(lambda: any(self.screen.title(window) == title and self.screen.has_keyboard(window)
+                             for window in self.windows()),
+                 lambda: f"{title!r} has the keyboard; windows:\n{self.screen.describe()}")
 
     def answer_file(self, title, path, key="Enter"):
         """Types a name into a file dialog."""
