@@ -1,6 +1,7 @@
 #include "prepare/carry/carry_parts.h"
 
 #include "prepare/carry/forms.h"
+#include "prepare/carry/intents.h"
 #include "prepare/carry/labels.h"
 #include "prepare/carry/layers.h"
 #include "prepare/carry/names.h"
@@ -16,6 +17,7 @@ void CarryParts(Revision& revision, Bookmarks bookmarks, const std::optional<std
   CarryLabels(revision);
   CarryLayers(revision);
   CarryForms(revision);
+  CarryIntents(revision);
   if (title) SetTitle(revision, *title);
 }
 
