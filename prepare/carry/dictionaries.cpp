@@ -13,17 +13,15 @@ class DictionaryWalk {
       : revision_(revision), document_(document), leftAlone_(leftAlone), visit_(visit) {}
 
   void Run() {
-    for (const QPDFObjectHandle& page : document_.Pages) Look(page, QPDFObjectHandle());
+    for (const QPDFObjectHandle& page : document_.Pages) Look(page);
     QPDFObjectHandle catalog = CatalogOf(revision_, document_);
     std::vector<QPDFObjectHandle> roots = {EntryOf(catalog, "/Outlines"), EntryOf(catalog, "/AcroForm")};
     for (const char* key : {"/Pages", "/Templates"})
       roots.push_back(EntryOf(EntryOf(catalog, "/Names"), key));
-    QPDFObjectHandle owner;
     if (document_.Index == 1) {
-      owner = catalog;
       for (const char* key : {"/OpenAction", "/AA"}) roots.push_back(EntryOf(catalog, key));
     }
-    for (const QPDFObjectHandle& root : roots) Look(root, owner);
+    for (const QPDFObjectHandle& root : roots) Look(root);
   }
 
  private:
@@ -32,8 +30,8 @@ class DictionaryWalk {
     QPDFObjectHandle Owner;
   };
 
-  void Look(const QPDFObjectHandle& root, const QPDFObjectHandle& owner) {
-    Wait(root, owner);
+  void Look(const QPDFObjectHandle& root) {
+    Wait(root, QPDFObjectHandle());
     while (!waiting_.empty()) {
       const Waiting next = waiting_.back();
       waiting_.pop_back();

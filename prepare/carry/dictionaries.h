@@ -9,8 +9,8 @@
 
 namespace folioweld {
 
-/// A dictionary, and the indirect object in which it is written; there is none for what stands directly in
-/// the catalog of a later document, which is not written at all.
+/// A dictionary, and the indirect object in which it is written; there is none for what stands directly in a
+/// catalog, since the new one is written anyhow and those of later documents are not.
 struct Place {
   QPDFObjectHandle Dictionary;
   QPDFObjectHandle Owner;

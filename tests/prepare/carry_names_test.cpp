@@ -65,9 +65,12 @@ TEST_F(CarryNamesTest, PutsDestinationsOfAllDocumentsIntoOneTree) {
 }
 
 TEST_F(CarryNamesTest, AddsNothingWhereOnlyTheFirstDocumentHasNames) {
-  CarryAll({DocumentWithTree("one").Build(), PagesDocument(2).Build()});
+  const std::string files = "/EmbeddedFiles << /Names [ (a.txt) << /F (a.txt) >> ] >> ";
+  const std::string dests = "/Dests << /Names [ (one) [ 3 0 R /Fit ] ] >> ";
+  CarryAll({PagesDocument(2, "/Names << " + files + dests + ">>", LinksTo("/Dest [ 1 /Fit ]")).Build(),
+            PagesDocument(2).Build()});
   EXPECT_EQ(Appended().find(" 0 obj"), Appended().rfind(" 0 obj"));
-  EXPECT_THAT(Destinations(), ElementsAre("2 \"one\""));
+  EXPECT_THAT(Destinations(), ElementsAre("1 \"one\""));
 }
 
 TEST_F(CarryNamesTest, RenamesTheLaterOneOfTwoDestinationsWithOneName) {
@@ -86,6 +89,12 @@ TEST_F(CarryNamesTest, TakesANewNameThatNeitherDocumentHas) {
   const std::string names = "/Names << /Dests << /Names [ (a) [ 3 0 R /Fit ] (a-2) [ 3 0 R /Fit ] ] >> >>";
   CarryAll({DocumentWithTree("a").Build(), PagesDocument(1, names).Build()});
   EXPECT_THAT(Destinations(), ElementsAre("2 \"a\"", "3 \"a-2\"", "3 \"a-3\""));
+}
+
+TEST_F(CarryNamesTest, TakesANewNameForNoOthers) {
+  const std::string first = DocumentWithTree("a").Build();
+  CarryAll({first, first, DocumentWithTree("a-2").Build()});
+  EXPECT_THAT(Destinations(), ElementsAre("2 \"a\"", "4 \"a-2\"", "6 \"a-2-3\""));
 }
 
 TEST_F(CarryNamesTest, ExtendsATextInUtf16InUtf16) {
@@ -178,8 +187,12 @@ TEST_F(CarryNamesTest, LeadsToThePageThatADestinationHasTheIndexOf) {
                     ">> >>",
                     LinksTo("/Dest [ 1 /Fit ]"));
   second.Object(5, "[ 7 /Fit ]");
-  QPDF& result = CarryAll({PagesDocument(3).Build(), second.Build()});
+  const std::string index = "/Names << /Dests << /Names [ (first) [ 2 /Fit ] ] >> >>";
+  QPDF& result = CarryAll({PagesDocument(3, index).Build(), second.Build()});
   EXPECT_THAT(Destinations(), ElementsAre("4 \"b\"", "5 \"a\""));
+  EXPECT_EQ(KeysOf(Root().getKey("/Names").getKey("/Dests").getKey("/Names")).size(), 4U);
+  QPDFObjectHandle values = Root().getKey("/Names").getKey("/Dests").getKey("/Names");
+  EXPECT_EQ(values.getArrayItem(7).unparse(), "[ 2 /Fit ]");
   QPDFObjectHandle link = Object(result, 2, 3).getKey("/Annots").getArrayItem(0);
   EXPECT_EQ(link.getKey("/Dest").getArrayItem(0).getObjectID(), Numbered(2, 4));
 }
@@ -216,29 +229,39 @@ TEST_F(CarryNamesTest, WritesALargeDictionary) {
 }
 
 TEST_F(CarryNamesTest, ReadsWhatABrokenTreeStillHasAndTellsIt) {
-  auto second = PagesDocument(1, "/Names << /Dests 4 0 R >>");
-  second.Object(4, "<< /Kids [ 5 0 R 4 0 R 7 6 0 R ] >>")
-      .Object(
-          5,
-          "<< /Limits [ (x) (y) ] /Names [ (z) [ 3 0 R /Fit ] /name [ 3 0 R /Fit ] (a) [ 3 0 R /Fit ] ] >>")
-      .Object(6, "<< /Names [ (m) [ 3 0 R /Fit ] (odd) ] >>");
-  CarryAll({PagesDocument(1).Build(), second.Build()});
-  EXPECT_THAT(Destinations(), ElementsAre("2 \"a\"", "2 \"m\"", "2 \"z\""));
-  EXPECT_THAT(Losses(), ElementsAre("2: destinations: a part of the names' tree is broken"));
+  const std::string good = "<< /Limits [ (x) (y) ] /Names [ (z) [ 3 0 R /Fit ] (a) [ 3 0 R /Fit ] ] >>";
+  for (const std::string broken : {"4 0 R", "7", "<< /Names [ (odd) ] >>", "<< /Names [ /name 3 0 R ] >>"}) {
+    auto second = PagesDocument(1, "/Names << /Dests 4 0 R >>");
+    second.Object(4, "<< /Kids [ " + broken + " " + good + " ] >>");
+    CarryAll({PagesDocument(1).Build(), second.Build()});
+    EXPECT_THAT(Destinations(), ElementsAre("2 \"a\"", "2 \"z\""));
+    EXPECT_THAT(Losses(), ElementsAre("2: destinations: a part of the names' tree is broken")) << broken;
+  }
 }
 
-TEST_F(CarryNamesTest, LeavesOutATreeThatIsTooLarge) {
+/// A tree with a million names in few bytes.
+std::string DocumentWithLargeTree() {
   std::string kids;
   std::string names;
   for (int i = 0; i < 1000; ++i) {
     kids += "<< /Names 5 0 R >>\n";
     names += "()0\n";
   }
-  auto second = PagesDocument(1, "/Names << /Dests << /Kids 4 0 R >> >>");
-  second.Object(4, "[ " + kids + "]").Object(5, "[ " + names + "]");
-  CarryAll({DocumentWithTree("a").Build(), second.Build()});
+  auto document = PagesDocument(1, "/Names << /Dests << /Kids 4 0 R >> >>");
+  return document.Object(4, "[ " + kids + "]").Object(5, "[ " + names + "]").Build();
+}
+
+TEST_F(CarryNamesTest, LeavesOutATreeThatIsTooLarge) {
+  CarryAll({DocumentWithTree("a").Build(), DocumentWithLargeTree()});
   EXPECT_THAT(Losses(), ElementsAre("2: destinations: it has more than a million places to look at"));
   EXPECT_THAT(Destinations(), ElementsAre("2 \"a\""));
+}
+
+TEST_F(CarryNamesTest, LeavesTheFirstDocumentsTreeAsItIsWhereThatCannotBeRead) {
+  CarryAll({DocumentWithLargeTree(), PagesDocument(1).Build(), DocumentWithTree("a").Build()});
+  EXPECT_THAT(Losses(), ElementsAre("1: destinations: it has more than a million places to look at",
+                                    "3: destinations: the names in the first document cannot be read"));
+  EXPECT_EQ(Root().getKey("/Names").getKey("/Dests").getKey("/Kids").getObjectID(), 4);
 }
 
 TEST_F(CarryNamesTest, PutsAttachmentsOfAllDocumentsIntoOneTree) {
@@ -257,6 +280,21 @@ TEST_F(CarryNamesTest, PutsAttachmentsOfAllDocumentsIntoOneTree) {
   EXPECT_EQ(link.getKey("/A").getKey("/T").getKey("/N").getStringValue(), "a.txt-2");
   EXPECT_EQ(Object(result, 2, 4).getKey("/F").getStringValue(), "a.txt");
   EXPECT_EQ(Root().getKey("/AF").getArrayNItems(), 2);
+}
+
+TEST_F(CarryNamesTest, LeavesTargetsThatAreNoAttachmentOfTheFile) {
+  const std::string files = "/Names << /EmbeddedFiles << /Names [ (a) << /F (a) >> ] >> >>";
+  const auto link = [](const std::string& action) {
+    return "<< /Subtype /Link /A << /S /GoToE /D (x) " + action + " >> >> ";
+  };
+  const std::string links = link("/F (other.pdf) /T << /R /C /N (a) >>") + link("/T << /R /P /N (a) >>");
+  QPDF& result = CarryAll({PagesDocument(1, files).Build(),
+                           PagesDocument(1, files + "/AF << /F (a) >>", "/Annots [ " + links + "]").Build()});
+  for (const int i : {0, 1}) {
+    QPDFObjectHandle action = Object(result, 2, 3).getKey("/Annots").getArrayItem(i).getKey("/A");
+    EXPECT_EQ(action.getKey("/T").getKey("/N").getStringValue(), "a");
+  }
+  EXPECT_EQ(Root().getKey("/AF").getArrayItem(0).getKey("/F").getStringValue(), "a");
 }
 
 TEST_F(CarryNamesTest, CarriesNameTreesThatItDoesNotKnow) {

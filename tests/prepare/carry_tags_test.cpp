@@ -12,6 +12,7 @@ using testing::DocumentBuilder;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using testing::PagesDocument;
 
 class CarryTagsTest : public testing::CarryFixture {
@@ -52,8 +53,8 @@ TEST_F(CarryTagsTest, PutsTheElementsOfAllDocumentsBelowOneRoot) {
   EXPECT_EQ(numbers.getArrayItem(2).getIntValue(), 1);
   EXPECT_EQ(numbers.getArrayItem(3).getArrayItem(0).getObjectID(), Numbered(3, 6));
   EXPECT_EQ(TagRoot().getKey("/ParentTreeNextKey").getIntValue(), 2);
-  EXPECT_THAT(Shown(), HasSubstr("\"Alpha\""));
-  EXPECT_THAT(Shown(), HasSubstr("\"Beta\""));
+  EXPECT_THAT(Appended(), Not(HasSubstr("\n3 0 obj")));
+  EXPECT_THAT(Shown(), AllOf(HasSubstr("\"Alpha\""), HasSubstr("\"Beta\"")));
   EXPECT_THAT(Losses(), IsEmpty());
 }
 
@@ -69,6 +70,38 @@ TEST_F(CarryTagsTest, MakesARootWhereTheFirstDocumentHasNone) {
   EXPECT_EQ(Object(result, 2, 3).getKey("/StructParents").getIntValue(), 0);
   EXPECT_FALSE(Root().hasKey("/MarkInfo"));
   EXPECT_THAT(Shown(), HasSubstr("\"Beta\""));
+}
+
+TEST_F(CarryTagsTest, MakesAnObjectOfARootThatIsNone) {
+  CarryAll(
+      {PagesDocument(1, "/StructTreeRoot << /K << /S /Div >> /Mark 7 >>").Build(), Tagged("Beta").Build()});
+  EXPECT_TRUE(TagRoot().isIndirect());
+  EXPECT_EQ(TagRoot().getKey("/Mark").getIntValue(), 7);
+  EXPECT_EQ(Tag(0).getKey("/S").getName(), "/Div");
+  EXPECT_EQ(Tag(1).getKey("/S").getName(), "/P");
+}
+
+TEST_F(CarryTagsTest, TellsThatTheFirstDocumentsNumbersAreBroken) {
+  CarryAll(
+      {Tagged("Alpha", "/ParentTree << /Nums [ 0 [ 6 0 R ] (x) 0 ] >>").Build(), Tagged("Beta").Build()});
+  EXPECT_THAT(Losses(),
+              ElementsAre("1: tags: the tree of the structure elements' numbers is missing or broken"));
+  EXPECT_EQ(TagRoot().getKey("/ParentTree").getKey("/Nums").getArrayNItems(), 4);
+}
+
+TEST_F(CarryTagsTest, LeavesTheFirstDocumentsTreeAsItIsWhereThatCannotBeRead) {
+  std::string kids;
+  std::string numbers;
+  for (int i = 0; i < 1000; ++i) {
+    kids += "<< /Nums 8 0 R >>\n";
+    numbers += "0 0\n";
+  }
+  auto first = Tagged("Alpha", "/ParentTree << /Kids 7 0 R >>");
+  first.Object(7, "[ " + kids + "]").Object(8, "[ " + numbers + "]");
+  CarryAll({first.Build(), Tagged("Beta").Build(), PagesDocument(1).Build()});
+  EXPECT_THAT(Losses(), ElementsAre("1: tags: it has more than a million places to look at",
+                                    "2: tags: the tags in the first document cannot be read"));
+  EXPECT_EQ(TagRoot().getKey("/K").getObjectID(), 6);
 }
 
 TEST_F(CarryTagsTest, ShiftsNumbersOfAnnotationsPicturesAndForms) {
@@ -110,6 +143,20 @@ TEST_F(CarryTagsTest, RenamesARoleThatMeansSomethingElse) {
   EXPECT_EQ(Object(result, 3, 6).getKey("/S").getName(), "/Sub-3");
 }
 
+TEST_F(CarryTagsTest, TakesANewRoleThatNoDocumentHas) {
+  const auto numbers = std::string(kNumbers);
+  CarryAll({Tagged("Alpha", numbers + " /RoleMap << /A /H1 >>").Build(),
+            Tagged("Beta", numbers + " /RoleMap << /A /H2 /A-2 /H3 >>").Build()});
+  EXPECT_EQ(TagRoot().getKey("/RoleMap").unparse(), "<< /A /H1 /A-2 /H3 /A-3 /H2 >>");
+}
+
+TEST_F(CarryTagsTest, LeavesTypesOfANamespace) {
+  const std::string roles = std::string(kNumbers) + " /RoleMap << /A /";
+  QPDF& result = CarryAll({Tagged("Alpha", roles + "H1 >>").Build(),
+                           Tagged("Beta", roles + "H2 >>", "/S /A /NS << /NS (x) >>").Build()});
+  EXPECT_EQ(Object(result, 2, 6).getKey("/S").getName(), "/A");
+}
+
 TEST_F(CarryTagsTest, RenamesARoleThatLeadsToARenamedOne) {
   const auto roles = [](const std::string& last) {
     return std::string(kNumbers) + " /RoleMap << /A /B /B /" + last + " >>";
@@ -136,12 +183,13 @@ TEST_F(CarryTagsTest, SaysTheLanguageOfALaterDocument) {
   const auto document = [](const std::string& language) {
     return Tagged("text", kNumbers, "/S /P", language).Build();
   };
-  QPDF& result =
-      CarryAll({document("/Lang (en)"), document("/Lang (en)"), document("/Lang (de)"), document("")});
+  QPDF& result = CarryAll({document("/Lang (en)"), document("/Lang (en)"), document("/Lang (de)"),
+                           document(""), Tagged("text", kNumbers, "/S /P /Lang (fr)", "/Lang (it)").Build()});
   EXPECT_FALSE(Object(result, 1, 6).hasKey("/Lang"));
   EXPECT_FALSE(Object(result, 2, 6).hasKey("/Lang"));
   EXPECT_EQ(Object(result, 3, 6).getKey("/Lang").getStringValue(), "de");
   EXPECT_EQ(Object(result, 4, 6).getKey("/Lang").getStringValue(), "");
+  EXPECT_EQ(Object(result, 5, 6).getKey("/Lang").getStringValue(), "fr");
 }
 
 TEST_F(CarryTagsTest, LeavesIdentifiersOutThatAnEarlierDocumentHas) {
