@@ -6,6 +6,7 @@
 #include "prepare/carry/layers.h"
 #include "prepare/carry/names.h"
 #include "prepare/carry/outlines.h"
+#include "prepare/carry/tags.h"
 #include "prepare/carry/title.h"
 
 namespace folioweld {
@@ -17,6 +18,7 @@ void CarryParts(Revision& revision, Bookmarks bookmarks, const std::optional<std
   CarryLabels(revision);
   CarryLayers(revision);
   CarryForms(revision);
+  CarryTags(revision);
   CarryIntents(revision);
   if (title) SetTitle(revision, *title);
 }

@@ -20,8 +20,8 @@ constexpr char kPart[] = "tags";
 constexpr char kBrokenNumbers[] = "the tree of the structure elements' numbers is missing or broken";
 constexpr char kRoot[] = "/StructTreeRoot";
 
-/// The items of an array, or the only one.
-std::vector<QPDFObjectHandle> ItemsOf(QPDFObjectHandle value) {
+/// The items of an array, or the only one where there is no array.
+std::vector<QPDFObjectHandle> KidsOf(QPDFObjectHandle value) {
   if (value.isArray()) return value.getArrayAsVector();
   if (value.isNull()) return {};
   return {value};
@@ -79,7 +79,7 @@ class Tags {
     const auto numbered = numbered_.find(document.Index);
     QPDFObjectHandle root = RootOf(document);
     if (numbered == numbered_.end() || !root.isDictionary()) return;
-    const std::vector<QPDFObjectHandle> top = ItemsOf(root.getKey("/K"));
+    const std::vector<QPDFObjectHandle> top = KidsOf(root.getKey("/K"));
     if (document.Index > 1) CheckLater(numbered->second, top);
     NameMap roles = roles_;
     NameMap classes = classes_;
@@ -91,7 +91,7 @@ class Tags {
     RenameInElements(revision_, changed, newRoles, newClasses);
     roles_ = std::move(roles);
     classes_ = std::move(classes);
-    for (auto& [key, items] : lists_) Append(items, ItemsOf(root.getKey(key)));
+    for (auto& [key, items] : lists_) Append(items, KidsOf(root.getKey(key)));
     const int offset = numbered->second.Offset;
     for (const auto& [number, parent] : numbered->second.Parents) parents_[number + offset] = parent;
     if (document.Index == 1) {
