@@ -1,5 +1,6 @@
 // Fields of a later document that are drawn by the form in its catalog, which the output does not have.
 
+#include <algorithm>
 #include <set>
 #include <string>
 #include <unordered_map>
@@ -15,8 +16,12 @@ namespace {
 
 constexpr int kDeepestField = 32;
 constexpr std::int32_t kHiddenFlag = 2;
+constexpr std::int32_t kRadioFlag = 1 << 15;
+constexpr std::int32_t kPushButtonFlag = 1 << 16;
 /// A default appearance names its font first, and is a line.
 constexpr std::size_t kAppearanceStart = 1000;
+/// Many buttons may refer to one dictionary, which is read for each. They take a line or two.
+constexpr std::size_t kLongestCharacteristics = 1000;
 
 /// What readers draw fields by.
 struct Form {
@@ -65,8 +70,12 @@ class FormCheck {
     ReadObject widget(input_, number);
     if (widget.Value("/Subtype") != "/Widget" || IsHidden(widget)) return;
     const std::string_view type = Inherited(number, &Field::Type);
-    if (type != "/Tx" && type != "/Ch") return;
-    if (!IsDrawnOtherwise(number, !widget.Value("/AP").empty())) return;
+    if (type != "/Tx" && type != "/Ch" && type != "/Btn") return;
+    const bool hasAppearance = !widget.Value("/AP").empty();
+    if (type == "/Btn" ? hasAppearance || !IsButtonDrawnOtherwise(number, widget)
+                       : !IsTextDrawnOtherwise(number, hasAppearance)) {
+      return;
+    }
     NoteAlteration(input_.State, input_.Slot, AlterationKind::FieldsDrawnOtherwise, number);
   }
 
@@ -74,14 +83,32 @@ class FormCheck {
   struct Field {
     // As much of each as it takes to tell it from others.
     std::string Type;
+    std::string Flags;
     std::string Value;
     std::string Appearance;
     std::int32_t Parent = -1;
   };
 
-  [[nodiscard]] bool IsDrawnOtherwise(std::int32_t number, bool hasAppearance) {
+  [[nodiscard]] bool IsTextDrawnOtherwise(std::int32_t number, bool hasAppearance) {
     if (hasAppearance) return lost_.NeedAppearances != kept_.NeedAppearances;
     return IsText(Inherited(number, &Field::Value)) && !IsDrawnAlike(Inherited(number, &Field::Appearance));
+  }
+
+  /// Without an appearance of its own. Radio buttons are not drawn then.
+  [[nodiscard]] bool IsButtonDrawnOtherwise(std::int32_t number, ReadObject& widget) {
+    const std::string_view appearance = Inherited(number, &Field::Appearance);
+    if (appearance.empty() && lost_.DefaultAppearance.empty()) return false;
+    const std::int32_t flags = std::max(NumberOf(Inherited(number, &Field::Flags)), 0);
+    if ((flags & kPushButtonFlag) != 0) {
+      const std::string_view text = TrimBlanks(TextAt(input_, widget.Value("/MK")));
+      if (text.size() > kLongestCharacteristics) return false;
+      SeenDictionary characteristics(input_, text);
+      return IsText(TextAt(input_, characteristics.Value("/CA"))) && !IsDrawnAlike(appearance);
+    }
+    // The tick in a box needs no font of the form.
+    const std::string_view state = widget.Value("/AS");
+    const bool isTicked = (flags & kRadioFlag) == 0 && !state.empty() && state != "/Off";
+    return isTicked && appearance.empty() && !sameAppearance_;
   }
 
   /// By the first document's form, a field with this default appearance.
@@ -109,8 +136,9 @@ class FormCheck {
       const auto start = [&](const char* key, std::size_t size) {
         return std::string(TextAt(input_, object.Value(key)).substr(0, size));
       };
-      found->second = {std::string(object.Value("/FT").substr(0, 4)), start("/V", 3),
-                       start("/DA", kAppearanceStart), ReferencedNumber(object.Value("/Parent"))};
+      found->second = {std::string(object.Value("/FT").substr(0, 4)), start("/Ff", kMostDigits),
+                       start("/V", 3), start("/DA", kAppearanceStart),
+                       ReferencedNumber(object.Value("/Parent"))};
     }
     return found->second;
   }

@@ -6,6 +6,7 @@
 
 #include "engine/alteration_checks.h"
 #include "engine/alteration_record.h"
+#include "engine/array_walk.h"
 #include "engine/lexer.h"
 
 namespace folioweld {
@@ -59,36 +60,14 @@ class PageTreeWalk {
 
   /// A node that stands in the array itself is taken for a page.
   void ReachAll(std::string_view kids, std::int32_t parent) {
-    std::size_t direct = kids.find("<<");
-    std::size_t index = 0;
-    for (;;) {
-      NumberPair found;
-      const bool isReference = FindReference(kids, index, kReferenceKeyword, found);
-      if (direct < (isReference ? found.Start : kids.size())) {
+    ArrayWalk walk(kids);
+    while (walk.Next()) {
+      if (walk.Number() < 0) {
         ++pages_;
-        index = SkipDirect(kids, direct);
-        direct = kids.find("<<", index);
-      } else if (isReference) {
-        Reach(found.Number, parent);
-        index = found.End;
       } else {
-        return;
+        Reach(walk.Number(), parent);
       }
     }
-  }
-
-  /// Index after the dictionary that begins at `index`.
-  static std::size_t SkipDirect(std::string_view text, std::size_t index) {
-    std::size_t depth = 0;
-    do {
-      index = text.find_first_of("<>", index);
-      if (index == std::string_view::npos) return text.size();
-      const bool isPair = index + 1 < text.size() && text[index + 1] == text[index];
-      if (isPair && text[index] == '<') ++depth;
-      if (isPair && text[index] == '>') --depth;
-      index += isPair ? 2 : 1;
-    } while (depth > 0);
-    return index;
   }
 
   void Reach(std::int32_t number, std::int32_t parent) {

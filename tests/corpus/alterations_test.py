@@ -173,6 +173,33 @@ class Alterations(unittest.TestCase):
         first, second, output = self.joined("layers that its catalog hides", document(plain("a")), document(hidden))
         self.assertNotEqual(self.pixels(second, 1), self.pixels(output, 2))
 
+    def printed(self, path, number):
+        """The picture that goes to a printer."""
+        script, picture = self.world.path("print.js"), self.world.path("printed.png")
+        with open(script, "w") as out:
+            out.write("var page = new PDFDocument(scriptArgs[0]).loadPage(scriptArgs[1] - 1);\n")
+            out.write("page.toPixmap(Identity, DeviceRGB, false, true, 'Print', 'CropBox').saveAsPNG(scriptArgs[2]);\n")
+        run(["mutool", "run", script, path, str(number), picture])
+        with open(picture, "rb") as drawn:
+            return drawn.read()
+
+    def test_layer_that_is_hidden_in_print(self):
+        entries = "/OCProperties<</OCGs[5 0 R]/D<</AS[<</Event/Print/Category[/Print]/OCGs[5 0 R]>>]>>>>"
+        hidden = plain("b") | {1: f"<</Type/Catalog/Pages 2 0 R{entries}>>"}
+        hidden[3] = page(4).replace("/Resources<<", "/Resources<</Properties<</L 5 0 R>>")
+        hidden[4] = stream("/OC /L BDC 0 0 50 50 re f EMC")
+        hidden[5] = "<</Type/OCG/Name(a)/Usage<</Print<</PrintState/OFF>>>>>>"
+        first, second, output = self.joined("layers that its catalog hides", document(plain("a")), document(hidden))
+        self.assertNotEqual(self.printed(second, 1), self.printed(output, 2))
+
+    def test_button_that_the_form_draws(self):
+        entries = "/AcroForm<</Fields[5 0 R]/DA(/Helv 12 Tf 0 g)/DR<</Font<</Helv<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>>>>>>>"
+        for drawn in ("/Ff 65536/MK<</CA(Go)>>", "/MK<</CA(4)>>/AS/Yes"):
+            field = f"<</Type/Annot/Subtype/Widget/FT/Btn/T(t){drawn}/F 4/Rect[100 5 190 25]>>"
+            form = plain("b") | {1: f"<</Type/Catalog/Pages 2 0 R{entries}>>", 3: page(4, "/Annots[5 0 R]"), 5: field}
+            first, second, output = self.joined("a field is drawn by the form", document(plain("a")), document(form))
+            self.assertNotEqual(self.pixels(second, 1), self.pixels(output, 2), drawn)
+
     def test_printing_condition(self):
         intent = "/OutputIntents[<</S/GTS_PDFX/OutputConditionIdentifier(FOGRA39)/DestOutputProfile 5 0 R>>]"
         press = plain("b") | {1: f"<</Type/Catalog/Pages 2 0 R{intent}>>", 5: stream("profile", "/N 4")}

@@ -59,6 +59,39 @@ TEST(CatalogCheck, IsQuietAboutLayersThatAreShown) {
   EXPECT_EQ(Told(WithLayers("<</BaseState/OFF/ON[4 0 R 5 0 R]>>")), "");
 }
 
+/// Layer 5 says of its use what a rule of the configuration may have count.
+DocumentBuilder WithUsage(const std::string& rules, const std::string& usage) {
+  return WithLayers("<</AS" + rules + ">>").Object(5, "<</Type/OCG/Name(b)/Usage" + usage + ">>");
+}
+
+const std::string kHiddenInView = "<</View<</ViewState/OFF>>>>";
+const std::string kHiddenInPrint = "<</View<</ViewState/ON>>/Print<</PrintState/OFF>>>>";
+
+std::string Rule(const std::string& use, const std::string& layers = "[4 0 R 5 0 R]") {
+  return "<</Event" + use + "/Category[" + use + "]/OCGs" + layers + ">>";
+}
+
+TEST(CatalogCheck, TellsOfLayersThatAreHiddenInAUse) {
+  EXPECT_EQ(Told(WithUsage("[" + Rule("/View") + "]", kHiddenInView)), "layers 1; ");
+  EXPECT_EQ(Told(WithUsage("[" + Rule("/Export") + Rule("/Print") + "]", kHiddenInPrint)), "layers 1; ");
+  EXPECT_EQ(Told(WithUsage(" 6 0 R", " 9 0 R")
+                     .Object(6, "[7 0 R]")
+                     .Object(7, Rule("/View", " 8 0 R"))
+                     .Object(8, "[5 0 R]")
+                     .Object(9, "<</View 10 0 R>>")
+                     .Object(10, "<</ViewState/OFF>>")),
+            "layers 1; ");
+}
+
+TEST(CatalogCheck, IsQuietAboutLayersThatNoUseHides) {
+  EXPECT_EQ(Told(WithLayers("<<>>").Object(5, "<</Type/OCG/Usage" + kHiddenInView + ">>")), "") << "no rule";
+  EXPECT_EQ(Told(WithUsage("[" + Rule("/Print") + "]", kHiddenInView)), "") << "another use";
+  EXPECT_EQ(Told(WithUsage("[" + Rule("/View", "[4 0 R]") + "]", kHiddenInView)), "") << "another layer";
+  EXPECT_EQ(Told(WithUsage("[" + Rule("/View") + "]", "<</View<</ViewState/ON>>>>")), "");
+  EXPECT_EQ(Told(WithUsage("[6 0 R 6 0 R]", " 5 0 R").Object(6, Rule("/View", " 6 0 R"))), "")
+      << "leads to itself";
+}
+
 DocumentBuilder WithIntent(const std::string& intent) {
   return With("/OutputIntents[" + intent + "]").Stream(4, "/N 4", "profile");
 }
@@ -119,6 +152,37 @@ TEST(CatalogCheck, IsQuietWhereTheFirstFormDrawsTheFieldAlike) {
   EXPECT_EQ(Told(WithForm("", kField + "/DA(/Helv 9 Tf)"), WithForm(kHelvetica, kField)), "");
   EXPECT_EQ(Told(WithForm("", kField + "/DA(/He 9 Tf)"), WithForm(kHelvetica, kField)), "field 4; ");
   EXPECT_EQ(Told(WithForm("/DA(/Helv 8 Tf)", kField), WithForm(form, kField)), "field 4; ");
+}
+
+DocumentBuilder WithButton(const std::string& entries, const std::string& form = "/DA(/Helv 9 Tf)") {
+  return WithForm(form, "/Subtype/Widget/FT/Btn" + entries);
+}
+
+TEST(CatalogCheck, TellsOfAButtonWithoutAnAppearance) {
+  EXPECT_EQ(Told(WithButton("/Ff 65536/MK<</CA(Go)>>")), "field 4; ");
+  EXPECT_EQ(Told(WithButton("/MK<</CA(4)>>/AS/Yes")), "field 4; ") << "a box that is ticked";
+  EXPECT_EQ(Told(WithForm("/DA(/Helv 9 Tf)", "/FT/Btn/Ff 65536/Kids[5 0 R]")
+                     .Object(5, "<</Subtype/Widget/Parent 4 0 R/MK 6 0 R>>")
+                     .Object(6, "<</CA(Go)>>")),
+            "field 5; ");
+}
+
+TEST(CatalogCheck, IsQuietAboutButtonsThatLookTheSame) {
+  EXPECT_EQ(Told(WithButton("/Ff 65536/MK<</CA(Go)>>/AP<</N 3 0 R>>")), "") << "an appearance of its own";
+  EXPECT_EQ(Told(WithButton("/AP<</N 3 0 R>>", "/NeedAppearances true")), "")
+      << "it shows the button's state";
+  EXPECT_EQ(Told(WithButton("/Ff 65536")), "") << "nothing to show";
+  EXPECT_EQ(Told(WithButton("/Ff 65536/MK<</CA()>>")), "") << "nothing to show";
+  EXPECT_EQ(Told(WithButton("/MK<</CA(4)>>")), "") << "a box that is not ticked";
+  EXPECT_EQ(Told(WithButton("/MK<</CA(4)>>/AS/Off")), "") << "a box that is not ticked";
+  EXPECT_EQ(Told(WithButton("/MK<</CA(4)>>/AS/Yes/Ff 32768")), "") << "a radio button";
+  EXPECT_EQ(Told(WithButton("/MK<</CA(4)>>/AS/Yes/DA(/ZaDb 9 Tf)")), "") << "a standard font";
+  EXPECT_EQ(Told(WithButton("/Ff 65536/MK<</CA(Go)>>", "")), "") << "nothing to draw it by";
+  const std::string form = kHelvetica + "/DA(/Helv 9 Tf)";
+  EXPECT_EQ(Told(WithButton("/MK<</CA(4)>>/AS/Yes", form), WithForm(form, kField)), "")
+      << "the first document's form draws it alike";
+  EXPECT_EQ(Told(WithButton("/Ff 65536/MK<</CA(Go)>>", form), WithForm(form, kField)), "")
+      << "the first document's form draws it alike";
 }
 
 TEST(CatalogCheck, ComesToAnEndWhereFieldsLeadToThemselves) {
