@@ -120,6 +120,12 @@ class Goals(unittest.TestCase):
             measured = [series(programs.PREPARING, own), series(programs.OWN, 1.0)]
             self.assertEqual([goal.met for goal in figures.load_goals(load("plain"), measured)], [expected])
 
+    def test_carrying_may_take_a_fifth_more_and_50_ms(self):
+        for name in ("streams", "folder"):
+            for own, expected in ((1.249, True), (1.251, False)):
+                measured = [series(programs.CARRYING, own), series(programs.OWN, 1.0)]
+                self.assertEqual(met(figures.load_goals(load(name), measured), "--carry"), [expected])
+
     def test_the_start_is_compared_with_an_empty_program(self):
         entry = load("small")
         for own, expected in ((0.0024, True), (0.0026, False)):

@@ -4,7 +4,7 @@ import math
 from dataclasses import dataclass
 from statistics import median
 
-from programs import COPY, EMPTY, OWN, PREPARING, ROUNDS, peers
+from programs import CARRYING, COPY, EMPTY, OWN, PREPARING, ROUNDS, peers
 
 MIB = 1024 * 1024
 MEMORY_BASE = 8 * MIB
@@ -97,6 +97,12 @@ def preparing_goals(load, series):
         yield at_most(load, "with `--prepare` at most 1.25 times the time without", value, 1.25, shown(value))
 
 
+def carrying_goal(load, times):
+    value = times[CARRYING] - 1.2 * times[OWN] if CARRYING in times and OWN in times else None
+    return at_most(load, "with `--carry` at most 1.2 times the time without, and 50 ms", value, 0.05,
+                   shown(value and value * 1000, "1.2 times and {:.0f} ms"))
+
+
 def folder_goals(load, times):
     yield slower_than(load, times, ROUNDS, 1.2, "the same rounds done with `cat`")
     for name in ("qpdf", "pdfunite", "pdftk"):
@@ -106,6 +112,7 @@ def folder_goals(load, times):
     value = ratio(times, "mutool", OWN)
     yield Goal(load["words"], "at least as fast as `mutool`", shown(value, "{:.2f} times as fast"),
                value is not None and value >= 1)
+    yield carrying_goal(load, times)
 
 
 def load_goals(load, series):
@@ -113,6 +120,7 @@ def load_goals(load, series):
     if load["name"] == "streams":
         yield slower_than(load, times, COPY, 1.1, "`cat a b > c`")
         yield faster_than_peers(load, times, 1.4)
+        yield carrying_goal(load, times)
     elif load["name"] == "objects":
         yield faster_than_peers(load, times, 15)
     elif load["name"] == "small":

@@ -9,6 +9,7 @@ from typing import Callable
 
 OWN = "folioweld"
 PREPARING = "folioweld --prepare"
+CARRYING = "folioweld --carry"
 COPY = "plain copy"
 ROUNDS = "copy in rounds"
 EMPTY = "empty program"
@@ -52,6 +53,8 @@ def programs(own, empty):
         Program(OWN, "", own, lambda documents, output: [own, output, os.path.dirname(documents[0])]),
         Program(PREPARING, "", own, lambda documents, output:
                 [own, "--prepare", output, os.path.dirname(documents[0])]),
+        Program(CARRYING, "", own, lambda documents, output:
+                [own, "--carry", output, os.path.dirname(documents[0])]),
         Program("qpdf", "--stream-data=preserve", "qpdf", lambda documents, output:
                 ["qpdf", "--stream-data=preserve", "--empty", "--pages", *documents, "--", output]),
         Program("qpdf", "default", "qpdf", lambda documents, output:
@@ -80,6 +83,8 @@ def takes_part(program, load):
     # Half of the documents of the one load cannot be joined otherwise; none of the other one's needs it.
     if program.name == PREPARING:
         return load["name"] in ("mixed", "plain")
+    if program.name == CARRYING:
+        return load["name"] in ("streams", "folder")
     if program.name == OWN and load["name"] == "mixed":
         return False
     if program.name == ROUNDS:

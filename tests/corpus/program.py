@@ -40,13 +40,13 @@ class World:
     def path(self, *names):
         return os.path.join(self.root, *names)
 
-    def join(self, program, sources):
+    def join(self, program, sources, options=()):
         """Joins copies of `sources`, a list of (name in the folder, path), in name order."""
         for name, path in sources:
             shutil.copyfile(path, self.path("in", name))
-        return self.join_folder(program, self.path("in"), {name: path for name, path in sources})
+        return self.join_folder(program, self.path("in"), {name: path for name, path in sources}, options)
 
-    def join_folder(self, program, folder, originals):
+    def join_folder(self, program, folder, originals, options=()):
         output = self.path("out", "joined.pdf")
         environment = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY")}
         environment.update(
@@ -56,7 +56,7 @@ class World:
             LC_ALL="C.UTF-8",
         )
         done = subprocess.run(
-            [program, output, folder],
+            [program, *options, output, folder],
             stdin=subprocess.DEVNULL,
             capture_output=True,
             timeout=LONGEST_RUN_SECONDS,
