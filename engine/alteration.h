@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/windows_api.h"
+
 namespace folioweld {
 
 /// What a reader of the output sees otherwise than a reader of an input, although the merge succeeds.
@@ -22,6 +24,7 @@ enum class AlterationKind : std::uint8_t {
   LayersShown,           ///< the lost catalog hides layers
   OutputIntentLost,      ///< the lost catalog has a printing condition
   FieldsDrawnOtherwise,  ///< the lost catalog's form decides how a field is drawn
+  NotCarriedOver,        ///< a part of the lost catalog that was to be carried over, and could not be
   StreamEndsElsewhere,   ///< others look for "endstream", as it does not stand where /Length says
   StringLosesBytes,      ///< blanks before its line ends, or empty lines
   ReferenceNotSeen,      ///< its number is not raised with those of the second input
@@ -48,6 +51,7 @@ struct SourceDocument {
   std::int32_t FirstObject = 0;  ///< what its object numbers are raised by in the file
   bool Rewritten = false;  ///< the file is an output of this run, and the offsets are not the document's
   std::vector<Alteration> Alterations;
+  FileInformation Read{};  ///< of the file that was read for it, when that was opened
 };
 
 /// One sentence: the document (by the given name), the object, the offset, what is altered and how often.

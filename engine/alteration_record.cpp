@@ -21,6 +21,10 @@ std::int64_t InputOffset(const MergeState& state, std::int16_t slot, std::int32_
   return index <= state.Objects.UpperBound() ? state.Objects[index].OutOffset : -1;
 }
 
+bool WasTold(const Alteration& alteration) {
+  return alteration.Told;
+}
+
 void MoveSources(std::vector<SourceDocument>& from, std::int32_t firstObject,
                  std::vector<SourceDocument>& to) {
   for (SourceDocument& source : from) {
@@ -60,14 +64,23 @@ void NoteAlteration(MergeState& state, std::int16_t slot, AlterationKind kind, s
   source.Alterations.push_back(std::move(added));
 }
 
-std::vector<std::string> TakeSources(MergeState& state) {
+void TakeSources(MergeState& state) {
   std::vector<SourceDocument>& taken = state.DocSources(3);
   taken.clear();
   MoveSources(SourcesOf(state, 1), 0, taken);
   if (state.DocUsed(2)) MoveSources(SourcesOf(state, 2), state.ObjectsInDoc1, taken);
+}
+
+bool IsLostWithCatalog(AlterationKind kind) {
+  return kind == AlterationKind::LayersShown || kind == AlterationKind::OutputIntentLost ||
+         kind == AlterationKind::FieldsDrawnOtherwise;
+}
+
+std::vector<std::string> TellSources(MergeState& state) {
   std::vector<std::string> sentences;
-  for (SourceDocument& source : taken) {
+  for (SourceDocument& source : state.DocSources(3)) {
     for (Alteration& alteration : source.Alterations) {
+      if (state.CatalogsAreCarried && IsLostWithCatalog(alteration.Kind)) continue;
       if (!std::exchange(alteration.Told, true)) sentences.push_back(Sentence(alteration, source.Name));
     }
   }
@@ -75,14 +88,17 @@ std::vector<std::string> TakeSources(MergeState& state) {
 }
 
 int WarningCount(const MergeState& state) {
-  std::size_t count = 0;
-  for (const SourceDocument& source : state.DocSources(3)) count += source.Alterations.size();
+  std::ptrdiff_t count = 0;
+  for (const SourceDocument& source : state.DocSources(3)) {
+    count += std::count_if(source.Alterations.begin(), source.Alterations.end(), WasTold);
+  }
   return static_cast<int>(count);
 }
 
 std::string FirstWarning(const MergeState& state) {
   for (const SourceDocument& source : state.DocSources(3)) {
-    if (!source.Alterations.empty()) return Sentence(source.Alterations.front(), source.Name);
+    const auto told = std::find_if(source.Alterations.begin(), source.Alterations.end(), WasTold);
+    if (told != source.Alterations.end()) return Sentence(*told, source.Name);
   }
   return {};
 }

@@ -22,9 +22,15 @@ namespace folioweld {
 void NoteAlteration(MergeState& state, std::int16_t slot, AlterationKind kind, std::int32_t objectNumber,
                     std::string detail = {}, std::int64_t fileOffset = -1);
 
-/// After a merge that succeeded: makes the documents of both inputs those of the output (slot 3), every one
-/// of their alterations told. Returns the sentences of those that were not told before.
-[[nodiscard]] std::vector<std::string> TakeSources(MergeState& state);
+/// After a merge that succeeded: makes the documents of both inputs those of the output (slot 3).
+void TakeSources(MergeState& state);
+
+/// What a document loses with its catalog, unless that is carried over.
+[[nodiscard]] bool IsLostWithCatalog(AlterationKind kind);
+
+/// Has the alterations of the output's documents told, but for those that `CatalogsAreCarried` holds back.
+/// Returns the sentences of those that were not told before.
+[[nodiscard]] std::vector<std::string> TellSources(MergeState& state);
 
 /// How often the user was warned about the documents of the output, and the first of the sentences.
 [[nodiscard]] int WarningCount(const MergeState& state);

@@ -38,6 +38,8 @@ const char* Words(AlterationKind kind) {
       return "the printing condition of its catalog is lost, and colours can look otherwise";
     case AlterationKind::FieldsDrawnOtherwise:
       return "a field is drawn by the form in its catalog, which is lost, and can look otherwise or empty";
+    case AlterationKind::NotCarriedOver:
+      return "not wholly carried over";
     case AlterationKind::StreamEndsElsewhere:
       return "\"endstream\" does not stand where the stream's /Length says: other programs look for it, and "
              "the output has what /Length says";

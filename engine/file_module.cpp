@@ -119,6 +119,11 @@ bool FileModule::IsNamed(std::int16_t fileNumber, const std::string& path) {
   return file != nullptr && named.Value().Identity == file->Information.Identity;
 }
 
+FileInformation FileModule::InformationOf(std::int16_t fileNumber) const {
+  const OpenFile* const file = Find(fileNumber);
+  return file == nullptr ? FileInformation() : file->Information;
+}
+
 std::int32_t FileModule::FileLength(std::int16_t fileNumber) const {
   const OpenFile* const file = Find(fileNumber);
   const std::int32_t length = file == nullptr ? -1 : file->Length();

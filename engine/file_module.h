@@ -74,6 +74,9 @@ class FileModule {
   /// Whether the path names that very open file; false also when that cannot be told.
   [[nodiscard]] bool IsNamed(std::int16_t fileNumber, const std::string& path);
 
+  /// What the system said of an open file when it was opened; nothing for any other number.
+  [[nodiscard]] FileInformation InformationOf(std::int16_t fileNumber) const;
+
   /// The length remembered when the file was opened, or a negative code.
   [[nodiscard]] std::int32_t FileLength(std::int16_t fileNumber) const;
 

@@ -6,6 +6,8 @@
 #include <string>
 #include <utility>
 
+#include "engine/alteration_record.h"
+
 namespace folioweld {
 
 namespace {
@@ -54,10 +56,16 @@ void MergeJob::RunJob() {
   // An input was only read: closing it cannot lose anything.
   static_cast<void>(CloseFile(1));
   static_cast<void>(CloseFile(2));
-  if (ok) TellAlterations();
+  std::string warning;
+  if (ok) TakeSources(state_);
+  ok = ok && RunSequel(warning);
+  if (ok) TellAlterations(warning);
   if (!ok) FinishFailed();
+  // Whoever cancels the sequel does not wait for the output.
+  const bool leftEarly = sequel_ != nullptr && state_.AbortRequested;
   EndJob();
-  if (ok && !state_.DocFileName(3).empty() && state_.ShowOutputAfterMerge && !state_.SilentMode) {
+  const bool hasOutput = ok && !leftEarly && !state_.DocFileName(3).empty();
+  if (hasOutput && state_.ShowOutputAfterMerge && !state_.SilentMode) {
     shell_.ShowOutput(state_.DocFileName(3));
   }
   shell_.RefreshControls();

@@ -10,6 +10,7 @@
 #include "engine/merge_shell.h"
 #include "engine/merge_state.h"
 #include "engine/output_refusal.h"
+#include "engine/output_sequel.h"
 #include "engine/pdf_reader.h"
 
 namespace folioweld {
@@ -36,6 +37,9 @@ class MergeJob {
   /// what would be altered in `DocSources`(1); `lowestMissing` becomes what `FindAlterationsAmongOthers`
   /// gives.
   [[nodiscard]] bool TryInput(bool amongOthers, std::int32_t& lowestMissing);
+
+  /// What is done with the output of each further job; null = nothing. It has to outlive those jobs.
+  void SetSequel(OutputSequel* sequel) { sequel_ = sequel; }
 
   /// What every Cancel does: the pass that runs ends as failed.
   void AbortOperation();
@@ -71,7 +75,9 @@ class MergeJob {
   void EndWithoutMemory();
   void EndJob();
   void ShowOutcome(bool ok);
-  void TellAlterations();
+  /// `more` is one more warning, about the output; empty = none.
+  void TellAlterations(const std::string& more);
+  [[nodiscard]] bool RunSequel(std::string& warning);
   void LogFailure(const PassFailure& failure);
   void Report(const std::string& text);
   void ShowWarning(const std::string& text);
@@ -81,6 +87,8 @@ class MergeJob {
   MergeShell& shell_;
   ActivityLog& log_;
   PdfReader reader_;
+  OutputSequel* sequel_ = nullptr;
+  FileInformation output_;       ///< of the output once it is finished
   bool outputFinished_ = false;  ///< by the run that is going on
   /// Room for the one line that is told when there is no more memory.
   std::string lastLine_;

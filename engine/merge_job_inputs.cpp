@@ -3,6 +3,7 @@
 #include <new>
 #include <utility>
 
+#include "engine/alteration_record.h"
 #include "engine/merge_job.h"
 #include "engine/pass_guard.h"
 #include "engine/shortened_path.h"
@@ -54,6 +55,9 @@ bool MergeJob::OpenInput(std::int16_t slot, PassFailure& why) {
   std::int32_t result = -1;
   CheckDocumentStructure(state_, files_, fileNumber, slot, result, why);
   state_.DocUsed(slot) = result > 0;
+  if (state_.DocUsed(slot) && !IsRewritten(state_, slot)) {
+    SourcesOf(state_, slot).front().Read = files_.InformationOf(fileNumber);
+  }
   return state_.DocUsed(slot);
 }
 

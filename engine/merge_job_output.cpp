@@ -71,6 +71,8 @@ bool MergeJob::NothingChangedMeanwhile() {
 bool MergeJob::FinishOutput(std::int32_t written) {
   // Cut while it is open and locked, and not by its name, which can lead to another file at any moment.
   const bool cut = files_.SetFileSize(state_.DocFileNumber(3), written);
+  output_ = files_.InformationOf(state_.DocFileNumber(3));
+  output_.Size = written;
   outputFinished_ = cut && CloseFile(3);
   if (outputFinished_) return true;
   state_.Failure = {3, -1, -1, "the output cannot be finished: " + files_.LastError().Words()};
@@ -80,6 +82,17 @@ bool MergeJob::FinishOutput(std::int32_t written) {
   } else {
     DiscardOutput();
   }
+  return false;
+}
+
+/// False when there is no output any more.
+bool MergeJob::RunSequel(std::string& warning) {
+  if (sequel_ == nullptr) return true;
+  const OutputSequel::Outcome outcome = sequel_->Run(output_, warning);
+  if (outcome == OutputSequel::Outcome::Kept) return true;
+  state_.Failure = {3, -1, -1, warning};
+  ShowOutcome(false);
+  if (outcome == OutputSequel::Outcome::Unusable) RemoveOutput(true);
   return false;
 }
 

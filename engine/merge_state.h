@@ -128,6 +128,9 @@ struct MergeState {
   bool SilentMode = false;  ///< no message box and no viewer
   bool ShowOutputAfterMerge = false;
   bool LogEnabled = true;
+  /// What later documents lose with their catalogs is carried over once the output is finished, and until
+  /// then nobody is warned of it.
+  bool CatalogsAreCarried = false;
   std::int16_t DictDepth = 0;    ///< nesting of the dictionary parser, at most 100
   std::int16_t MergeStatus = 2;  ///< 2 after a reset, 1 when the user left, -1 once a job has failed
   /// A cancel that the job found or saw and cleared; whoever started the job acts on it.
