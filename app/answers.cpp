@@ -14,6 +14,18 @@ ExitStatus Print(WindowsAPI& system, const std::string& text) {
   return PrintAnswer(system, "folioweld", text) ? kEverythingJoined : kNoOutput;
 }
 
+/// The option and the program that it needs and that is not there; empty where nothing is missing.
+std::string Missing(WindowsAPI& system, const Arguments& arguments) {
+  if (arguments.Prepare && FindExtraProgram(system, kPrepareProgram).empty()) {
+    return std::string("--prepare needs the program ") + kPrepareProgram;
+  }
+  if (arguments.CarryHere().Wanted && FindExtraProgram(system, kCarryProgram).empty()) {
+    return std::string(arguments.Carry.Wanted ? "--carry" : "--prepare") + " needs the program " +
+           kCarryProgram;
+  }
+  return {};
+}
+
 }  // namespace
 
 std::optional<ExitStatus> Answer(WindowsAPI& system, const Arguments& arguments) {
@@ -28,9 +40,9 @@ std::optional<ExitStatus> Answer(WindowsAPI& system, const Arguments& arguments)
     default:
       break;
   }
-  if (!arguments.Prepare || !FindExtraProgram(system, kPrepareProgram).empty()) return std::nullopt;
-  WriteError(system, std::string("folioweld: --prepare needs the program folioweld-prepare, which is not "
-                                 "installed (it is in the package ") +
+  const std::string missing = Missing(system, arguments);
+  if (missing.empty()) return std::nullopt;
+  WriteError(system, "folioweld: " + missing + ", which is not installed (it is in the package " +
                          kExtrasPackage + ")\n");
   return kNotServed;
 }

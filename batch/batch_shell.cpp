@@ -60,6 +60,11 @@ void BatchShell::PreparingStarts(int number, int documents, const std::string& d
                        document);
 }
 
+void BatchShell::CarryingStarts(const std::string& output) {
+  display_.SetHeadline("Carrying over into ", output);
+  display_.Update(*this);
+}
+
 void BatchShell::StatusTextChanged(int /*line*/) {
   display_.Update(*this);
 }

@@ -26,6 +26,7 @@ class BatchShell : public MergeShell {
   /// Printed where the run is verbose; a notice that is logged as well is printed once.
   void LogLineAdded(const std::string& line) override;
   void PreparingStarts(int number, int documents, const std::string& document) override;
+  void CarryingStarts(const std::string& output) override;
   void MergeStarts(const MergeNumber& number, const std::string& document) override;
 
   /// Prints a line, whatever was chosen.

@@ -1,8 +1,12 @@
 #include "dirmerge/arguments.h"
 
+#include <algorithm>
 #include <array>
 #include <getopt.h>
+#include <iterator>
 #include <utility>
+
+#include "engine/settings_text.h"
 
 namespace folioweld {
 
@@ -13,7 +17,7 @@ using Wish = Arguments::Wish;
 constexpr char kBar = '|';
 
 // Long options without a letter of their own.
-enum LongOption : int { kOrder = 256, kProgress, kFiles0From, kPrepare };
+enum LongOption : int { kOrder = 256, kProgress, kFiles0From, kPrepare, kCarry, kBookmarks, kTitle };
 
 constexpr std::array kLongOptions = {option{"order", required_argument, nullptr, kOrder},
                                      option{"verbose", no_argument, nullptr, 'v'},
@@ -21,6 +25,9 @@ constexpr std::array kLongOptions = {option{"order", required_argument, nullptr,
                                      option{"progress", required_argument, nullptr, kProgress},
                                      option{"files0-from", required_argument, nullptr, kFiles0From},
                                      option{"prepare", no_argument, nullptr, kPrepare},
+                                     option{"carry", no_argument, nullptr, kCarry},
+                                     option{"bookmarks", required_argument, nullptr, kBookmarks},
+                                     option{"title", required_argument, nullptr, kTitle},
                                      option{"help", no_argument, nullptr, 'h'},
                                      option{"version", no_argument, nullptr, 'V'},
                                      option{nullptr, 0, nullptr, 0}};
@@ -31,6 +38,8 @@ constexpr std::pair<const char*, std::int16_t> kOrders[] = {
     {"name", 1}, {"name-reversed", -1}, {"date", 2}, {"date-reversed", -2}};
 constexpr std::pair<const char*, ProgressChoice> kProgressChoices[] = {
     {"auto", ProgressChoice::Auto}, {"never", ProgressChoice::Never}, {"always", ProgressChoice::Always}};
+
+constexpr const char* kBookmarkChoices[] = {"documents", "own", "both", "none"};
 
 /// The choice of that name; nothing for another word.
 template <typename Choices>
@@ -63,6 +72,7 @@ class Parser {
       if (code == -1) break;
       TakeOption(code, words_[static_cast<std::size_t>(current)]);
     }
+    if (result_.Asked == Wish::OpenWindow) CheckCarry();
     if (result_.Asked == Wish::OpenWindow) TakeOperands();
     return std::move(result_);
   }
@@ -91,6 +101,13 @@ class Parser {
       case kPrepare:
         result_.Prepare = true;
         return;
+      case kCarry:
+        result_.Carry.Wanted = true;
+        return;
+      case kBookmarks:
+        return TakeBookmarks(value);
+      case kTitle:
+        return TakeTitle(value);
       case 'v':
       case 'q':
         result_.Verbose = code == 'v';
@@ -115,6 +132,24 @@ class Parser {
     const auto choice = Chosen(kProgressChoices, value);
     if (!choice) return Refuse("--progress is auto, never or always");
     result_.Progress = *choice;
+  }
+
+  void TakeBookmarks(const std::string& value) {
+    const bool known = std::find(std::begin(kBookmarkChoices), std::end(kBookmarkChoices), value) !=
+                       std::end(kBookmarkChoices);
+    if (!known) return Refuse("--bookmarks is documents, own, both or none");
+    result_.Carry.Bookmarks = value;
+  }
+
+  void TakeTitle(const std::string& value) {
+    if (!IsUtf8(value)) return Refuse("--title is no text in UTF-8");
+    result_.Carry.Title = value;
+  }
+
+  void CheckCarry() {
+    const CarryChoices& carry = result_.Carry;
+    if (carry.Wanted || (carry.Bookmarks.empty() && !carry.Title)) return;
+    Refuse("--bookmarks and --title need --carry");
   }
 
   void TakeOperands() {
@@ -157,6 +192,12 @@ bool Arguments::RunsWithoutScreen() const {
   }
 }
 
+CarryChoices Arguments::CarryHere() const {
+  CarryChoices choices = Carry;
+  choices.Wanted = Carry.Wanted || (Prepare && Asked == Wish::OpenWindow);
+  return choices;
+}
+
 Arguments ParseArguments(const std::vector<std::string>& arguments) {
   Arguments result;
   if (arguments.size() == 1 && HoldsBar(arguments[0])) {
@@ -178,15 +219,16 @@ Joins PDF documents into the file OUTPUT, in the order given. A SOURCE is a
 document, or a folder, whose documents are joined in the order of their names.
 Without an OUTPUT and a SOURCE the window opens. "OUTPUT|FOLDER" works, too.
 
-  --order=ORDER       of the documents of a folder: name, name-reversed, date
-                      or date-reversed
+  --order=ORDER       of a folder: name, name-reversed, date or date-reversed
   --files0-from=FILE  more sources, each ended by a NUL; - is standard input
   --prepare           make joinable first what is not (folioweld-extras)
+  --carry             keep the outlines, forms and names of all documents (same)
+  --bookmarks=WHICH   with --carry: documents, own, both or none
+  --title=TEXT        with --carry: the title of OUTPUT
   -v, --verbose       print the log
   -q, --quiet         no progress, and no word where everything is joined
   --progress=WHEN     auto (on a terminal), never or always
-  -h, --help          print this
-  -V, --version       print the version
+  -h, --help; -V, --version   print this; print the version
 
 Exit status:
   0  every document is in OUTPUT, as it was
@@ -194,7 +236,6 @@ Exit status:
   2  the command line cannot be served
   3  OUTPUT lacks a document, or one was altered; standard error says which
 A run that a signal ends leaves no temporary files and ends by that signal.
-
 Example: folioweld book.pdf cover.pdf chapters/ index.pdf
 )";
 }

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "dirmerge/carry_choices.h"
+
 namespace folioweld {
 
 /// How the program is called to join without a window.
@@ -39,9 +41,13 @@ struct Arguments {
   // Choices for this run only; what is not chosen stays as the settings have it.
   std::optional<std::int16_t> SortOrder;
   bool Prepare = false;  ///< with any of the above but an answer; also for a window
+  CarryChoices Carry;    ///< likewise
   bool Verbose = false;
   bool Quiet = false;
   ProgressChoice Progress = ProgressChoice::Auto;
+
+  /// What is to be carried over: in a window that prepares documents, too, which joins any of them.
+  [[nodiscard]] CarryChoices CarryHere() const;
 
   /// Whether the output is named, so that no question is left and no screen is needed.
   [[nodiscard]] bool RunsWithoutScreen() const;

@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "dirmerge/carrying.h"
 #include "dirmerge/document_list.h"
 #include "dirmerge/document_preparation.h"
 #include "dirmerge/file_ordering.h"
@@ -163,7 +164,10 @@ class DirectoryJob {
       TellReason(why);
       return;
     }
-    JoinInRounds(documents, output, tmpFolder);
+    std::optional<Carrying> carrying;
+    if (program_.Carry.Wanted) carrying.emplace(program_, files_, shell_, log_);
+    JoinInRounds(documents, output, tmpFolder, carrying ? &*carrying : nullptr);
+    report_.CarryingFailed = carrying && carrying->Failed();
     // The last line of the log is about the output and not about the copies.
     preparation.reset();
     // Whoever cancelled needs no message about an output that was never begun.
@@ -214,9 +218,9 @@ class DirectoryJob {
   }
 
   void JoinInRounds(const std::vector<ListedDocument>& documents, const std::string& output,
-                    const std::string& tmpFolder) {
+                    const std::string& tmpFolder, OutputSequel* sequel) {
     MergeRounds rounds(program_, files_, shell_, log_, logging_);
-    rounds.Run(documents, output, tmpFolder, report_);
+    rounds.Run(documents, output, tmpFolder, report_, sequel);
   }
 
   void Finish(const std::string& output) {

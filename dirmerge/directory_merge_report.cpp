@@ -5,7 +5,7 @@ namespace folioweld {
 bool DirectoryMergeReport::Complete() const {
   return OutputWritten && FailedMerges == 0 && RefusedDocuments.empty() && EmptyFolders.empty() &&
          LeftTemporaries.empty() && RepairedDocuments.empty() && AlteredDocuments.empty() &&
-         MissingDocuments.empty();
+         !CarryingFailed && MissingDocuments.empty();
 }
 
 ExitStatus StatusOf(const DirectoryMergeReport& report) {

@@ -18,6 +18,7 @@ struct DirectoryMergeReport {
   std::vector<std::string> LeftTemporaries;    ///< of a run that was killed; joined if they are documents
   std::vector<std::string> RepairedDocuments;  ///< joined from a copy for which they had to be repaired
   std::vector<std::string> AlteredDocuments;   ///< in the output, but with a warning
+  bool CarryingFailed = false;                 ///< nothing was carried over into the output
   std::vector<std::string> MissingDocuments;   ///< accepted, but not in the output that was written
 
   /// The output was written and every document of the folder is in it, with nothing to warn of.

@@ -20,7 +20,7 @@ constexpr std::int64_t kEndMilliseconds = 100;
 /// After so many answers that there is no such child, a millisecond after each other, there is none.
 constexpr int kMostErrors = 20;
 /// Nobody reads more lines than fit into this.
-constexpr std::size_t kMostWords = 64 * 1024;
+constexpr std::size_t kMostWords = 1024 * 1024;
 
 constexpr int kSignalled = 128;
 
@@ -121,6 +121,10 @@ std::vector<ChildLine> LimitedChild::Lines() const {
     lines.push_back({std::string(line.substr(0, colon)), std::string(line.substr(colon + 2))});
   }
   return lines;
+}
+
+bool LimitedChild::SaidTooMuch() const {
+  return words_.size() >= kMostWords;
 }
 
 void LimitedChild::Kill() {

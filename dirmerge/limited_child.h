@@ -54,6 +54,8 @@ class LimitedChild {
   /// For a status that means nothing: how it ended, in words.
   [[nodiscard]] std::string WhyEnded() const;
   [[nodiscard]] std::vector<ChildLine> Lines() const;
+  /// Whether it has written more than is kept.
+  [[nodiscard]] bool SaidTooMuch() const;
 
  private:
   void ReadWords();

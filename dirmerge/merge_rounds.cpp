@@ -37,10 +37,11 @@ MergeRounds::MergeRounds(ProgramState& program, FileModule& files, MergeShell& s
       job_(program.Merge, files, shell, log) {}
 
 void MergeRounds::Run(const std::vector<ListedDocument>& documents, const std::string& output,
-                      const std::string& tmpFolder, DirectoryMergeReport& report) {
+                      const std::string& tmpFolder, DirectoryMergeReport& report, OutputSequel* sequel) {
   output_ = output;
   tmpFolder_ = tmpFolder;
   report_ = &report;
+  sequel_ = sequel;
   accepted_ = documents;
   number_ = CountMerges(static_cast<int>(documents.size()));
   filesToMerge_.clear();
@@ -83,7 +84,9 @@ bool MergeRounds::RunPair(const Round& round, int pair, TemporaryFiles& temporar
   const auto i = static_cast<std::size_t>(pair) * 2;
   const Piece* const second = round.iNumFilesToMerge == 1 ? nullptr : &filesToMerge_[i + 1];
   std::string output = output_;
-  if (round.iNumFilesToMerge >= 3) {
+  if (round.iNumFilesToMerge < 3) {
+    job_.SetSequel(sequel_);
+  } else {
     const int index = round.indBaseTmp + pair;
     if (!MakeTemporary(index, temporaries)) return false;
     output = temporaries.Name(index);

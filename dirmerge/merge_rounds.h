@@ -22,9 +22,10 @@ class MergeRounds {
  public:
   MergeRounds(ProgramState& program, FileModule& files, MergeShell& shell, ActivityLog& log, Logging logging);
 
-  /// Runs all rounds over one document or more, in this order, and cleans up.
+  /// Runs all rounds over one document or more, in this order, and cleans up. `sequel` is for the output of
+  /// the last one; null = nothing.
   void Run(const std::vector<ListedDocument>& documents, const std::string& output,
-           const std::string& tmpFolder, DirectoryMergeReport& report);
+           const std::string& tmpFolder, DirectoryMergeReport& report, OutputSequel* sequel);
 
  private:
   struct Round;
@@ -52,6 +53,7 @@ class MergeRounds {
   std::string output_;
   std::string tmpFolder_;
   DirectoryMergeReport* report_ = nullptr;
+  OutputSequel* sequel_ = nullptr;
   std::vector<ListedDocument> accepted_;
   MergeNumber number_;
   std::vector<Piece> filesToMerge_;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "dirmerge/carry_choices.h"
 #include "engine/merge_state.h"
 #include "platform/system_result.h"
 
@@ -17,6 +18,7 @@ struct ProgramState {
   std::int16_t SortOrder = 1;
   /// Documents that cannot be joined as they are, or not without a warning, are prepared first.
   bool Prepare = false;
+  CarryChoices Carry;
   /// A directory merge or an output viewer is in progress.
   bool ExternalBusy = false;
 

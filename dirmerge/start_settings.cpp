@@ -22,6 +22,7 @@ void ReadStartSettings(ProgramState& program, SettingsStore& settings) {
 void TakeChoices(const Arguments& arguments, ProgramState& program) {
   if (arguments.SortOrder) program.SortOrder = *arguments.SortOrder;
   program.Prepare = arguments.Prepare;
+  program.Carry = arguments.CarryHere();
   if (arguments.Verbose) program.Merge.LogEnabled = true;
 }
 

@@ -30,6 +30,8 @@ void MergeShell::MergeStarts(const MergeNumber& /*number*/, const std::string& /
 
 void MergeShell::PreparingStarts(int /*number*/, int /*documents*/, const std::string& /*document*/) {}
 
+void MergeShell::CarryingStarts(const std::string& /*output*/) {}
+
 void MergeShell::ShowMessage(MessageIcon /*icon*/, const std::string& /*title*/,
                              const std::string& /*text*/) {}
 

@@ -73,6 +73,9 @@ class MergeShell {
   /// Of so many documents that are prepared before a directory merge, this one begins; `number` begins at 1.
   virtual void PreparingStarts(int number, int documents, const std::string& document);
 
+  /// What the documents' catalogs hold is carried over into the output of that name.
+  virtual void CarryingStarts(const std::string& output);
+
   /// A message box; comes back when it was answered.
   virtual void ShowMessage(MessageIcon icon, const std::string& title, const std::string& text);
   /// A save dialog; empty = cancelled.

@@ -93,6 +93,34 @@ TEST(ParseArguments, TakesMoreSourcesFromAFile) {
   ExpectRefused({"--files0-from=list"}, "OUTPUT");
 }
 
+TEST(ParseArguments, TakesWhatIsToBeCarriedOver) {
+  EXPECT_FALSE(ParseArguments({"a", "b"}).Carry.Wanted);
+  const Arguments parsed =
+      ParseArguments({"--carry", "--prepare", "--bookmarks=own", "--title=\xC3\x84 title", "a", "b"});
+  EXPECT_EQ(parsed.Asked, Wish::JoinSources);
+  EXPECT_TRUE(parsed.Carry.Wanted && parsed.Prepare);
+  EXPECT_EQ(parsed.Carry.Bookmarks, "own");
+  EXPECT_EQ(parsed.Carry.Title, "\xC3\x84 title");
+  EXPECT_EQ(ParseArguments({"--title=", "--carry", "a|b"}).Carry.Title, "");
+  for (const char* word : {"documents", "both", "none"}) {
+    EXPECT_EQ(ParseArguments({"--carry", std::string("--bookmarks=") + word, "a", "b"}).Carry.Bookmarks,
+              word);
+  }
+  ExpectRefused({"--carry", "--bookmarks=all", "a", "b"}, "documents, own, both or none");
+  ExpectRefused({"--carry", "--title=\xC4", "a", "b"}, "UTF-8");
+  ExpectRefused({"--bookmarks=own", "a", "b"}, "need --carry");
+  ExpectRefused({"--prepare", "--title=T"}, "need --carry");
+}
+
+TEST(ParseArguments, AWindowThatPreparesAlsoCarriesOver) {
+  EXPECT_TRUE(ParseArguments({"--prepare"}).CarryHere().Wanted);
+  EXPECT_TRUE(ParseArguments({"--carry"}).CarryHere().Wanted);
+  EXPECT_EQ(ParseArguments({"--carry"}).Asked, Wish::OpenWindow);
+  EXPECT_FALSE(ParseArguments({"--prepare", "a", "b"}).CarryHere().Wanted);
+  EXPECT_FALSE(ParseArguments({"--prepare", "|docs"}).CarryHere().Wanted);
+  EXPECT_FALSE(ParseArguments({}).CarryHere().Wanted);
+}
+
 TEST(ParseArguments, RefusesWhatIsNoOptionOrLacksItsOperands) {
   ExpectRefused({"--frobnicate", "a", "b"}, "--frobnicate");
   ExpectRefused({"-x", "a", "b"}, "-x");

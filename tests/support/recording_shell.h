@@ -48,6 +48,7 @@ class RecordingShell : public MergeShell {
   void PreparingStarts(int number, int documents, const std::string& document) override {
     Preparings.push_back(std::to_string(number) + "/" + std::to_string(documents) + ": " + document);
   }
+  void CarryingStarts(const std::string& output) override { Carryings.push_back(output); }
   void Notice(const std::string& line) override {
     Notices.push_back(line);
     Events.emplace_back("Notice");
@@ -68,6 +69,7 @@ class RecordingShell : public MergeShell {
   std::vector<std::string> Notices;
   std::vector<std::string> Merges;      ///< "3/4 round 2/3: name"
   std::vector<std::string> Preparings;  ///< "1/2: name"
+  std::vector<std::string> Carryings;   ///< names of outputs
   std::string OutputAnswer;
   std::string FolderAnswer;
 
