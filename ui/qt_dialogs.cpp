@@ -4,8 +4,10 @@
 #include <QClipboard>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFontMetrics>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QScreen>
 
 #include "ui/file_names.h"
 #include "ui/sorting_options.h"
@@ -37,18 +39,24 @@ QString BoxText(const std::string& text) {
 }
 
 constexpr QChar kBreak(0x200B);
-/// A word of more characters than this is broken, so that a box does not grow as wide as the screen.
-constexpr qsizetype kLongestWord = 60;
+/// A word that is wider than so many usual characters, or than half the screen, is broken: the box has to
+/// fit.
+constexpr int kWidestWord = 60;
 
-/// With a place, of no width, where a long word may be broken.
-QString WithBreaks(const QString& text) {
+int WidestWord(const QFontMetrics& metrics, const QScreen& screen) {
+  return qMin(kWidestWord * metrics.averageCharWidth(), screen.availableGeometry().width() / 2);
+}
+
+/// With a place, of no width, where a word gets wider than so many pixels.
+QString WithBreaks(const QString& text, const QFontMetrics& metrics, int widest) {
   QString broken;
-  qsizetype length = 0;
+  int width = 0;
   for (const QChar character : text) {
-    length = character.isSpace() ? 0 : length + 1;
-    if (length > kLongestWord && !character.isLowSurrogate()) {
+    const int advance = metrics.horizontalAdvance(character);
+    width = character.isSpace() ? 0 : width + advance;
+    if (width > widest && !character.isLowSurrogate()) {
       broken += kBreak;
-      length = 1;
+      width = advance;
     }
     broken += character;
   }
@@ -120,7 +128,8 @@ bool QtDialogs::ShowBox(const BoxRequest& request) {
   box.setWindowTitle(ShownText(request.Title));
   box.setTextFormat(Qt::PlainText);
   box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-  box.setText(WithBreaks(BoxText(request.Text)));
+  const QFontMetrics metrics(box.font());
+  box.setText(WithBreaks(BoxText(request.Text), metrics, WidestWord(metrics, *box.screen())));
   if (request.YesNo) {
     box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
     box.setDefaultButton(QMessageBox::No);

@@ -4,8 +4,9 @@
 from pathlib import Path
 
 from case import DesktopTest, main
+from documents import LETTER
 from layout import faults
-from window import FIRST
+from window import CHOOSE, FIRST, OUTPUT, select
 
 
 def apart(one, other):
@@ -115,6 +116,18 @@ class Small(OnAScreen):
                 window = self.check(False)
                 window.close()
                 self.wait(lambda: not self.screen.managed(), "the window is gone")
+
+
+    def test_a_message_with_a_long_name_fits_with_larger_letters(self):
+        document = self.folder / ("m" * 200 + ".pdf")
+        document.write_bytes(LETTER.read_bytes())
+        self.with_letters(18)
+        window = self.shown()
+        for place in (FIRST, OUTPUT):
+            window.click(select(place))
+            window.answer_file(CHOOSE[place], document)
+        window.dialog("Folioweld")
+        self.assert_on_the_screen(self.screen.active())
 
 
 class Tiny(OnAScreen):
