@@ -82,6 +82,9 @@ class Alterations(unittest.TestCase):
     def texts(self, path):
         return run(["pdftotext", path, "-"]).stdout.decode().replace("\f", "").split()
 
+    def mutool_texts(self, path):
+        return run(["mutool", "draw", "-F", "txt", path]).stdout.decode().split()
+
     def qpdf(self, path):
         """Objects by number, as qpdf sees them, and the trailer."""
         listing = json.loads(run(["qpdf", "--json", "--json-key=qpdf", path]).stdout)["qpdf"][1]
@@ -218,7 +221,9 @@ class Alterations(unittest.TestCase):
         data = data[:start] + table + data[start:].replace(b"0000000000\n>>", b"%010d\n>>" % start)
         data = data.replace(b"startxref\n%d\n" % start, b"startxref\n%d\n" % (start + len(table)))
         first, second, output = self.joined("what only the cross-reference stream", document(plain("a")), data)
-        self.assertEqual((["hidden"], ["a"]), (self.texts(second), self.texts(output)))
+        # Which of the two looks into that stream depends on their versions.
+        self.assertIn(["hidden"], (self.texts(second), self.mutool_texts(second)))
+        self.assertEqual((["a"], ["a"]), (self.texts(output), self.mutool_texts(output)))
 
     def test_generation_that_the_table_does_not_give(self):
         wrong = document(plain("a") | {5: "[/Marked]"}).replace(b"5 0 obj", b"5 1 obj")

@@ -82,7 +82,8 @@ TEST_F(CarryRunTest, ACatalogThatCannotBeReadIsLostAsAWhole) {
   list_[0].Path = folder_.Write("1.pdf", broken);
   list_[0].Known = system_.GetFileAttributes(list_[0].Path).Value();
   EXPECT_EQ(Run(), kCarriedWithLosses);
-  EXPECT_THAT(system_.Take(), HasSubstr("\nlost: 1: catalog: its catalog is no dictionary\n"));
+  // The rest is in libqpdf's words from its version 12 on.
+  EXPECT_THAT(system_.Take(), HasSubstr("\nlost: 1: catalog: "));
 }
 
 TEST_F(CarryRunTest, NothingIsWrittenWithoutTheListOfThisFile) {
