@@ -15,12 +15,12 @@ namespace folioweld {
 
 namespace {
 
-constexpr std::size_t kBufferSize = 64 * 1024;
+constexpr std::size_t kWindow = 64 * 1024;
 
 }  // namespace
 
 SystemInput::SystemInput(WindowsAPI& system, WindowsAPI::Handle file, std::int64_t size)
-    : system_(system), file_(file), size_(size), window_(kBufferSize) {}
+    : system_(system), file_(file), size_(size), window_(std::make_unique_for_overwrite<char[]>(kWindow)) {}
 
 void SystemInput::CheckReads() const {
   if (system_.StopSignal() != 0) throw NotPrepared("stopped by a signal");
@@ -28,23 +28,29 @@ void SystemInput::CheckReads() const {
 }
 
 std::string_view SystemInput::Window() {
-  const bool isThere =
-      offset_ >= windowStart_ && offset_ < windowStart_ + static_cast<qpdf_offset_t>(buffered_);
-  if (!isThere) {
-    CheckReads();
-    windowStart_ = offset_;
-    buffered_ = 0;
-    if (offset_ >= size_) return {};
-    const auto part =
-        RetryInterrupted([&] { return system_.ReadFile(file_, offset_, window_.data(), window_.size()); });
-    if (!part.Ok()) error_ = part.Error();
-    // It was longer when it was opened.
-    if (part.Ok() && part.Value() == 0) error_ = SystemError{EIO};
-    CheckReads();
-    buffered_ = part.Value();
-  }
+  if (offset_ >= size_) return {};
+  // What is near the end is read backwards: the trailer, the table, and then objects.
+  if (!IsThere()) Fill(std::min(offset_, std::max<qpdf_offset_t>(0, size_ - qpdf_offset_t{kWindow})));
+  // A call may read less than it was asked for.
+  if (!IsThere()) Fill(offset_);
   const auto index = static_cast<std::size_t>(offset_ - windowStart_);
-  return {window_.data() + index, buffered_ - index};
+  return {window_.get() + index, buffered_ - index};
+}
+
+bool SystemInput::IsThere() const {
+  return offset_ >= windowStart_ && offset_ < windowStart_ + static_cast<qpdf_offset_t>(buffered_);
+}
+
+void SystemInput::Fill(qpdf_offset_t start) {
+  CheckReads();
+  windowStart_ = start;
+  buffered_ = 0;
+  const auto part = RetryInterrupted([&] { return system_.ReadFile(file_, start, window_.get(), kWindow); });
+  if (!part.Ok()) error_ = part.Error();
+  // It was longer when it was opened.
+  if (part.Ok() && part.Value() == 0) error_ = SystemError{EIO};
+  CheckReads();
+  buffered_ = part.Value();
 }
 
 qpdf_offset_t SystemInput::findAndSkipNextEOL() {

@@ -1,7 +1,8 @@
 #pragma once
 
+#include <memory>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include "platform/windows_api.h"
 #include "prepare/libqpdf.h"
@@ -29,13 +30,15 @@ class SystemInput : public InputSource {
  private:
   /// The bytes at the offset that are in memory; none at the end of the file.
   [[nodiscard]] std::string_view Window();
+  [[nodiscard]] bool IsThere() const;  ///< the byte at the offset, in memory
+  void Fill(qpdf_offset_t start);
 
   WindowsAPI& system_;
   WindowsAPI::Handle file_;
   qpdf_offset_t size_;
   qpdf_offset_t offset_ = 0;
   std::string name_;
-  std::vector<char> window_;
+  std::unique_ptr<char[]> window_;
   qpdf_offset_t windowStart_ = 0;
   std::size_t buffered_ = 0;
   SystemError error_;

@@ -2,11 +2,9 @@
 
 #include <cstdint>
 #include <memory>
-#include <vector>
+#include <set>
 
 #include "platform/windows_api.h"
-#include "prepare/carry/appending.h"
-#include "prepare/carry/page_walk.h"
 #include "prepare/libqpdf.h"
 #include "prepare/system_input.h"
 
@@ -26,19 +24,11 @@ class JoinedFile {
   std::unique_ptr<QPDF> file_;
 };
 
-/// What appending may not change.
-struct JoinedState {
-  std::vector<ObjectPlace> Places;  ///< by number; those that are free or written anew have no offset
-  std::vector<int> Pages;           ///< numbers, in their order
-
-  void Forget(int number);
-};
-
-[[nodiscard]] JoinedState StateOf(QPDF& file, const std::vector<FoundPage>& pages);
-
-/// Reads the file with its revision, which is `length` bytes long. Raises `NotCarried` unless it can be
-/// joined again and everything is where it was.
-void CheckAppended(WindowsAPI& system, WindowsAPI::Handle file, const JoinedState& before,
-                   std::int64_t length);
+/// Reads the file with its revision, which begins at `joined` and ends at `length`. Raises `NotCarried`
+/// unless it can be joined again and everything is where it was: objects that are not `written` anew keep
+/// their places in the table, those that are keep their /Kids, and the catalog keeps its /Pages; so the pages
+/// are the same.
+void CheckAppended(WindowsAPI& system, WindowsAPI::Handle file, std::int64_t joined, std::int64_t length,
+                   const std::set<int>& written);
 
 }  // namespace folioweld

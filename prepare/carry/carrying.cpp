@@ -1,6 +1,6 @@
 #include "prepare/carry/carrying.h"
 
-#include <memory>
+#include <set>
 #include <utility>
 
 #include "platform/retry.h"
@@ -24,10 +24,9 @@ void Append(WindowsAPI& system, WindowsAPI::Handle file, std::int64_t length, co
   if (error) throw NotCarried("it cannot be written: " + error.Words());
 }
 
-/// What the joined file has to have afterwards, and what is appended to it.
 struct Plan {
-  JoinedState Before;
   std::string Bytes;
+  std::set<int> Written;  ///< numbers of the objects
   CarryReport Report;
 };
 
@@ -37,15 +36,13 @@ Plan MakePlan(WindowsAPI& system, const CarryArguments& arguments, std::int64_t 
   Plan plan;
   std::vector<CarriedDocument> documents =
       ReadDocuments(system, file, ReadList(system, arguments.List), plan.Report.Lost);
-  const std::vector<FoundPage> pages = WalkPages(file);
-  GivePages(pages, documents);
+  GivePages(WalkPages(file), documents);
   Revision revision(file, std::move(documents));
   CarryParts(revision, arguments.Shown, arguments.Title);
   plan.Bytes = RevisionBytes(revision, length);
   joined.CheckReads();
   MemoryWatch::Check();
-  plan.Before = StateOf(file, pages);
-  for (const int number : revision.Written()) plan.Before.Forget(number);
+  plan.Written = revision.Written();
   const auto& lost = revision.Losses();
   plan.Report.Lost.insert(plan.Report.Lost.end(), lost.begin(), lost.end());
   plan.Report.Done = std::to_string(revision.Written().size()) + " objects added or changed";
@@ -59,7 +56,8 @@ CarryReport Carry(WindowsAPI& system, const CarryArguments& arguments) {
   const std::int64_t length = LookAt(system, arguments.Joined).Size;
   Plan plan = MakePlan(system, arguments, length);
   Append(system, arguments.Joined, length, plan.Bytes);
-  CheckAppended(system, arguments.Joined, plan.Before, length + static_cast<std::int64_t>(plan.Bytes.size()));
+  CheckAppended(system, arguments.Joined, length, length + static_cast<std::int64_t>(plan.Bytes.size()),
+                plan.Written);
   return std::move(plan.Report);
 }
 
