@@ -11,6 +11,7 @@ import sys
 import tempfile
 import unittest
 
+import carry_corpus
 import documents as corpus_documents
 import join_corpus
 import object_graph
@@ -143,6 +144,32 @@ class ObjectGraphs(unittest.TestCase):
         for graph, target in ((self.was, first), (self.now, second)):
             graph.catalog()["/OpenAction"] = [target, "/Fit"]
         self.assertNotEqual(self.differences(), "")
+
+
+class CarriedContents(unittest.TestCase):
+    """Without --carry nearly everything is lost, and every kind of it has to be missed."""
+
+    DOCUMENTS = ("weasyprint-attach.pdf", "luatex-form.pdf", "gdal-geo.pdf", "cairo-links.pdf")
+
+    def setUp(self):
+        if not os.path.exists(os.path.join(os.path.dirname(OPTIONS.program), "folioweld-prepare")):
+            self.skipTest("SKIPPED: folioweld-prepare is not built")
+
+    def differences(self, *names):
+        paths = [os.path.join(OPTIONS.corpus, name) for name in names]
+        shown = [f"{place}.pdf" for place in range(1, len(paths) + 1)]
+        with World() as world:
+            outcome = world.join(OPTIONS.program, list(zip(shown, paths)), ["--prepare"])
+            return "\n".join(carry_corpus.differences(paths, shown, outcome))
+
+    def test_every_kind_that_is_lost_is_missed(self):
+        missed = self.differences(*self.DOCUMENTS)
+        for kind in ("outline: ", "form: ", "destination ", "labels: ", "layers: ", "tags: ", "links on page 1 of document 2"):
+            self.assertIn(kind, missed)
+        self.assertIn("attachments: ", self.differences(*reversed(self.DOCUMENTS)))
+
+    def test_a_page_that_looks_otherwise_is_missed(self):
+        self.assertIn("looks otherwise", self.differences("cairo-links.pdf", "podofo-mem.pdf"))
 
 
 if __name__ == "__main__":
