@@ -16,6 +16,7 @@ import argparse
 import functools
 import os
 import sys
+import tempfile
 from collections import Counter
 
 import catalog_contents
@@ -26,6 +27,8 @@ from program import World
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 COMPANIONS = ("weasyprint-attach.pdf", "cairo-links.pdf")
+# Documents that are joined as they are, with something of everything.
+DEEP = ("cairo-links.pdf", "pdftex-classic.pdf", "libreoffice-writer-tagged.pdf", "htmldoc-book.pdf", "gdal-geo.pdf", "pdfbox2-form.pdf")
 RESOLUTION = "40"
 PLAIN_LABEL = "/D"
 
@@ -231,6 +234,23 @@ def check(options, document):
         yield from (f"{place}: {how}" for how in check_join(options, paths))
 
 
+def check_deep(options):
+    """What was joined is joined again, so often, each time with one document more and as it is."""
+    names = ["1.pdf", "2.pdf"]
+    with tempfile.TemporaryDirectory(prefix="folioweld-corpus-") as folder:
+        joined = os.path.join(options.corpus, DEEP[0])
+        for turn, name in enumerate(DEEP[1:], 1):
+            paths = [joined, os.path.join(options.corpus, name)]
+            with World() as world:
+                outcome = world.join(options.program, list(zip(names, paths)), ["--carry"])
+                if outcome.status != 0 or outcome.stderr:
+                    yield f"turn {turn}: status {outcome.status}, stderr {outcome.stderr!r}"
+                    return
+                yield from (f"turn {turn}: {how}" for how in (*outcome.problems, *differences(paths, names, outcome)))
+                joined = os.path.join(folder, f"{turn}.pdf")
+                os.rename(outcome.output, joined)
+
+
 def parse_options():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--program", required=True, help="folioweld, beside its helpers")
@@ -253,6 +273,8 @@ def main():
     found = [d for d in found if not options.only or any(part in d.name for part in options.only)]
     found = [d for d in found if options.all or holds_something(d.path)]
     jobs = [(d.name, lambda d=d: first_few(check(options, d))) for d in found]
+    if not options.only:
+        jobs.append(("joined again and again", lambda: first_few(check_deep(options))))
     total, failed = run_jobs(jobs, options.jobs)
     print(f"{total} documents, {failed} failed")
     return 1 if failed or not total else 0
