@@ -43,8 +43,10 @@ class MergedForm {
     if (mentions) TakeMentions(document, *mentions);
     resources_.Take(form, fonts);
     for (const NewEntry& entry : looks) {
-      QPDFObjectHandle(entry.Field).replaceKey(entry.Key, entry.Value);
-      revision_.Change(entry.Field);
+      QPDFObjectHandle field = entry.Field;
+      field.replaceKey(entry.Key, entry.Value);
+      // One that is none is written with the new form.
+      if (field.isIndirect()) revision_.Change(field);
     }
     fields_.insert(fields_.end(), read.Roots.begin(), read.Roots.end());
     order_.insert(order_.end(), order.begin(), order.end());

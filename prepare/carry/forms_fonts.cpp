@@ -18,14 +18,11 @@ NewNames DefaultResources::Plan(QPDFObjectHandle form, int document) {
   QPDFObjectHandle taken = DictionaryOf(merged_, kFonts);
   QPDFObjectHandle own = DictionaryOf(DictionaryOf(form, "/DR"), kFonts);
   NewNames renamed;
-  std::set<std::string> given;
-  const auto isTaken = [&](const std::string& name) {
-    return taken.hasKey(name) || own.hasKey(name) || given.count(name) > 0;
-  };
+  const auto isTaken = [&](const std::string& name) { return taken.hasKey(name) || own.hasKey(name); };
   for (const std::string& name : own.getKeys()) {
     revision_.Spend();
     if (!taken.hasKey(name) || IsSameValue(taken.getKey(name), own.getKey(name))) continue;
-    given.insert(renamed[name] = Numbered(revision_, name, document, isTaken));
+    renamed[name] = Numbered(revision_, name, document, isTaken);
   }
   return renamed;
 }

@@ -39,7 +39,6 @@ std::vector<NewEntry> EntriesForLooks(Revision& revision, const DocumentForm& re
   const std::optional<std::string> appearance = InheritedAppearance(revision, read.Form, fonts, merged);
   const long long quadding = QuaddingOf(read.Form);
   for (QPDFObjectHandle root : read.Roots) {
-    if (!root.isIndirect()) continue;
     if (appearance && !root.hasKey("/DA"))
       entries.push_back({root, "/DA", QPDFObjectHandle::newString(*appearance)});
     if (quadding != QuaddingOf(merged) && !root.hasKey("/Q"))

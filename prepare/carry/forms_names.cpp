@@ -15,14 +15,9 @@ NewNames FieldNames::Plan(const std::vector<NamedField>& fields, int document) c
   std::set<std::string> own;
   for (const NamedField& field : fields) own.insert(field.Name);
   NewNames renamed;
-  // No two get the same one: a name and a number that make another name of the document are not taken.
-  std::set<std::string> given;
-  const auto isTaken = [&](const std::string& name) {
-    return taken_.count(name) + own.count(name) + given.count(name) > 0;
-  };
+  const auto isTaken = [&](const std::string& name) { return taken_.count(name) + own.count(name) > 0; };
   for (const std::string& name : own) {
-    if (taken_.count(name) == 0) continue;
-    given.insert(renamed[name] = Numbered(revision_, name, document, isTaken));
+    if (taken_.count(name) > 0) renamed[name] = Numbered(revision_, name, document, isTaken);
   }
   return renamed;
 }

@@ -13,7 +13,8 @@ namespace folioweld {
 /// New names by the old ones.
 using NewNames = std::map<std::string, std::string>;
 
-/// The name with the number of its document, or the next number with which it is free.
+/// The name with the number of its document, or the next number with which it is free. Different names get
+/// different ones.
 [[nodiscard]] std::string Numbered(Revision& revision, const std::string& name, int number,
                                    const std::function<bool(const std::string&)>& isTaken);
 

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "prepare/carry/forms.h"
+#include "prepare/carry/forms_same_value.h"
 #include "prepare/token_text.h"
 #include "tests/prepare/carry_fixture.h"
 
@@ -9,12 +10,16 @@ namespace {
 
 using testing::DocumentBuilder;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using testing::PagesDocument;
 
 /// A page with one text field, object 4, which is its widget as well.
-DocumentBuilder FormDocument(const std::string& ofField, const std::string& ofForm = "") {
-  auto document = PagesDocument(1, "/AcroForm << /Fields [ 4 0 R ] " + ofForm + " >>", "/Annots [ 4 0 R ]");
+DocumentBuilder FormDocument(const std::string& ofField, const std::string& ofForm = "",
+                             const std::string& moreFields = "") {
+  auto document = PagesDocument(1, "/AcroForm << /Fields [ 4 0 R " + moreFields + " ] " + ofForm + " >>",
+                                "/Annots [ 4 0 R ]");
   document.Object(4,
                   "<< /Type /Annot /Subtype /Widget /Rect [ 9 9 90 30 ] /FT /Tx /P 3 0 R " + ofField + " >>");
   return document;
@@ -85,6 +90,19 @@ TEST_F(CarriedForms, GiveTheNextNumberThatIsFree) {
   EXPECT_THAT(Names(), ElementsAre("name", "name-3", "name-2", "name-2-3"));
 }
 
+TEST_F(CarriedForms, HoldTheNewNamesAsTakenToo) {
+  Carried({FormDocument("/T (name)").Build(), FormDocument("/T (name)").Build(),
+           FormDocument("/T (name-2)").Build()});
+  EXPECT_THAT(Names(), ElementsAre("name", "name-2", "name-2-3"));
+}
+
+TEST_F(CarriedForms, HaveNoFieldOfAnotherDocument) {
+  // In the joined file, 9 is the field of the second document.
+  Carried({FormDocument("/Kids [ 9 0 R ]").Build(), FormDocument("/T (name)").Build()});
+  EXPECT_EQ(Numbered(2, 4), 9);
+  EXPECT_THAT(Names(), ElementsAre("none", "name"));
+}
+
 TEST_F(CarriedForms, CompareNamesAsTextWhateverTheirEncoding) {
   Carried({FormDocument("/T (\\344)").Build(), FormDocument("/T <FEFF00E4>").Build()});
   EXPECT_THAT(Names(), ElementsAre("ä", "ä-2"));
@@ -143,25 +161,61 @@ TEST_F(CarriedForms, RenameAFontThatIsAnotherOneUnderTheSameName) {
       FormDocument("/T (a)", "/DR << /Font << /F 5 0 R /G 6 0 R >> /ProcSet [ /PDF ] >> /DA (/F 9 Tf)");
   first.Object(5, Helvetica()).Object(6, Helvetica("/Encoding 7 0 R"));
   first.Object(7, "<< /Type /Encoding /Differences [ 1 /a ] >>");
-  auto second =
-      FormDocument("/T (b) /DA (/F /F 9 Tf /F gs (/F 9 Tf) /G 1 Tf)", "/DR 7 0 R /DA (0 g /F\n12  Tf)");
+  auto second = FormDocument("/T (b) /DA (/F /F 9 Tf /F gs (/F 9 Tf) /G 1 Tf)",
+                             "/DR 7 0 R /DA (0 g /F\n12  Tf)", "10 0 R");
   second.Object(5, Helvetica("/Encoding /WinAnsiEncoding")).Object(6, Helvetica("/Encoding 9 0 R"));
-  second.Object(7, "<< /Font 8 0 R /XObject << /X 5 0 R >> >>").Object(8, "<< /F 5 0 R /G 6 0 R /H 6 0 R >>");
+  second.Object(7, "<< /Font 8 0 R /XObject << /X 5 0 R >> /ProcSet [ /Text ] >>")
+      .Object(8, "<< /F 5 0 R /G 6 0 R /F-2 6 0 R >>");
   second.Object(9, "<< /Type /Encoding /Differences [ 1 /a ] >>");
+  second.Object(10, "<< /FT /Tx /T (o) /DA (/G  9  Tf) >>");
   auto third = FormDocument("/T (c)", "/DR << /Font << /F 5 0 R >> >> /DA (/F 9 Tf)");
   third.Object(5, Helvetica("/Encoding /MacRomanEncoding"));
   QPDF& file = Carried({first.Build(), second.Build(), third.Build()});
   QPDFObjectHandle resources = Form().getKey("/DR");
   QPDFObjectHandle fonts = resources.getKey("/Font");
-  EXPECT_THAT(fonts.getKeys(), ElementsAre("/F", "/F-2", "/F-3", "/G", "/H"));
+  EXPECT_THAT(fonts.getKeys(), ElementsAre("/F", "/F-2", "/F-3", "/F-4", "/G"));
   EXPECT_EQ(fonts.getKey("/F").getObjectID(), Numbered(1, 5));
-  EXPECT_EQ(fonts.getKey("/F-2").getObjectID(), Numbered(2, 5));
+  EXPECT_EQ(fonts.getKey("/F-3").getObjectID(), Numbered(2, 5));
   EXPECT_EQ(fonts.getKey("/G").getObjectID(), Numbered(1, 6));
   EXPECT_THAT(resources.getKeys(), ElementsAre("/Font", "/ProcSet", "/XObject"));
+  EXPECT_EQ(resources.getKey("/ProcSet").unparse(), "[ /PDF ]");
   EXPECT_EQ(file.getObjectByID(Numbered(2, 4), 0).getKey("/DA").getStringValue(),
-            "/F /F-2 9 Tf /F gs (/F 9 Tf) /G 1 Tf");
+            "/F /F-3 9 Tf /F gs (/F 9 Tf) /G 1 Tf");
   EXPECT_EQ(EntryOfField(file, 1, "/DA"), "null");
-  EXPECT_EQ(EntryOfField(file, 3, "/DA"), "(/F-3 9 Tf)");
+  EXPECT_EQ(EntryOfField(file, 3, "/DA"), "(/F-4 9 Tf)");
+  EXPECT_THAT(Appended(), Not(HasSubstr("\n" + std::to_string(Numbered(2, 10)) + " 0 obj")));
+}
+
+TEST(FontsOfForms, AreTheSameWhenTheirValuesAre) {
+  QPDF file;
+  file.emptyPDF();
+  const auto indirect = [&](const std::string& value) {
+    return file.makeIndirectObject(QPDFObjectHandle::parse(value));
+  };
+  const auto with = [](QPDFObjectHandle inner) {
+    QPDFObjectHandle outer = QPDFObjectHandle::parse("<< /B [ 1 2.50 (x) ] >>");
+    outer.replaceKey("/A", inner);
+    return outer;
+  };
+  EXPECT_TRUE(IsSameValue(with(indirect("<< /C [ /N ] >>")), with(indirect("<< /C [ /N ] >>"))));
+  EXPECT_FALSE(IsSameValue(with(indirect("[ 1 ]")), with(indirect("[ 1 2 ]"))));
+  EXPECT_FALSE(IsSameValue(with(indirect("[ 1 ]")), with(indirect("[ 2 ]"))));
+  EXPECT_FALSE(IsSameValue(with(indirect("<< /C 1 >>")), with(indirect("<< /D 1 >>"))));
+  QPDFObjectHandle stream = QPDFObjectHandle::newStream(&file, "x");
+  EXPECT_TRUE(IsSameValue(with(stream), with(stream)));
+  EXPECT_FALSE(IsSameValue(with(stream), with(QPDFObjectHandle::newStream(&file, "y"))));
+}
+
+TEST(FontsOfForms, AreNotComparedWithoutEnd) {
+  QPDF file;
+  file.emptyPDF();
+  const auto endless = [&] {
+    QPDFObjectHandle list = file.makeIndirectObject(QPDFObjectHandle::newArray());
+    list.appendItem(list);
+    list.appendItem(list);
+    return list;
+  };
+  EXPECT_FALSE(IsSameValue(endless(), endless()));
 }
 
 TEST_F(CarriedForms, CalculateInTheOrderOfTheDocuments) {
@@ -187,10 +241,13 @@ TEST_F(CarriedForms, AreNotDrawnAnewForOneWithoutFields) {
 TEST_F(CarriedForms, TellOfSignaturesAndLetFilesBeSaved) {
   const std::string signature = "/T (s) /FT /Sig /V << /Type /Sig /ByteRange [ 0 1 2 3 ] >>";
   const std::string document = FormDocument(signature, "/SigFlags 3").Build();
-  Carried({document, FormDocument("/T (t) /FT /Sig").Build(), document});
+  auto below = FormDocument("/T (t) /FT /Sig /Kids [ 5 0 R ]");
+  below.Object(5, "<< /Parent 4 0 R /V << /Type /Sig >> >>");
+  Carried({document, FormDocument("/T (u) /FT /Sig").Build(), document, below.Build()});
   EXPECT_EQ(Form().getKey("/SigFlags").getIntValue(), 1);
   EXPECT_THAT(Losses(), ElementsAre("1: signatures: its signatures are no longer valid",
-                                    "3: signatures: its signatures are no longer valid"));
+                                    "3: signatures: its signatures are no longer valid",
+                                    "4: signatures: its signatures are no longer valid"));
 }
 
 TEST_F(CarriedForms, TellOfSignaturesInTheOnlyForm) {
@@ -199,8 +256,11 @@ TEST_F(CarriedForms, TellOfSignaturesInTheOnlyForm) {
 }
 
 TEST_F(CarriedForms, LeaveOutXfaFormsWhereThereAreOtherFields) {
-  Carried({FormDocument("/T (a)", "/XFA (x)").Build(), FormDocument("/T (b)", "/XFA (x)").Build()});
+  auto first = PagesDocument(1, "/NeedsRendering true /AcroForm << /Fields [ 4 0 R ] /XFA (x) >>");
+  first.Object(4, "<< /FT /Tx /T (a) >>");
+  Carried({first.Build(), FormDocument("/T (b)", "/XFA (x)").Build()});
   EXPECT_FALSE(Form().hasKey("/XFA"));
+  EXPECT_FALSE(Root().hasKey("/NeedsRendering"));
   EXPECT_THAT(Losses(),
               ElementsAre("1: form: its XFA form is left out", "2: form: its XFA form is left out"));
 }
@@ -221,10 +281,11 @@ TEST_F(CarriedForms, LeaveOutABrokenFormAlone) {
 }
 
 TEST_F(CarriedForms, TakeEachFieldOnce) {
-  auto second = PagesDocument(1, "/AcroForm << /Fields [ 4 0 R 4 0 R null 1 << /T (d) >> 5 0 R ] >>");
+  auto second = PagesDocument(1, "/AcroForm << /Fields [ 4 0 R 4 0 R null 1 << /T (d) >> 5 0 R ] /Q 1 >>");
   second.Object(4, "<< /FT /Tx /T (b) /Kids [ 5 0 R 4 0 R ] >>").Object(5, "<< /T (k) /Parent 4 0 R >>");
   Carried({FormDocument("/T (a)").Build(), second.Build()});
   EXPECT_THAT(Names(), ElementsAre("a", "b", "d"));
+  EXPECT_EQ(Form().getKey("/Fields").getArrayItem(2).getKey("/Q").unparse(), "1");
 }
 
 TEST_F(CarriedForms, CanBeFilledInWithOtherPrograms) {

@@ -77,6 +77,8 @@ TEST_F(CarriedLayers, AreHiddenAsTheirOwnDocumentSays) {
 TEST_F(CarriedLayers, DoNotTakeTheBaseStateOfTheFirstDocument) {
   Carried({LayeredDocument("/BaseState /OFF /ON [ 4 0 R ]").Build(), LayeredDocument("").Build()});
   EXPECT_THAT(Off(), ElementsAre("1:right"));
+  EXPECT_FALSE(Configuration().hasKey("/BaseState"));
+  EXPECT_FALSE(Configuration().hasKey("/ON"));
 }
 
 TEST_F(CarriedLayers, ComeFromALaterDocumentAlone) {
@@ -138,6 +140,14 @@ TEST_F(CarriedLayers, LeaveOutBrokenOnesAlone) {
   EXPECT_THAT(Off(), ElementsAre("3:right"));
   EXPECT_THAT(Losses(),
               ElementsAre("1: layers: its layers are no dictionary", "2: layers: its layers are not listed"));
+}
+
+TEST_F(CarriedLayers, AreNoneOfAnotherDocument) {
+  // In the joined file, 9 is the first group of the second document.
+  Carried({PagesDocument(1, "/OCProperties 4 0 R").Object(4, "<< /OCGs [ 9 0 R ] >>").Build(),
+           LayeredDocument("").Build()});
+  EXPECT_EQ(Numbered(2, 4), 9);
+  EXPECT_THAT(Groups(Properties().getKey("/OCGs")), ElementsAre("2:left", "2:right"));
 }
 
 TEST_F(CarriedLayers, AreNotReadWithoutEnd) {
