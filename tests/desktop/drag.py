@@ -53,9 +53,6 @@ class DragSource:
         """Moves over the middle of a rectangle."""
         self._screen.move_to(place)
 
-    def hover_itself(self):
-        self.hover(self._place)
-
     def answer(self):
         """What the program below would do with a drop."""
         said = [line for line in self.told() if line.startswith("over: ")]
@@ -74,4 +71,14 @@ class DragSource:
         self.pick_up()
         self.hover(place)
         self.wait_answer("copy")
+        self.let_go()
+
+    def be_refused_on(self, place):
+        """Lets go over a rectangle once the program below has said that it takes nothing. That is an answer after another
+        one only for a source that takes its items back."""
+        self.pick_up()
+        self.hover(self._place)
+        self.wait_answer("copy")
+        self.hover(place)
+        self.wait_answer("none")
         self.let_go()

@@ -57,12 +57,7 @@ class Drops(DesktopTest):
     def test_what_is_no_file_is_not_taken(self):
         window = self.open()
         with self.source("some words", text=True, back=True) as source:
-            source.pick_up()
-            source.hover_itself()
-            source.wait_answer("copy")
-            source.hover(window.frame_of(FIRST).extents)
-            source.wait_answer("none")
-            source.let_go()
+            source.be_refused_on(window.frame_of(FIRST).extents)
         self.drop(window, FIRST, LETTER)
         window.wait_path(FIRST, LETTER)
 

@@ -163,12 +163,7 @@ class Running(DesktopTest):
     def test_drops_are_not_taken(self):
         window = self.begin()
         with DragSource(self.desktop, self.screen, self.environment, LETTER, back=True) as source:
-            source.pick_up()
-            source.hover_itself()
-            source.wait_answer("copy")
-            source.hover(window.frame_of(FIRST).extents)
-            source.wait_answer("none")
-            source.let_go()
+            source.be_refused_on(window.frame_of(FIRST).extents)
         window.click(ABORT)
         self.wait_cancelled(window)
         self.assertEqual(window.path(FIRST), str(self.folder / "a.pdf"))
