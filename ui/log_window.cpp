@@ -13,6 +13,7 @@ namespace {
 
 constexpr int kTickMillis = 500;
 constexpr QSize kUsualFrame(4, 40);
+
 }  // namespace
 
 LogWindow::LogWindow(ActivityLog& log, std::function<void()> hide)

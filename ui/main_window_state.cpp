@@ -41,7 +41,6 @@ void Folioweld::RefreshInputs() {
   const bool second = !FileName(2).empty();
   RefreshMark(1, second ? QStringLiteral("2<") : QString());
   SetEnabled(places_[1]->Clear, second);
-  pictToggle_->setVisible(true);
   SetEnabled(pictToggle_, first && second);
 }
 
