@@ -34,7 +34,7 @@ class Destinations {
     for (const NameUse& use : uses.Destinations) names.Used.insert(use.Name);
     QPDFObjectHandle catalog = CatalogOf(revision_, document);
     QPDFObjectHandle tree = EntryOf(EntryOf(catalog, "/Names"), "/Dests");
-    names.Own = ReadNameTree(revision_, tree);
+    names.Own = ReadNameTree(revision_, document, tree);
     QPDFObjectHandle dictionary = EntryOf(catalog, "/Dests");
     if (dictionary.isDictionary()) {
       for (const auto& [key, value] : dictionary.getDictAsMap())

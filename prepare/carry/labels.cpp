@@ -3,7 +3,7 @@
 #include <map>
 #include <utility>
 
-#include "prepare/carry/number_tree.h"
+#include "prepare/carry/name_tree.h"
 
 namespace folioweld {
 
@@ -14,11 +14,10 @@ using Labels = std::map<long long, QPDFObjectHandle>;  ///< by the index of a pa
 /// Those of pages that the document has.
 Labels LabelsOf(Revision& revision, CarriedDocument& document) {
   Labels labels;
-  QPDFObjectHandle tree = document.Catalog.getKey("/PageLabels");
-  if (tree.isNull()) return labels;
+  const auto tree = ReadNumberTree(revision, document, document.Catalog.getKey("/PageLabels"));
+  if (!tree.Flaw.empty()) throw NotCarried("their tree " + tree.Flaw);
   const auto pages = static_cast<long long>(document.Pages.size());
-  for (const auto& [page, label] : ReadNumberTree(revision, document, tree)) {
-    if (page < 0) throw NotCarried("they have a page before the first one");
+  for (const auto& [page, label] : tree.Values) {
     if (!QPDFObjectHandle(label).isDictionary()) throw NotCarried("one of them is no dictionary");
     if (page < pages) labels.emplace(page, label);
   }

@@ -10,26 +10,42 @@ namespace folioweld {
 
 namespace {
 
-bool ReadKey(QPDFObjectHandle object, std::string& key) {
-  if (!object.isString()) return false;
-  key = object.getStringValue();
-  return true;
-}
+/// How the nodes of a tree are written.
+template <class Key>
+struct TreeForm;
 
-bool ReadKey(QPDFObjectHandle object, int& key) {
-  if (!object.isInteger()) return false;
-  const long long number = object.getIntValue();
-  key = static_cast<int>(number);
-  return number >= 0 && number <= INT_MAX;
-}
+template <>
+struct TreeForm<std::string> {
+  static constexpr char kLeaf[] = "/Names";
+  static constexpr char kNoKey[] = "has a key that is no string";
+
+  static bool ReadKey(QPDFObjectHandle object, std::string& key) {
+    if (!object.isString()) return false;
+    key = object.getStringValue();
+    return true;
+  }
+};
+
+template <>
+struct TreeForm<int> {
+  static constexpr char kLeaf[] = "/Nums";
+  static constexpr char kNoKey[] = "has a key that is no number from 0 on";
+
+  static bool ReadKey(QPDFObjectHandle object, int& key) {
+    long long number = -1;
+    if (!object.getValueAsInt(number) || number < 0 || number > INT_MAX) return false;
+    key = static_cast<int>(number);
+    return true;
+  }
+};
 
 template <class Key>
 class TreeWalk {
  public:
-  TreeWalk(Revision& revision, std::string leafKey) : revision_(revision), leafKey_(std::move(leafKey)) {}
+  TreeWalk(Revision& revision, const CarriedDocument& document) : revision_(revision), document_(document) {}
 
   TreeValues<Key> Run(QPDFObjectHandle root) {
-    if (root.isDictionary()) waiting_.push_back(root);
+    if (!root.isNull()) waiting_.push_back(root);
     while (!waiting_.empty()) {
       const QPDFObjectHandle node = waiting_.back();
       waiting_.pop_back();
@@ -39,14 +55,16 @@ class TreeWalk {
   }
 
  private:
+  using Form = TreeForm<Key>;
+
   void TakeNode(QPDFObjectHandle node) {
     revision_.Spend();
-    const bool isSeen = node.isIndirect() && !seen_.insert(node.getObjGen()).second;
-    if (isSeen || !node.isDictionary()) {
-      found_.Whole = false;
-      return;
+    if (!node.isDictionary()) return LeaveOut("has a node that is no dictionary");
+    if (node.isIndirect() && !seen_.insert(node.getObjGen()).second) {
+      const int number = node.getObjectID() - document_.FirstObject;
+      return LeaveOut("leads to object " + std::to_string(number) + " twice");
     }
-    QPDFObjectHandle pairs = node.getKey(leafKey_);
+    QPDFObjectHandle pairs = node.getKey(Form::kLeaf);
     QPDFObjectHandle kids = node.getKey("/Kids");
     if (pairs.isArray()) TakePairs(pairs.getArrayAsVector());
     if (kids.isArray()) {
@@ -56,20 +74,24 @@ class TreeWalk {
   }
 
   void TakePairs(const std::vector<QPDFObjectHandle>& pairs) {
-    if (pairs.size() % 2 != 0) found_.Whole = false;
+    if (pairs.size() % 2 != 0) LeaveOut("has a key without a value");
     for (std::size_t i = 0; i + 1 < pairs.size(); i += 2) {
       revision_.Spend();
       Key key{};
-      if (ReadKey(pairs[i], key)) {
+      if (Form::ReadKey(pairs[i], key)) {
         found_.Values.emplace(std::move(key), pairs[i + 1]);
       } else {
-        found_.Whole = false;
+        LeaveOut(Form::kNoKey);
       }
     }
   }
 
+  void LeaveOut(const std::string& flaw) {
+    if (found_.Flaw.empty()) found_.Flaw = flaw;
+  }
+
   Revision& revision_;
-  std::string leafKey_;
+  const CarriedDocument& document_;
   std::vector<QPDFObjectHandle> waiting_;
   std::set<QPDFObjGen> seen_;
   TreeValues<Key> found_;
@@ -77,12 +99,14 @@ class TreeWalk {
 
 }  // namespace
 
-TreeValues<std::string> ReadNameTree(Revision& revision, const QPDFObjectHandle& root) {
-  return TreeWalk<std::string>(revision, "/Names").Run(root);
+TreeValues<std::string> ReadNameTree(Revision& revision, const CarriedDocument& document,
+                                     const QPDFObjectHandle& root) {
+  return TreeWalk<std::string>(revision, document).Run(root);
 }
 
-TreeValues<int> ReadNumberTree(Revision& revision, const QPDFObjectHandle& root) {
-  return TreeWalk<int>(revision, "/Nums").Run(root);
+TreeValues<int> ReadNumberTree(Revision& revision, const CarriedDocument& document,
+                               const QPDFObjectHandle& root) {
+  return TreeWalk<int>(revision, document).Run(root);
 }
 
 }  // namespace folioweld

@@ -12,12 +12,16 @@ namespace folioweld {
 template <class Key>
 struct TreeValues {
   std::map<Key, QPDFObjectHandle> Values;
-  bool Whole = true;  ///< otherwise nodes that are broken, or that stand in the tree twice, were left out
+  std::string
+      Flaw;  ///< why a part was left out, such as "has a node that is no dictionary"; empty when none was
 };
 
 /// Reads a tree by going through all of it, since order and /Limits may be wrong. Of two values with one key
-/// the first one counts. Nothing when `root` is no dictionary. Raises `NotCarried` when it is too large.
-[[nodiscard]] TreeValues<std::string> ReadNameTree(Revision& revision, const QPDFObjectHandle& root);
-[[nodiscard]] TreeValues<int> ReadNumberTree(Revision& revision, const QPDFObjectHandle& root);
+/// the first one counts. Raises `NotCarried` when the tree is too large. No tree, null, is an empty one.
+[[nodiscard]] TreeValues<std::string> ReadNameTree(Revision& revision, const CarriedDocument& document,
+                                                   const QPDFObjectHandle& root);
+/// The same for numbers from 0 on.
+[[nodiscard]] TreeValues<int> ReadNumberTree(Revision& revision, const CarriedDocument& document,
+                                             const QPDFObjectHandle& root);
 
 }  // namespace folioweld

@@ -32,7 +32,7 @@ void CarryTree(Revision& revision, const std::string& key, const UsesByDocument&
   const std::string part = isFiles ? "attachments" : "names";
   std::vector<DocumentNames> documents = ReadNames(revision, part, [&](DocumentNames& names) {
     QPDFObjectHandle catalog = CatalogOf(revision, *names.Document);
-    names.Own = ReadNameTree(revision, EntryOf(EntryOf(catalog, "/Names"), key));
+    names.Own = ReadNameTree(revision, *names.Document, EntryOf(EntryOf(catalog, "/Names"), key));
   });
   if (!HasLaterNames(documents)) return;
   MakeNamesUnique(documents);

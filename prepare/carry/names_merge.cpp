@@ -75,8 +75,9 @@ std::map<std::string, QPDFObjectHandle> MergedNames(Revision& revision, const st
       const auto renamed = document.NewNames.find(name);
       merged.emplace(renamed == document.NewNames.end() ? name : renamed->second, value);
     }
-    if (!document.Own.Whole)
-      revision.TellLost(*document.Document, part, "a part of the names' tree is broken");
+    const std::string& flaw = document.Own.Flaw;
+    if (!flaw.empty())
+      revision.TellLost(*document.Document, part, "a part of the tree of names, which " + flaw);
   }
   return merged;
 }

@@ -30,7 +30,7 @@ void MakeNamesUnique(std::vector<DocumentNames>& documents);
 /// Whether a later document has a name for something.
 [[nodiscard]] bool HasLaterNames(const std::vector<DocumentNames>& documents);
 
-/// What the documents have, by new name; tells which trees were broken.
+/// What the documents have, by new name; tells what was left out of their trees.
 [[nodiscard]] std::map<std::string, QPDFObjectHandle> MergedNames(
     Revision& revision, const std::string& part, const std::vector<DocumentNames>& documents);
 

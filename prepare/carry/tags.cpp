@@ -17,7 +17,7 @@ namespace folioweld {
 namespace {
 
 constexpr char kPart[] = "tags";
-constexpr char kBrokenNumbers[] = "the tree of the structure elements' numbers is missing or broken";
+const std::string kTreeOfNumbers = "the tree of the numbers of its structure elements ";
 constexpr char kRoot[] = "/StructTreeRoot";
 
 /// The items of an array, or the only one where there is no array.
@@ -34,8 +34,7 @@ void Append(std::vector<QPDFObjectHandle>& items, const std::vector<QPDFObjectHa
 /// A document's tree by number, and what is added to each number in the joined file.
 struct Numbered {
   std::map<int, QPDFObjectHandle> Parents;
-  bool IsWhole = false;
-  bool IsUsed = false;  ///< something in the document has a number
+  std::string Flaw;  ///< of the tree
   int Offset = 0;
 };
 
@@ -61,7 +60,7 @@ class Tags {
       return;
     }
     QPDFObjectHandle tree = EntryOf(RootOf(document), "/ParentTree");
-    TreeValues<int> parents = ReadNumberTree(revision_, tree);
+    TreeValues<int> parents = ReadNumberTree(revision_, document, tree);
     const std::vector<TagNumber> numbers = FindTagNumbers(revision_, document);
     long long end = parents.Values.empty() ? 0 : parents.Values.rbegin()->first + 1LL;
     for (const TagNumber& number : numbers) end = std::max(end, number.Number + 1LL);
@@ -70,8 +69,8 @@ class Tags {
       if (next_ == 0) break;
       SetEntry(revision_, number.Where, number.Key, QPDFObjectHandle::newInteger(number.Number + next_));
     }
-    const bool isWhole = tree.isDictionary() && parents.Whole;
-    numbered_[document.Index] = {std::move(parents.Values), isWhole, !numbers.empty(), next_};
+    const std::string flaw = tree.isNull() && !numbers.empty() ? "is missing" : parents.Flaw;
+    numbered_[document.Index] = {std::move(parents.Values), flaw, next_};
     next_ += static_cast<int>(end);
   }
 
@@ -87,7 +86,7 @@ class Tags {
     const auto newClasses = MergeMap(revision_, classes, root.getKey("/ClassMap"), document.Index);
     std::vector<Place> changed;
     if (!newRoles.empty() || !newClasses.empty()) changed = ElementsOf(revision_, document, top);
-    TakeIdentifiers(document, ReadNameTree(revision_, root.getKey("/IDTree")));
+    TakeIdentifiers(document, ReadNameTree(revision_, document, root.getKey("/IDTree")));
     RenameInElements(revision_, changed, newRoles, newClasses);
     roles_ = std::move(roles);
     classes_ = std::move(classes);
@@ -96,16 +95,15 @@ class Tags {
     for (const auto& [number, parent] : numbered->second.Parents) parents_[number + offset] = parent;
     if (document.Index == 1) {
       firstElements_ = top;
-      if (!numbered->second.IsWhole) revision_.TellLost(document, kPart, kBrokenNumbers);
+      const std::string& flaw = numbered->second.Flaw;
+      if (!flaw.empty()) revision_.TellLost(document, kPart, kTreeOfNumbers + flaw);
     } else {
       TakeElements(document, top);
     }
   }
 
   static void CheckLater(const Numbered& numbers, const std::vector<QPDFObjectHandle>& top) {
-    if (!numbers.IsWhole && (numbers.IsUsed || !numbers.Parents.empty())) {
-      throw NotCarried(kBrokenNumbers);
-    }
+    if (!numbers.Flaw.empty()) throw NotCarried(kTreeOfNumbers + numbers.Flaw);
     const bool areElements = std::all_of(top.begin(), top.end(), [](const QPDFObjectHandle& element) {
       return QPDFObjectHandle(element).isDictionary();
     });

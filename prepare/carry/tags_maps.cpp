@@ -3,6 +3,8 @@
 #include <set>
 #include <utility>
 
+#include "prepare/carry/forms_same_value.h"
+
 namespace folioweld {
 
 namespace {
@@ -23,10 +25,6 @@ std::string FreeName(const std::string& name, const NameMap& merged, const NameM
   return free;
 }
 
-bool AreSame(QPDFObjectHandle one, QPDFObjectHandle other) {
-  return one.unparse() == other.unparse();
-}
-
 /// Of names in both maps, those whose values differ; a name for a name that differs does as well.
 Renames Clashes(Revision& revision, const NameMap& merged, const NameMap& own, int document) {
   Renames renames;
@@ -36,7 +34,7 @@ Renames Clashes(Revision& revision, const NameMap& merged, const NameMap& own, i
       revision.Spend();
       const auto other = merged.find(name);
       if (other == merged.end() || renames.count(name) > 0) continue;
-      if (AreSame(other->second, Renamed(value, renames))) continue;
+      if (IsSameValue(other->second, Renamed(value, renames))) continue;
       renames[name] = FreeName(name, merged, own, document);
       isComplete = false;
     }
@@ -97,7 +95,7 @@ void RenameInElements(Revision& revision, const std::vector<Place>& elements,
   for (const Place& element : elements) {
     const auto rename = [&](const char* key, const QPDFObjectHandle& value) {
       QPDFObjectHandle before = EntryOf(element.Dictionary, key);
-      if (!AreSame(value, before)) SetEntry(revision, element, key, value);
+      if (!IsSameValue(value, before)) SetEntry(revision, element, key, value);
     };
     // A namespace has a role map of its own.
     if (EntryOf(element.Dictionary, "/NS").isNull())

@@ -230,12 +230,18 @@ TEST_F(CarryNamesTest, WritesALargeDictionary) {
 
 TEST_F(CarryNamesTest, ReadsWhatABrokenTreeStillHasAndTellsIt) {
   const std::string good = "<< /Limits [ (x) (y) ] /Names [ (z) [ 3 0 R /Fit ] (a) [ 3 0 R /Fit ] ] >>";
-  for (const std::string broken : {"4 0 R", "7", "<< /Names [ (odd) ] >>", "<< /Names [ /name 3 0 R ] >>"}) {
+  const std::map<std::string, std::string> flaws = {
+      {"4 0 R", "leads to object 4 twice"},
+      {"7", "has a node that is no dictionary"},
+      {"<< /Names [ (odd) ] >>", "has a key without a value"},
+      {"<< /Names [ /name 3 0 R ] >>", "has a key that is no string"},
+  };
+  for (const auto& [kid, flaw] : flaws) {
     auto second = PagesDocument(1, "/Names << /Dests 4 0 R >>");
-    second.Object(4, "<< /Kids [ " + broken + " " + good + " ] >>");
+    second.Object(4, "<< /Kids [ " + kid + " " + good + " ] >>");
     CarryAll({PagesDocument(1).Build(), second.Build()});
     EXPECT_THAT(Destinations(), ElementsAre("2 \"a\"", "2 \"z\""));
-    EXPECT_THAT(Losses(), ElementsAre("2: destinations: a part of the names' tree is broken")) << broken;
+    EXPECT_THAT(Losses(), ElementsAre("2: destinations: a part of the tree of names, which " + flaw));
   }
 }
 
