@@ -28,6 +28,9 @@ constexpr char kWithout[] = "The output is the joined file without what --carry 
 /// The program's exit statuses; any other one means that nothing was carried over.
 enum CarryStatus { kCarriedAll = 0, kCarriedWithLosses = 3 };
 
+/// A document of which nothing could be read.
+constexpr char kAllParts[] = "catalog";
+
 /// The part whose loss brings this alteration.
 const char* PartOf(AlterationKind kind) {
   switch (kind) {
@@ -195,7 +198,8 @@ void Carrying::ReplaceAlterations() {
     std::erase_if(documents[i].Alterations, [&](const Alteration& alteration) {
       return IsLostWithCatalog(alteration.Kind) &&
              std::none_of(losses_.begin(), losses_.end(), [&](const Loss& loss) {
-               return loss.Document == i && loss.Part == PartOf(alteration.Kind);
+               const bool isLost = loss.Part == PartOf(alteration.Kind) || loss.Part == kAllParts;
+               return loss.Document == i && isLost;
              });
     });
   }
