@@ -259,9 +259,9 @@ class Window:
             self.root.snapshot(without=("application",))
 
     def box_text(self, title):
-        """What a message box says, line by line."""
+        """What a message box says, line by line, without the places where a long word may be broken."""
         box = self.dialog(title)
-        texts = [node.name for node in box.find_all("label") if node.name]
+        texts = [node.name.replace("\u200b", "") for node in box.find_all("label") if node.name]
         return "\n".join(texts).strip("\n").split("\n")
 
     def press_in(self, dialog, caption):
