@@ -15,7 +15,7 @@ PAGE = ROOT / "docs" / "messages.md"
 FOLDERS = ("app", "batch", "dirmerge", "engine", "platform", "prepare", "ui")
 
 # Titles of dialogs, the dialogs' filter, and what is written into documents.
-NO_MESSAGE = re.compile(r"Folioweld( -|:) (Please )?[Cc]hoose|PDF Files|/\w+ [(/\[]|trailer <<")
+NO_MESSAGE = re.compile(r"Folioweld( -|:) (Please )?[Cc]hoose|PDF Files|/\w+ [(/\[]|trailer <<|\[ /XYZ|rdf:Alt|FE FF$")
 # In ui/: a box, a refusal, a line of the log, a notice, or a text that has a name and is no title.
 SHOWN = re.compile(r"ShowBox|BoxIcon|ShowInformation|Refuse\(|AddLogLine|Notice|char k(?!Title)")
 # What only a caller who hands an operation of the engine a state or an argument of his own is told. No run prints it.
@@ -27,6 +27,10 @@ INTERFACE = {
     "the root of the page tree does not end with",
     # libqpdf asks for no such place.
     "a place before the file's beginning",
+    # What libqpdf is told of where its text comes from.
+    "default appearance",
+    # No part asks for that.
+    "only indirect objects are written anew",
     # The program reads its lines without this log.
     "*** Warning! *** Buffer size had to be increased from", "*** Warning! <=",
     "***** WARNING!!! ***** Buffer size remained too small although I retried", "times ***** WARNING!!! <=",
@@ -60,7 +64,7 @@ def is_message(text):
 
 def messages():
     for folder in FOLDERS:
-        for path in sorted((ROOT / folder).glob("*.[ch]*")):
+        for path in sorted((ROOT / folder).rglob("*.[ch]*")):
             if path.suffix in (".cpp", ".h"):
                 for line, literal, statement in pieces(path):
                     text = plain(literal)
