@@ -1,8 +1,6 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -68,20 +66,6 @@ inline constexpr CharacterSet kOtherWhiteSpaceSet{std::string_view(" \r\n\t\f\0"
 [[nodiscard]] constexpr std::int32_t FirstNumberOf(std::string_view text) {
   return NumberOf(FirstWord(text, kSpaceSet));
 }
-
-/// A number in decimal digits, without memory of its own to get.
-class DecimalDigits {
- public:
-  explicit DecimalDigits(std::int32_t number)
-      : size_(static_cast<std::size_t>(
-            std::to_chars(digits_.data(), digits_.data() + digits_.size(), number).ptr - digits_.data())) {}
-
-  [[nodiscard]] std::string_view View() const { return {digits_.data(), size_}; }
-
- private:
-  std::array<char, 11> digits_;  ///< as many as the longest number has, sign included
-  std::size_t size_;
-};
 
 /// Reads a leading decimal number (blanks, sign, digits, one point) as far as the text is one; 0 when it is
 /// none. Independent of the locale.

@@ -1,6 +1,7 @@
 #include "engine/merge_state.h"
 
 #include <algorithm>
+#include <string>
 
 #include "engine/lexer.h"
 
@@ -120,9 +121,9 @@ std::int32_t TableIndexOf(const MergeState& state, std::int32_t objectNumber, st
 }
 
 std::string HeaderLine(std::int32_t number, std::int32_t generation) {
-  std::string line(DecimalDigits(number).View());
+  std::string line = std::to_string(number);
   line += ' ';
-  line += DecimalDigits(generation).View();
+  line += std::to_string(generation);
   line += " obj\r";
   return line;
 }

@@ -25,12 +25,6 @@ constexpr std::int32_t kObjectsPerCaption = 100;
 /// An arbitrary fixed number that marks the filler object in the second input's slot 0.
 constexpr std::string_view kFillerLine = "19540716\r";
 
-/// The last character is compared first: of most lines it is another one.
-bool EndsWith(std::string_view text, std::string_view end) {
-  return text.size() >= end.size() && text.back() == end.back() &&
-         text.substr(text.size() - end.size()) == end;
-}
-
 /// What ends the text of an object.
 struct ObjectEnd {
   std::int32_t KeywordOffset = -1;  ///< 0-based file offset of the last "stream" of the last line; -1 = none
@@ -180,8 +174,8 @@ class ObjectScan {
       const std::string_view line = text_.Empty() ? TrimBlanks(lines.Line) : TrimRightBlanks(lines.Line);
       if (line.empty()) continue;
       text_.Append(line, lines.Offset() + (line.data() - lines.Line.data()));
-      if (EndsWith(line, kEndObject)) return {};
-      if (EndsWith(line, kStream)) {
+      if (line.ends_with(kEndObject)) return {};
+      if (line.ends_with(kStream)) {
         const std::ptrdiff_t inLine = line.data() + line.size() - kStream.size() - lines.Line.data();
         return {lines.Offset() + static_cast<std::int32_t>(inLine), true};
       }

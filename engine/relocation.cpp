@@ -21,7 +21,7 @@ std::vector<NumberPair> AppendShifted(std::string_view line, std::int32_t offset
   NumberPair found;
   while (FindReference(line, found.End, kObjectOrReference, found)) {
     text += line.substr(copied, found.Start - copied);
-    text += DecimalDigits(CheckedAdd(found.Number, offset)).View();
+    text += std::to_string(CheckedAdd(found.Number, offset));
     copied = found.NumberEnd;
     if (found.Number == 0 && found.Keyword == kIsReference) zeros.push_back(found);
   }

@@ -65,12 +65,6 @@ TEST(FirstWord, EndsAtTheNextSeparator) {
   EXPECT_EQ(FirstWord("xref\r1 2", kSpaceSet), "xref\r1");
 }
 
-TEST(DecimalDigits, WritesTheSmallestAndTheLargestNumber) {
-  EXPECT_EQ(DecimalDigits(2147483647).View(), "2147483647");
-  EXPECT_EQ(DecimalDigits(-2147483647 - 1).View(), "-2147483648");
-  EXPECT_EQ(DecimalDigits(0).View(), "0");
-}
-
 TEST(ReadNumberPair, ReadsTwoNumbersAndAKeyword) {
   NumberPair pair;
   EXPECT_TRUE(ReadNumberPair("x 12  3\robj<<", 1, kObjectKeyword, pair));

@@ -141,6 +141,37 @@ std::string ManyStrings(std::size_t bytes) {
   return WithCatalogValue("[" + TimesInLines("1 0 R(", bytes / 12) + "]");
 }
 
+std::string ManyKids(std::size_t bytes) {
+  DocumentBuilder builder;
+  builder.Object(1, "<</Type/Catalog/Pages 2 0 R>>");
+  builder.Object(2, "<</Type/Pages/Count 1/Kids[" + TimesInLines("3 0 R ", bytes / 6) + "]>>");
+  builder.Object(3, "<</Type/Page/Parent 2 0 R/MediaBox[0 0 9 9]>>");
+  return builder.Build();
+}
+
+std::string ManyMissingObjects(std::size_t bytes) {
+  return WithCatalogValue("[" + TimesInLines("9 0 R%\n", bytes / 14) + "]");
+}
+
+std::string ManyOddReferences(std::size_t bytes) {
+  return WithCatalogValue("[" + TimesInLines("1\t0 R 00000000001 0 R ", bytes / 44) + "]");
+}
+
+std::string StringsOverManyLines(std::size_t bytes) {
+  return WithCatalogValue("(" + Times("a line of it\r\n", bytes / 28) + ")");
+}
+
+/// Nobody hides a layer, so that all of them are looked at.
+std::string ManyLayers(std::size_t bytes) {
+  const std::string layers = "[" + TimesInLines("2 0 R 3 0 R ", bytes / 24) + "]";
+  DocumentBuilder builder;
+  builder.Object(1, "<</Type/Catalog/Pages 2 0 R/OCProperties<</OCGs" + layers + "/D<</AS[" +
+                        TimesInLines("<</Category[/View/Print]/OCGs[3 0 R]>>", bytes / 76) + "]>>>>>>");
+  builder.Object(2, "<</Type/Pages/Kids[3 0 R]/Count 1>>");
+  builder.Object(3, "<</Type/Page/Parent 2 0 R/MediaBox[0 0 9 9]>>");
+  return builder.Build();
+}
+
 std::string ManyEntries(std::size_t bytes) {
   const std::size_t count = std::min<std::size_t>(bytes / 20, 350000);
   std::string text = std::string(kHeader) + "1 0 obj\n<</Type/Catalog/Pages 2 0 R>>\nendobj\n";
@@ -312,6 +343,11 @@ const std::vector<HostileDocument>& HostileDocuments() {
       {"names that are no keys", ManySlashes},
       {"hex strings that are never closed", ManyHexStrings},
       {"strings that are never closed", ManyStrings},
+      {"many kids", ManyKids},
+      {"many missing objects", ManyMissingObjects},
+      {"many odd references", ManyOddReferences},
+      {"strings over many lines", StringsOverManyLines},
+      {"many layers", ManyLayers},
       {"many entries", ManyEntries},
       {"lines of 100,000 bytes", LongLines},
       {"line ends only", LineEndsOnly},
