@@ -64,7 +64,6 @@ SortingOptions::SortingOptions(QWidget* parent) : QDialog(parent) {
 
 void SortingOptions::Form_Load() {
   activated_ = false;
-  inClick_ = false;
   Arrange();
 }
 
@@ -73,16 +72,14 @@ void SortingOptions::SetSortOption(std::int16_t value) {
   for (int index = 0; index < 4; ++index) {
     if (Design(index).Value == value) sortIndex_ = index;
   }
-  CheckOnly(sortIndex_);
+  Option1_Click(sortIndex_);
   option1_[static_cast<std::size_t>(sortIndex_)]->setFocus();
 }
 
 void SortingOptions::Option1_Click(int index) {
-  if (inClick_) return;
-  inClick_ = true;
   sortIndex_ = index;
-  CheckOnly(index);
-  inClick_ = false;
+  // The group unchecks the others, and no click comes of that.
+  option1_[static_cast<std::size_t>(index)]->setChecked(true);
 }
 
 void SortingOptions::cmdOK_Click() {
@@ -157,10 +154,6 @@ bool SortingOptions::Fits(const TwipGrid& grid) const {
   }
   return cmdOK_->Fits(cmdOK_->text(), grid.Size(1695, 1740)) &&
          cmdCancel_->Fits(cmdCancel_->text(), grid.Size(1710, 420));
-}
-
-void SortingOptions::CheckOnly(int index) {
-  option1_[static_cast<std::size_t>(index)]->setChecked(true);
 }
 
 }  // namespace folioweld

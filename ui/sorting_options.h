@@ -40,12 +40,10 @@ class SortingOptions : public QDialog {
  private:
   void Arrange();
   [[nodiscard]] bool Fits(const TwipGrid& grid) const;
-  void CheckOnly(int index);
 
   std::int16_t sorting_ = 1;
   int sortIndex_ = 0;
   bool activated_ = false;
-  bool inClick_ = false;
   QLabel* label1_;
   TitleFrame* frame1_;
   std::array<QRadioButton*, 4> option1_{};
