@@ -5,6 +5,8 @@
 #include <QStyleOptionButton>
 #include <QStylePainter>
 
+#include "ui/held_keys.h"
+
 namespace folioweld {
 
 namespace {
@@ -69,8 +71,7 @@ void CaptionButton::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void CaptionButton::keyPressEvent(QKeyEvent* event) {
-  const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-  if (!enter) {
+  if (!IsEnter(*event)) {
     QPushButton::keyPressEvent(event);
     return;
   }

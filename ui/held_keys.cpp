@@ -1,17 +1,19 @@
 #include "ui/held_keys.h"
 
-#include <QKeyEvent>
-
 namespace folioweld {
 
 namespace {
 
 /// Only the keys that press buttons: a program that types for a person may well type two letters at one time.
-bool PressesButtons(int key) {
-  return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space;
+bool PressesButtons(const QKeyEvent& event) {
+  return IsEnter(event) || event.key() == Qt::Key_Space;
 }
 
 }  // namespace
+
+bool IsEnter(const QKeyEvent& event) {
+  return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+}
 
 bool HeldKeys::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::KeyRelease) {
@@ -21,7 +23,7 @@ bool HeldKeys::eventFilter(QObject* watched, QEvent* event) {
   } else if (event->type() == QEvent::KeyPress) {
     const auto* const key = static_cast<const QKeyEvent*>(event);
     const bool again = releasedAt_ != 0 && key->timestamp() == releasedAt_ && key->key() == releasedKey_;
-    if (again && PressesButtons(key->key())) return true;
+    if (again && PressesButtons(*key)) return true;
   }
   return QObject::eventFilter(watched, event);
 }

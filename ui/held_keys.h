@@ -1,8 +1,12 @@
 #pragma once
 
+#include <QKeyEvent>
 #include <QObject>
 
 namespace folioweld {
+
+/// Either of the two keys that a keyboard has for it.
+[[nodiscard]] bool IsEnter(const QKeyEvent& event);
 
 /// Keeps the auto-repeat of Enter and Space from pressing anything.
 ///

@@ -15,6 +15,7 @@
 
 #include "dirmerge/start_settings.h"
 #include "ui/file_names.h"
+#include "ui/held_keys.h"
 
 namespace folioweld {
 
@@ -322,8 +323,7 @@ void Folioweld::changeEvent(QEvent* event) {
 
 /// Enter, when no button has the focus.
 void Folioweld::keyPressEvent(QKeyEvent* event) {
-  const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-  if (!enter) {
+  if (!IsEnter(*event)) {
     QMainWindow::keyPressEvent(event);
     return;
   }

@@ -6,6 +6,8 @@
 #include <QStyleOptionFocusRect>
 #include <numbers>
 
+#include "ui/held_keys.h"
+
 namespace folioweld {
 
 namespace {
@@ -87,8 +89,7 @@ void TogglePicture::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void TogglePicture::keyPressEvent(QKeyEvent* event) {
-  const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-  if (!enter) {
+  if (!IsEnter(*event)) {
     QAbstractButton::keyPressEvent(event);
     return;
   }

@@ -188,7 +188,8 @@ TEST_F(CarryingTest, EveryWarningOfADocumentComesWhoseCatalogIsLost) {
   AddLayers("c.pdf");
   Script("echo 'lost: 2: catalog: it was changed' >&2; " + testing::AppendingCommands("3"));
   EXPECT_EQ(StatusOf(Merge()), kJoinedWithLosses);
-  EXPECT_THAT(shell_.Notices, ElementsAre(HasSubstr("b.pdf\", object"), HasSubstr("(catalog: it was changed)")));
+  EXPECT_THAT(shell_.Notices,
+              ElementsAre(HasSubstr("b.pdf\", object"), HasSubstr("(catalog: it was changed)")));
 }
 
 TEST_F(CarryingTest, WhereNothingIsCarriedOverEveryWarningComes) {
