@@ -181,7 +181,9 @@ class Alterations(unittest.TestCase):
         script, picture = self.world.path("print.js"), self.world.path("printed.png")
         with open(script, "w") as out:
             out.write("var page = new PDFDocument(scriptArgs[0]).loadPage(scriptArgs[1] - 1);\n")
-            out.write("page.toPixmap(Identity, DeviceRGB, false, true, 'Print', 'CropBox').saveAsPNG(scriptArgs[2]);\n")
+            # Its place changed from one version to the next.
+            out.write("var colours = typeof DeviceRGB === 'undefined' ? ColorSpace.DeviceRGB : DeviceRGB;\n")
+            out.write("page.toPixmap([1, 0, 0, 1, 0, 0], colours, false, true, 'Print', 'CropBox').saveAsPNG(scriptArgs[2]);\n")
         run(["mutool", "run", script, path, str(number), picture])
         with open(picture, "rb") as drawn:
             return drawn.read()
