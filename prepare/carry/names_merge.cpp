@@ -44,20 +44,23 @@ std::vector<DocumentNames> ReadNames(Revision& revision, const std::string& part
 }
 
 void MakeNamesUnique(std::vector<DocumentNames>& documents) {
-  std::set<std::string> taken;
+  std::map<std::string, const DocumentNames*> keepers;
+  std::set<std::string> known;
+  for (const DocumentNames& document : documents) {
+    for (const auto& [name, value] : document.Own.Values) keepers.emplace(name, &document);
+    known.merge(AllOf(document));
+  }
   for (DocumentNames& document : documents) {
-    std::set<std::string> all = AllOf(document);
-    for (const std::string& name : all) {
-      if (taken.count(name) == 0) continue;
+    for (const std::string& name : AllOf(document)) {
+      const auto keeper = keepers.find(name);
+      if (keeper == keepers.end() || keeper->second == &document) continue;
       int number = document.Document->Index;
       std::string free;
       do {
         free = Extended(name, "-" + std::to_string(number++));
-      } while (taken.count(free) > 0 || all.count(free) > 0);
-      taken.insert(free);
+      } while (!known.insert(free).second);
       document.NewNames[name] = free;
     }
-    taken.merge(all);
   }
 }
 

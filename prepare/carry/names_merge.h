@@ -15,7 +15,7 @@ namespace folioweld {
 struct DocumentNames {
   CarriedDocument* Document = nullptr;
   TreeValues<std::string> Own;
-  std::set<std::string> Used;  ///< also those that lead to nothing, and must not lead to another document
+  std::set<std::string> Used;  ///< also those that lead to nothing, and must not lead into another document
   std::map<std::string, std::string> NewNames;  ///< by name; those that do not stay
 };
 
@@ -24,7 +24,7 @@ struct DocumentNames {
 [[nodiscard]] std::vector<DocumentNames> ReadNames(Revision& revision, const std::string& part,
                                                    const std::function<void(DocumentNames&)>& read);
 
-/// Gives new names to what a later document has or uses and an earlier one has or uses too.
+/// The first document that has a name keeps it. Others that have it or use it get a name that is new.
 void MakeNamesUnique(std::vector<DocumentNames>& documents);
 
 /// Whether a later document has a name for something.

@@ -95,8 +95,6 @@ class Tags {
     for (const auto& [number, parent] : numbered->second.Parents) parents_[number + offset] = parent;
     if (document.Index == 1) {
       firstElements_ = top;
-      const std::string& flaw = numbered->second.Flaw;
-      if (!flaw.empty()) revision_.TellLost(document, kPart, kTreeOfNumbers + flaw);
     } else {
       TakeElements(document, top);
     }
@@ -149,6 +147,8 @@ class Tags {
   }
 
   void Write() {
+    const std::string& flaw = numbered_[1].Flaw;
+    if (!flaw.empty()) revision_.TellLost(revision_.Documents().front(), kPart, kTreeOfNumbers + flaw);
     QPDFObjectHandle root = NewRoot();
     for (QPDFObjectHandle element : laterElements_) {
       element.replaceKey("/P", root);
@@ -185,10 +185,11 @@ class Tags {
 
 void CarryTags(Revision& revision) {
   std::vector<CarriedDocument>& documents = revision.Documents();
-  const bool hasLater = std::any_of(documents.begin(), documents.end(), [](const CarriedDocument& document) {
-    return document.Index > 1 && !EntryOf(EntryOf(document.Catalog, kRoot), "/K").isNull();
-  });
-  if (hasLater) Tags(revision).Run();
+  const bool areTagged =
+      std::any_of(documents.begin(), documents.end(), [&](const CarriedDocument& document) {
+        return !EntryOf(EntryOf(CatalogOf(revision, document), kRoot), "/K").isNull();
+      });
+  if (documents.size() > 1 && areTagged) Tags(revision).Run();
 }
 
 }  // namespace folioweld

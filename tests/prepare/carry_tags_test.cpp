@@ -59,8 +59,23 @@ TEST_F(CarryTagsTest, PutsTheElementsOfAllDocumentsBelowOneRoot) {
 }
 
 TEST_F(CarryTagsTest, AddsNothingWhereOnlyTheFirstDocumentHasTags) {
-  CarryAll({Tagged("Alpha").Build(), PagesDocument(1, "", "/StructParents 0").Build()});
+  CarryAll({Tagged("Alpha").Build(), PagesDocument(1, "/StructTreeRoot << >>").Build()});
   EXPECT_EQ(Appended().find(" 0 obj"), Appended().rfind(" 0 obj"));
+}
+
+TEST_F(CarryTagsTest, ShiftsNumbersThatWouldLeadIntoTheOnlyTree) {
+  const std::string stray =
+      PagesDocument(1, "", "/StructParents 0 /Annots [ << /StructParent 1 >> ]").Build();
+  QPDF& result = CarryAll({Tagged("Alpha").Build(), stray});
+  EXPECT_EQ(Object(result, 2, 3).getKey("/StructParents").getIntValue(), 1);
+  EXPECT_EQ(Object(result, 2, 3).getKey("/Annots").getArrayItem(0).getKey("/StructParent").getIntValue(), 2);
+}
+
+TEST_F(CarryTagsTest, GivesTheOnlyTreeNumbersThatAPageWithoutTreeDoesNotHave) {
+  QPDF& result = CarryAll({PagesDocument(1, "", "/StructParents 0").Build(), Tagged("Beta").Build()});
+  EXPECT_EQ(Object(result, 1, 3).getKey("/StructParents").getIntValue(), 0);
+  EXPECT_EQ(Object(result, 2, 3).getKey("/StructParents").getIntValue(), 1);
+  EXPECT_EQ(TagRoot().getKey("/ParentTree").getKey("/Nums").getArrayItem(0).getIntValue(), 1);
 }
 
 TEST_F(CarryTagsTest, MakesARootWhereTheFirstDocumentHasNone) {
@@ -81,9 +96,11 @@ TEST_F(CarryTagsTest, MakesAnObjectOfARootThatIsNone) {
   EXPECT_EQ(Tag(1).getKey("/S").getName(), "/P");
 }
 
-TEST_F(CarryTagsTest, TellsThatTheFirstDocumentsNumbersAreBroken) {
-  CarryAll(
-      {Tagged("Alpha", "/ParentTree << /Nums [ 0 [ 6 0 R ] (x) 0 ] >>").Build(), Tagged("Beta").Build()});
+TEST_F(CarryTagsTest, TellsThatTheFirstDocumentsNumbersAreBrokenWhereTheyAreWrittenAnew) {
+  const std::string first = Tagged("Alpha", "/ParentTree << /Nums [ 0 [ 6 0 R ] (x) 0 ] >>").Build();
+  CarryAll({first, PagesDocument(1).Build()});
+  EXPECT_THAT(Losses(), IsEmpty());
+  CarryAll({first, Tagged("Beta").Build()});
   EXPECT_THAT(Losses(),
               ElementsAre("1: tags: the tree of the numbers of its structure elements has a key that "
                           "is no number from 0 on"));
