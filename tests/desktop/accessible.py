@@ -92,9 +92,6 @@ class Node:
     def text(self):
         return self.call("Text", "GetText", GLib.Variant("(ii)", (0, -1)))[0]
 
-    def do_action(self, index=0):
-        return self.call("Action", "DoAction", GLib.Variant("(i)", (index,)))[0]
-
     def snapshot(self, without=()):
         """This object and everything below as it is now, parents first: objects with role, name and states.
 

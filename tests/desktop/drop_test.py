@@ -9,7 +9,6 @@ from documents import LETTER, REPORT, STATIONS
 from window import CHOOSE_OUTPUT, FIRST, GO, OUTPUT, SECOND, SORTING, pages, select
 
 
-
 class Drops(DesktopTest):
     def source(self, *items, **more):
         return DragSource(self.desktop, self.screen, self.environment, *items, **more)

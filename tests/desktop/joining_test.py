@@ -6,7 +6,6 @@ from documents import LETTER, REPORT
 from window import CHOOSE, EXIT, FIRST, GO, OUTPUT, SECOND, pages, select
 
 
-
 class Joining(DesktopTest):
     def test_joins_two_documents_chosen_in_the_dialogs(self):
         window = self.open()

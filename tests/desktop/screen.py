@@ -99,16 +99,16 @@ class Screen:
     def has_window_manager(self):
         """Whether it answers. While it starts it announces itself too early: a window that is shown then stays
         unmanaged until something else happens, which this question is."""
-        if self._windows_in(self._root, "_NET_SUPPORTING_WM_CHECK") == []:
+        if self._numbers(self._root, "_NET_SUPPORTING_WM_CHECK") == []:
             return False
         self.ask_manager(self._probe.id, "_NET_REQUEST_FRAME_EXTENTS")
         return self._numbers(self._probe, "_NET_FRAME_EXTENTS") != []
 
     def managed(self):
-        return self._windows_in(self._root, "_NET_CLIENT_LIST")
+        return self._numbers(self._root, "_NET_CLIENT_LIST")
 
     def active(self):
-        windows = self._windows_in(self._root, "_NET_ACTIVE_WINDOW")
+        windows = self._numbers(self._root, "_NET_ACTIVE_WINDOW")
         return windows[0] if windows else 0
 
     def keyboard(self):
@@ -167,7 +167,7 @@ class Screen:
         """What a task bar sends to the window manager."""
         numbers = (list(data) + [0] * 5)[:5]
         note = event.ClientMessage(window=self._display.create_resource_object("window", window),
-                                   client_type=self._display.intern_atom(message), data=(32, numbers))
+                                   client_type=self.atom(message), data=(32, numbers))
         self._root.send_event(note, event_mask=X.SubstructureRedirectMask | X.SubstructureNotifyMask)
         self._display.sync()
 
@@ -193,9 +193,6 @@ class Screen:
         return any(note.type & 0x7F == X.ClientMessage and note.data[1][0] == ping and note.data[1][1] >= number
                    for note in events)
 
-    def _windows_in(self, window, name):
-        return self._numbers(window, name)
-
     def _numbers(self, window, name):
         answer = self._property(window, name)
         return list(answer.value) if answer is not None and answer.format == 32 else []
@@ -208,7 +205,7 @@ class Screen:
         if isinstance(window, int):
             window = self._display.create_resource_object("window", window)
         try:
-            return window.get_full_property(self._display.intern_atom(name), X.AnyPropertyType)
+            return window.get_full_property(self.atom(name), X.AnyPropertyType)
         except XError:
             return None
 
