@@ -136,6 +136,8 @@ class Folioweld : public QMainWindow, private JobWindow {
   void RunCommandLine();
   void CatchSystemEnd();
 
+  void RunJob();
+
   // What a job shows and asks.
   void DisableInputPicking() override;
   void EnterRunningState() override;

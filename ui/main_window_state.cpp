@@ -1,5 +1,8 @@
 // What the controls show and which of them are enabled: idle, while a job runs, while a viewer is watched.
 
+#include <optional>
+
+#include "dirmerge/carrying.h"
 #include "dirmerge/prepared_inputs.h"
 #include "engine/shortened_path.h"
 #include "ui/file_names.h"
@@ -129,8 +132,16 @@ void Folioweld::cmdOK_Click() {
   if (Busy()) return;
   // The copies live until the job has ended.
   PreparedInputs inputs(program_, files_, settings_, shell_, log_);
-  if (!program_.Prepare || inputs.Prepare()) job_.cmdOK_Click();
+  if (!program_.Prepare || inputs.Prepare()) RunJob();
   FinishIfEnding();
+}
+
+void Folioweld::RunJob() {
+  std::optional<Carrying> carrying;
+  if (program_.Carry.Wanted) carrying.emplace(program_, files_, shell_, log_);
+  job_.SetSequel(carrying ? &*carrying : nullptr);
+  job_.cmdOK_Click();
+  job_.SetSequel(nullptr);
 }
 
 void Folioweld::DisableInputPicking() {

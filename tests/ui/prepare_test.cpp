@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "tests/support/preparing_script.h"
+#include "tests/support/carrying_script.h"
 #include "tests/ui/window_fixture.h"
 
 namespace folioweld::testing {
@@ -20,6 +20,7 @@ class PrepareTest : public WindowFixture {
     system_.ModulePath = folder_.File("bin/folioweld-window");
     copy_ = folder_.Write("good-copy", SimpleDocument(2, "copy"));
     Script(CopyingCommands(copy_));
+    WriteCarryingScript(folder_, "bin/folioweld-carry", AppendingCommands());
     other_ = folder_.Write("other.pdf", kOtherDocument);
     desktop_.Starts = false;
     Open("--prepare");
