@@ -222,7 +222,7 @@ Without an OUTPUT and a SOURCE the window opens. "OUTPUT|FOLDER" works, too.
   --order=ORDER       of a folder: name, name-reversed, date or date-reversed
   --files0-from=FILE  more sources, each ended by a NUL; - is standard input
   --prepare           make joinable first what is not (folioweld-extras)
-  --carry             keep the outlines, forms and names of all documents (same)
+  --carry             keep the outlines and forms of all (folioweld-extras)
   --bookmarks=WHICH   with --carry: documents, own, both or none
   --title=TEXT        with --carry: the title of OUTPUT
   -v, --verbose       print the log
@@ -236,6 +236,7 @@ Exit status:
   2  the command line cannot be served
   3  OUTPUT lacks a document, or one was altered; standard error says which
 A run that a signal ends leaves no temporary files and ends by that signal.
+
 Example: folioweld book.pdf cover.pdf chapters/ index.pdf
 )";
 }

@@ -9,6 +9,8 @@ _folioweld() {
     --order) COMPREPLY=($(compgen -W 'name name-reversed date date-reversed' -- "$cur")) && return ;;
     --progress) COMPREPLY=($(compgen -W 'auto never always' -- "$cur")) && return ;;
     --files0-from) _filedir && return ;;
+    --bookmarks) COMPREPLY=($(compgen -W 'documents own both none' -- "$cur")) && return ;;
+    --title) return ;;
   esac
   local i
   for ((i = 1; i < cword; ++i)); do
@@ -16,7 +18,7 @@ _folioweld() {
     [[ ${words[i]} == -- || ${words[i]} != -* ]] && { _filedir pdf && return; }
   done
   if [[ $cur == -* ]]; then
-    COMPREPLY=($(compgen -W '--order= --files0-from= --prepare --verbose --quiet --progress= --help --version' -- "$cur"))
+    COMPREPLY=($(compgen -W '--order= --files0-from= --prepare --carry --bookmarks= --title= --verbose --quiet --progress= --help --version' -- "$cur"))
     [[ ${COMPREPLY[0]-} == *= ]] && compopt -o nospace
     return
   fi

@@ -55,7 +55,10 @@ tables or object streams, changed in place, protected without a password, and\n\
 others that it does not read. Every stream keeps its bytes.\n\
 \n\
 The option --prepare of folioweld has that done for the documents that need\n\
-it, and so has the window when it is opened as Folioweld (any PDF).")
+it, and so has the window when it is opened as Folioweld (any PDF).\n\
+\n\
+The option --carry keeps the outlines, forms and names of all documents, and\n\
+not only those of the first.")
 
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
 set(maker ${CMAKE_CURRENT_SOURCE_DIR}/debian/changelog.py)

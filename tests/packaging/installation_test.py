@@ -18,9 +18,11 @@ WINDOW |= {f"share/kio/servicemenus/{ID}.{kind}.desktop" for kind in ("folder", 
 WINDOW |= {f"share/nemo/actions/folioweld-{kind}.nemo_action" for kind in ("folder", "documents")}
 WINDOW |= {f"share/icons/hicolor/{size}x{size}/apps/{ID}.png" for size in (16, 22, 24, 32, 48, 64, 128, 256)}
 EXTRAS = {"bin/folioweld-prepare", "libexec/folioweld/folioweld-prepare", "share/man/man1/folioweld-prepare.1.gz",
+          "bin/folioweld-carry", "libexec/folioweld/folioweld-carry", "share/man/man1/folioweld-carry.1.gz",
           f"share/applications/{ID}.AnyPDF.desktop", "share/bash-completion/completions/folioweld-prepare",
           "share/zsh/site-functions/_folioweld-prepare", "share/fish/vendor_completions.d/folioweld-prepare.fish"}
-PROGRAMS = ("bin/folioweld", "bin/folioweld-prepare", "folioweld/folioweld-window", "folioweld/folioweld-prepare")
+PROGRAMS = ("bin/folioweld", "bin/folioweld-prepare", "bin/folioweld-carry", "folioweld/folioweld-window",
+            "folioweld/folioweld-prepare", "folioweld/folioweld-carry")
 
 
 def beside_documents(folder):

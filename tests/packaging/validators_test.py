@@ -26,7 +26,7 @@ class Validators(InstallationTest):
         self.assertEqual([line for line in remarks if "cid-contains-uppercase-letter" not in line], [], said)
 
     def test_manual_page(self):
-        for name in ("folioweld.1", "folioweld-prepare.1"):
+        for name in ("folioweld.1", "folioweld-prepare.1", "folioweld-carry.1"):
             page = self.folder / name
             page.write_bytes(gzip.decompress((self.share / f"man/man1/{name}.gz").read_bytes()))
             self.assertEqual(run("mandoc", "-T", "lint", page), "")
