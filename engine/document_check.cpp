@@ -46,7 +46,7 @@ class OutlineCheck {
     throw RuleBroken({0, -1, offset, std::move(rule)});
   }
 
-  /// Reads a line's first 16 bytes; a longer line is told by them.
+  /// Reads a line, or the first 16 bytes of a longer one: as much as is judged.
   [[nodiscard]] std::string ReadLine(std::int32_t position, const char* what) {
     std::string line;
     const std::int32_t code =
@@ -77,8 +77,8 @@ class OutlineCheck {
     }
   }
 
-  /// Line ends before the header are passed over, and the second line is looked for too early: that is not
-  /// its fault.
+  /// The header is found after line ends, too, but the second line is looked for where it would stand without
+  /// them. Then they are the reason, and not the second line.
   void RefuseLineEndBeforeHeader() {
     std::string first;
     const bool isRead = files_.ReadBlock(fileNumber_, 1, 1, first) == 1;
@@ -98,7 +98,7 @@ class OutlineCheck {
     const std::size_t startXref = tail.find(kStartXref);
     if (startXref == std::string::npos) Refuse(tailOffset, "no \"startxref\" stands in the last 40 bytes");
     const std::size_t numberStart = startXref + kStartXref.size();
-    // The first of each counts, so "%%EOF" can stand first: then there is nothing between them.
+    // The first of each counts. Where "%%EOF" stands first, nothing is between them.
     const std::string between =
         endOfFile < numberStart ? "" : tail.substr(numberStart, endOfFile - numberStart);
     xrefOffset_ = NumberOf(FirstWord(between, kWhiteSpaceSet));
@@ -109,7 +109,7 @@ class OutlineCheck {
     NoteOtherStartXref(tail, tailOffset, startXref);
   }
 
-  /// Others take the last one.
+  /// Other programs take the last "startxref", which may lead elsewhere.
   void NoteOtherStartXref(const std::string& tail, std::int32_t tailOffset, std::size_t first) {
     const std::size_t last = tail.rfind(kStartXref);
     if (last == first) return;

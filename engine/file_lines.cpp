@@ -48,7 +48,7 @@ std::int32_t FileModule::ReadLineChunk(std::int16_t fileNumber, std::int32_t pos
   const std::size_t first = kLineEndSet.Skip(bytes, 0);
   const std::size_t end = FindLineEnd(bytes, first);
   const std::int64_t start = position + static_cast<std::int64_t>(first);
-  // Behind the line ends at the end of the longest file there is no position any more.
+  // After line ends that end the longest file there is no position.
   if (start > std::numeric_limits<std::int32_t>::max()) return kBeyondEnd;
   line.assign(bytes.substr(first, end - first));
   lineStart = static_cast<std::int32_t>(start);

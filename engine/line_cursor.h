@@ -47,7 +47,7 @@ class LineCursor {
       Line = room_;
       if (code_ < 1) return false;
     }
-    // Behind the last byte of the longest readable file there is no position to go to.
+    // After the last byte of the longest file there is no position.
     next_ =
         static_cast<std::int32_t>(std::min(std::int64_t{code_} + static_cast<std::int64_t>(Line.size()) + 1,
                                            std::int64_t{std::numeric_limits<std::int32_t>::max()}));

@@ -79,7 +79,7 @@ class ObjectScan {
                                         std::to_string(percent) + "% (" + std::to_string(index) + ")");
   }
 
-  /// An overflow or an index outside a table is told with the object that it was met in, too.
+  /// Adds the object to what an overflow or an index outside a table tells.
   void DescribeOrFail(std::int32_t index) {
     try {
       DescribeSlot(index);
@@ -128,11 +128,11 @@ class ObjectScan {
     }
     const std::size_t bodyStart = static_cast<std::size_t>(bodyPosition) - 1;
     const std::size_t keywordLength = objectEnd.HasStream ? kStream.size() : kEndObject.size();
-    if (!rewritten_) FindAlterations(keywordLength, generation != state_.Objects[index].Generation);
+    if (!rewritten_) CheckText(keywordLength, generation != state_.Objects[index].Generation);
     // The header's keyword and the closing one may not overlap, as in "1 0 obj" without a body.
     if (text.size() < bodyStart + keywordLength) Fail("the object has no value");
     const std::string_view body = TrimBlanks(text.substr(bodyStart, text.size() - bodyStart - keywordLength));
-    // The closing keyword follows the body and makes room for its end.
+    // The body is kept with the end of its line, which goes where the closing keyword began.
     const auto bodyOffset = static_cast<std::size_t>(body.data() - text.data());
     text_.Put(bodyOffset + body.size(), objectEnd.HasStream ? '\n' : '\r');
     const std::string_view kept =
@@ -144,7 +144,7 @@ class ObjectScan {
   }
 
   /// What the text of the object will be otherwise in the output.
-  void FindAlterations(std::size_t keywordLength, bool otherGeneration) {
+  void CheckText(std::size_t keywordLength, bool otherGeneration) {
     if (otherGeneration) Note(AlterationKind::GenerationChanged);
     if (text_.EndsWithin(keywordLength)) Note(AlterationKind::ObjectCutShort);
     if (text_.StringLosesBytes(files_, fileNumber_)) Note(AlterationKind::StringLosesBytes);
@@ -191,7 +191,7 @@ class ObjectScan {
              : "the objects of the document run into each other");
   }
 
-  /// The header is written anew; `body` is a text that is kept.
+  /// The header line is made anew from its numbers; `body` is a text that is kept.
   void StoreLines(std::int32_t index, std::string_view body, bool hasStream) {
     const std::int32_t first = AppendObjLine(state_, HeaderLine(number_, state_.Objects[index].Generation));
     const std::int32_t last = AppendKeptObjLine(state_, body);
@@ -222,7 +222,8 @@ class ObjectScan {
   void DescribeBody(std::int32_t index, std::string_view body) {
     ObjectEntry& entry = state_.Objects[index];
     if (body.substr(0, 2) == "<<") {
-      // The rows of a text are many times as long. Objects that share theirs do without.
+      // Rows take many times the memory of their text. All texts together are longer than the file only where
+      // objects share theirs; those do without.
       parsedLeft_ -= static_cast<std::int64_t>(body.size());
       if (parsedLeft_ < 0) return;
       entry.ObjAux = reader_.JoinAndParseDictionary(state_.ObjLines, entry.LastLine, entry.LastLine);
@@ -294,13 +295,13 @@ class ObjectScan {
   std::int16_t slot_;
   std::int16_t fileNumber_;
   std::int32_t start_;
-  std::int64_t textLeft_;
+  std::int64_t textLeft_;         ///< bytes that may still be read as texts of objects
   std::int64_t parsedLeft_;       ///< bytes of dictionaries that may still be kept as rows
-  std::string_view longestKept_;  ///< the text that those of the next objects may be the end of
+  std::string_view longestKept_;  ///< the last text that was kept; that of a later object may be its end
   std::string captionPrefix_;
   LineCursor lines_;
   ObjectText text_;  ///< of the object that is being read; used again for the next one
-  bool rewritten_;   ///< by this run, so that nothing can be found
+  bool rewritten_;   ///< by an earlier merge of this run, so that there is nothing to warn of
   std::int32_t number_ = -1;
   std::int64_t offset_ = -1;
 };

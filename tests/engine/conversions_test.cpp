@@ -8,14 +8,24 @@
 namespace folioweld::Conversions {
 namespace {
 
-TEST(CharacterSets, HoldTheMembersInTheirOrder) {
-  EXPECT_EQ(kWhiteSpace, " \r\n");
-  EXPECT_EQ(kLineEnd, "\r\n");
-  EXPECT_EQ(kDelimiters, " ()<>[]{}/%\r\n");
-  EXPECT_EQ(kDelimitersWithEscape, " ()<>[]{}/%\\\r\n");
-  EXPECT_EQ(kCommentOrLineEnd, "%\r\n");
-  EXPECT_EQ(kDelimitersInLine, " ()<>[]{}/%");
-  EXPECT_EQ(kDelimitersInLineWithEscape, " ()<>[]{}/%\\");
+TEST(CharacterSets, ATokenEndsAtWhiteSpaceAndBrackets) {
+  for (const char c : std::string_view(" \r\n()<>[]{}/%")) {
+    EXPECT_EQ(LeftUntilFirstOf(std::string("ab") + c + "cd", kDelimiters, 1), "ab") << c;
+  }
+  for (const char c : std::string_view("#*+-.0:Az\\_")) {
+    EXPECT_EQ(LeftUntilFirstOf(std::string("ab") + c + "cd", kDelimiters, 1), std::string("ab") + c + "cd");
+  }
+}
+
+TEST(CharacterSets, OthersDifferByLineEndsAndTheBackslashOnly) {
+  for (int code = 0; code < 256; ++code) {
+    const std::string text(1, static_cast<char>(code));
+    const bool ends = IsCharInSet(text, 1, kDelimiters);
+    const bool endsInLine = ends && text != "\r" && text != "\n";
+    EXPECT_EQ(IsCharInSet(text, 1, kDelimitersInLine), endsInLine) << code;
+    EXPECT_EQ(IsCharInSet(text, 1, kDelimitersWithEscape), ends || text == "\\") << code;
+    EXPECT_EQ(IsCharInSet(text, 1, kDelimitersInLineWithEscape), endsInLine || text == "\\") << code;
+  }
 }
 
 TEST(CharacterSets, TabFormFeedAndNulAreNoWhiteSpace) {
