@@ -79,7 +79,7 @@ void Serialiser::WriteStream(const ObjectName& name, const QPDFObjectHandle& dic
   EndObject();
 }
 
-void Serialiser::PutReferred(QPDFObjectHandle value) {
+void Serialiser::PutReferred(const QPDFObjectHandle& value) {
   const int number =
       value.isIndirect() && !references_.IsNull(value) ? references_.NumberOf(value) : References::kInPlace;
   if (number == References::kInPlace) {

@@ -76,7 +76,7 @@ class Serialiser {
   };
 
   void BeginObject(const ObjectName& name);
-  void PutReferred(QPDFObjectHandle value);
+  void PutReferred(const QPDFObjectHandle& value);
   void PutValue(QPDFObjectHandle value);
   void PutEntries(QPDFObjectHandle dictionary, bool withLength);
   void EndObject();

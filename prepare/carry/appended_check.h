@@ -3,8 +3,11 @@
 #include <cstdint>
 #include <memory>
 #include <set>
+#include <string>
+#include <vector>
 
 #include "platform/windows_api.h"
+#include "prepare/carry/appending.h"
 #include "prepare/libqpdf.h"
 #include "prepare/system_input.h"
 
@@ -24,11 +27,20 @@ class JoinedFile {
   std::unique_ptr<QPDF> file_;
 };
 
-/// Reads the file with its revision, which begins at `joined` and ends at `length`. Raises `NotCarried`
-/// unless it can be joined again and everything is where it was: objects that are not `written` anew keep
-/// their places in the table, those that are keep their /Kids, and the catalog keeps its /Pages; so the pages
-/// are the same.
-void CheckAppended(WindowsAPI& system, WindowsAPI::Handle file, std::int64_t joined, std::int64_t length,
-                   const std::set<int>& written);
+/// What appending may not change.
+struct JoinedState {
+  std::int64_t Length = 0;
+  std::vector<ObjectPlace> Places;
+  std::string Pages;  ///< of the catalog, as it is written
+};
+
+/// Of the joined file, which is `length` bytes long and was not changed in memory.
+[[nodiscard]] JoinedState StateOf(QPDF& file, std::int64_t length);
+
+/// Reads the file with its revision, which ends at `length`. Raises `NotCarried` unless it can be joined
+/// again and everything is where it was: objects that are not `written` anew keep their places in the table,
+/// those that are keep their /Kids, and the catalog keeps its /Pages; so the pages are the same.
+void CheckAppended(WindowsAPI& system, WindowsAPI::Handle file, const JoinedState& before,
+                   std::int64_t length, const std::set<int>& written);
 
 }  // namespace folioweld

@@ -43,12 +43,11 @@ class KeptNumbers : public References {
 
   /// Does not read the object.
   [[nodiscard]] bool IsNull(const QPDFObjectHandle& value) const override {
-    QPDFObjectHandle handle = value;
-    if (!handle.isIndirect()) return handle.isNull();
-    const auto number = static_cast<std::size_t>(handle.getObjectID());
-    if (written_.count(handle.getObjectID()) != 0) return false;
+    if (!value.isIndirect()) return QPDFObjectHandle(value).isNull();
+    const auto number = static_cast<std::size_t>(value.getObjectID());
+    if (written_.count(value.getObjectID()) != 0) return false;
     return number >= places_.size() || places_[number].Offset < 0 ||
-           places_[number].Generation != handle.getGeneration();
+           places_[number].Generation != value.getGeneration();
   }
 
  private:

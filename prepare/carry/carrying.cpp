@@ -25,6 +25,7 @@ void Append(WindowsAPI& system, WindowsAPI::Handle file, std::int64_t length, co
 }
 
 struct Plan {
+  JoinedState Before;
   std::string Bytes;
   std::set<int> Written;  ///< numbers of the objects
   CarryReport Report;
@@ -34,6 +35,7 @@ Plan MakePlan(WindowsAPI& system, const CarryArguments& arguments, std::int64_t 
   const JoinedFile joined(system, arguments.Joined, length);
   QPDF& file = joined.File();
   Plan plan;
+  plan.Before = StateOf(file, length);
   std::vector<CarriedDocument> documents =
       ReadDocuments(system, file, ReadList(system, arguments.List), plan.Report.Lost);
   GivePages(WalkPages(file), documents);
@@ -56,8 +58,8 @@ CarryReport Carry(WindowsAPI& system, const CarryArguments& arguments) {
   const std::int64_t length = LookAt(system, arguments.Joined).Size;
   Plan plan = MakePlan(system, arguments, length);
   Append(system, arguments.Joined, length, plan.Bytes);
-  CheckAppended(system, arguments.Joined, length, length + static_cast<std::int64_t>(plan.Bytes.size()),
-                plan.Written);
+  const std::int64_t end = length + static_cast<std::int64_t>(plan.Bytes.size());
+  CheckAppended(system, arguments.Joined, plan.Before, end, plan.Written);
   return std::move(plan.Report);
 }
 

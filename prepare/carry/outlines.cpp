@@ -65,7 +65,7 @@ class OutlineJoin {
 
   static void PutDestination(QPDFObjectHandle entry, const CarriedDocument& document) {
     const auto page = std::find_if(document.Pages.begin(), document.Pages.end(),
-                                   [](QPDFObjectHandle object) { return object.isIndirect(); });
+                                   [](const QPDFObjectHandle& object) { return object.isIndirect(); });
     if (page == document.Pages.end()) return;
     QPDFObjectHandle destination = QPDFObjectHandle::parse("[ /XYZ null null null ]");
     destination.insertItem(0, *page);

@@ -16,8 +16,7 @@ constexpr std::size_t kMostSteps = 1'000'000;
 }  // namespace
 
 bool CarriedDocument::Has(const QPDFObjectHandle& object) const {
-  QPDFObjectHandle handle = object;
-  const int number = handle.getObjectID();
+  const int number = object.getObjectID();
   return number > FirstObject && number < EndObject;
 }
 
@@ -31,18 +30,16 @@ Revision::Revision(QPDF& file, std::vector<CarriedDocument> documents)
 }
 
 QPDFObjectHandle Revision::Add(const QPDFObjectHandle& value) {
-  QPDFObjectHandle handle = value;
-  const int number = handle.isIndirect() ? handle.getObjectID() : nextNumber_;
-  if (!handle.isIndirect()) file_.replaceObject(number, 0, handle);
+  const int number = value.isIndirect() ? value.getObjectID() : nextNumber_;
+  if (!value.isIndirect()) file_.replaceObject(number, 0, value);
   nextNumber_ = std::max(nextNumber_, number + 1);
   written_.insert(number);
   return file_.getObjectByID(number, 0);
 }
 
 void Revision::Change(const QPDFObjectHandle& object) {
-  QPDFObjectHandle handle = object;
-  if (!handle.isIndirect()) throw std::logic_error("only indirect objects are written anew");
-  written_.insert(handle.getObjectID());
+  if (!object.isIndirect()) throw std::logic_error("only indirect objects are written anew");
+  written_.insert(object.getObjectID());
 }
 
 void Revision::ForEach(const std::string& part, const std::function<void(CarriedDocument&)>& work) {

@@ -27,10 +27,12 @@ class CarryCheckTest : public testing::CarryFixture {
     folder_.Write("joined.pdf", joined_);
     const int handle = ::open(ResultPath().c_str(), O_RDONLY | O_CLOEXEC);
     const auto length = static_cast<std::int64_t>(joined_.size());
+    JoinedState before;
     std::string bytes;
     std::set<int> written;
     {
       const JoinedFile joined(system_, handle, length);
+      before = StateOf(joined.File(), length);
       Revision revision(joined.File(), {});
       change(revision);
       bytes = RevisionBytes(revision, length);
@@ -40,7 +42,7 @@ class CarryCheckTest : public testing::CarryFixture {
     folder_.Write("joined.pdf", joined_ + bytes);
     std::string objection;
     try {
-      CheckAppended(system_, handle, length, length + static_cast<std::int64_t>(bytes.size()), written);
+      CheckAppended(system_, handle, before, length + static_cast<std::int64_t>(bytes.size()), written);
     } catch (const NotCarried& why) {
       objection = why.what();
     }
