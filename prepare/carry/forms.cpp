@@ -88,8 +88,7 @@ class MergedForm {
     hasLaterForm_ = hasLaterForm_ || document.Index > 1;
     bool isNeeded = false;
     const bool isAsked = form.getKey("/NeedAppearances").getValueAsBool(isNeeded) && isNeeded;
-    // Fields of other documents are drawn anew then as well, where the worse fault would be to show old
-    // values.
+    // The fields of all documents are drawn anew then; without it, old values would be shown.
     needsAppearances_ = needsAppearances_ || (isAsked && !read.Roots.empty());
     long long flags = 0;
     if (form.getKey("/SigFlags").getValueAsInt(flags)) signaturesExist_ |= flags & kSignaturesExist;

@@ -14,7 +14,7 @@ const char* const kFonts = "/Font";
 
 }  // namespace
 
-NewNames DefaultResources::Plan(QPDFObjectHandle form, int document) {
+NewNames DefaultResources::Plan(const QPDFObjectHandle& form, int document) {
   QPDFObjectHandle taken = DictionaryOf(merged_, kFonts);
   QPDFObjectHandle own = DictionaryOf(DictionaryOf(form, "/DR"), kFonts);
   NewNames renamed;
@@ -27,7 +27,7 @@ NewNames DefaultResources::Plan(QPDFObjectHandle form, int document) {
   return renamed;
 }
 
-void DefaultResources::Take(QPDFObjectHandle form, const NewNames& renamed) {
+void DefaultResources::Take(const QPDFObjectHandle& form, const NewNames& renamed) {
   for (auto& [category, resources] : DictionaryOf(form, "/DR").getDictAsMap()) {
     if (!resources.isDictionary()) {
       if (!merged_.hasKey(category)) merged_.replaceKey(category, resources);

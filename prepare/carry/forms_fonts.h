@@ -13,9 +13,9 @@ class DefaultResources {
       : revision_(revision), merged_(QPDFObjectHandle::newDictionary()) {}
 
   /// For those names of a form's fonts that mean other fonts in the forms before it.
-  [[nodiscard]] NewNames Plan(QPDFObjectHandle form, int document);
+  [[nodiscard]] NewNames Plan(const QPDFObjectHandle& form, int document);
   /// Adds what the form has.
-  void Take(QPDFObjectHandle form, const NewNames& renamed);
+  void Take(const QPDFObjectHandle& form, const NewNames& renamed);
 
   [[nodiscard]] QPDFObjectHandle Merged() const { return merged_; }
 

@@ -28,7 +28,7 @@ std::optional<std::string> InheritedAppearance(Revision& revision, QPDFObjectHan
 }  // namespace
 
 std::vector<NewEntry> EntriesForLooks(Revision& revision, const DocumentForm& read, const NewNames& fonts,
-                                      QPDFObjectHandle merged) {
+                                      const QPDFObjectHandle& merged) {
   std::vector<NewEntry> entries;
   for (QPDFObjectHandle field : read.Fields) {
     if (fonts.empty() || !field.getKey("/DA").isString()) continue;

@@ -17,6 +17,6 @@ struct NewEntry {
 /// their fonts by the new names, and what the roots inherited from their form where `merged` has something
 /// else. Raises `NotCarried`.
 [[nodiscard]] std::vector<NewEntry> EntriesForLooks(Revision& revision, const DocumentForm& read,
-                                                    const NewNames& fonts, QPDFObjectHandle merged);
+                                                    const NewNames& fonts, const QPDFObjectHandle& merged);
 
 }  // namespace folioweld
