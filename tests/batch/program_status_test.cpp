@@ -1,5 +1,6 @@
 // What the program ends with and what it says, as a script sees it.
 
+#include <csignal>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
@@ -7,6 +8,7 @@
 #include <utility>
 
 #include "tests/batch/program_fixture.h"
+#include "tests/support/carrying_script.h"
 
 namespace folioweld {
 namespace {
@@ -174,6 +176,43 @@ TEST_F(ProgramAlone, IsTwoWhenDocumentsAreToBePreparedAndTheProgramForItIsMissin
             "folioweld: --prepare needs the program folioweld-prepare, which is not installed (it is in the "
             "package folioweld-extras)\n");
   EXPECT_FALSE(Exists(folder_.File("out.pdf")));
+}
+
+TEST_F(ProgramAlone, IsTwoWhenSomethingIsToBeCarriedOverAndTheProgramForItIsMissing) {
+  AddDocument("a.pdf");
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"--carry", "out.pdf", "docs"}, {"--carry", "out.pdf|docs"}, {"--carry"}}) {
+    ExpectRun(arguments, 2,
+              "folioweld: --carry needs the program folioweld-carry, which is not installed (it is in the "
+              "package folioweld-extras)\n");
+  }
+  EXPECT_FALSE(Exists(folder_.File("out.pdf")));
+}
+
+TEST_F(ProgramAlone, CarriesOverWithTheProgramBesideIt) {
+  AddDocument("a.pdf");
+  testing::WriteCarryingScript(folder_, "alone/folioweld-carry", testing::AppendingCommands());
+  ExpectRun({"plain.pdf", "docs"}, 0, "");
+  ExpectRun({"--carry", "out.pdf|docs"}, 0, "");
+  const std::string plain = ReadFile(folder_.File("plain.pdf"));
+  EXPECT_TRUE(ReadFile(folder_.File("out.pdf")) == testing::WithAppended(plain));
+}
+
+TEST_F(ProgramAlone, EndsByTheSignalThatComesWhileItCarriesOverAndKeepsTheJoinedFile) {
+  AddDocument("a.pdf");
+  ExpectRun({"plain.pdf", "docs"}, 0, "");
+  testing::WriteCarryingScript(
+      folder_, "alone/folioweld-carry",
+      "echo half >> $joined; touch '" + folder_.File("begun") + "'; exec sleep 1000");
+  setup_.Arguments = {"--carry", "out.pdf", "docs"};
+  testing::ChildProgram program(setup_);
+  ASSERT_TRUE(testing::WaitUntil([&] { return Exists(folder_.File("begun")); }));
+  program.Signal(SIGTERM);
+  EXPECT_EQ(program.Wait(), 128 + SIGTERM);
+  EXPECT_EQ(program.Errors(),
+            "[Folioweld-cmdOK]=>The output is the joined file without what --carry adds: cancelled\n"
+            "folioweld: ended by SIGTERM; the output was written before\n");
+  EXPECT_TRUE(ReadFile(folder_.File("out.pdf")) == ReadFile(folder_.File("plain.pdf")));
 }
 
 TEST_F(ProgramAlone, AdvisesThePackageThatIsMissing) {

@@ -19,9 +19,9 @@
 #include "tests/faults/fault_documents.h"
 #include "tests/faults/fault_sweep.h"
 #include "tests/faults/quiet_system.h"
+#include "tests/support/carrying_script.h"
 #include "tests/support/document_builder.h"
 #include "tests/support/merge_run.h"
-#include "tests/support/preparing_script.h"
 
 namespace folioweld {
 namespace {
@@ -130,6 +130,25 @@ TEST_F(FullDisk, ForACopyLeavesTheDocumentOutAndJoinsTheRest) {
     EXPECT_NE(said.find("\"b\""), std::string::npos) << said;
     EXPECT_NE(ReadFile(folder_.File("out.pdf")).find("text of a"), std::string::npos);
     EXPECT_TRUE(fs::is_empty(disk_));
+  });
+}
+
+TEST_F(FullDisk, WhileSomethingIsCarriedOverLeavesTheJoinedFile) {
+  for (const char* name : {"docs", "config", "bin"}) folder_.MakeFolder(name);
+  folder_.Write("docs/a", testing::DocumentWithLongStream("text of a", 30000));
+  testing::WriteCarryingScript(
+      folder_, "bin/folioweld-carry",
+      "head -c 100000 /dev/zero >> $joined || { echo 'failed: no space' >&2; exit 1; }");
+  OnSmallDisk("size=64k", [&] {
+    const std::string output = disk_ + "/out.pdf";
+    testing::QuietSystem system;
+    system.Environment = {{"XDG_CONFIG_HOME", folder_.File("config")}};
+    system.ModulePath = folder_.File("bin/folioweld");
+    EXPECT_EQ(RunBatch(system, ParseArguments({output, folder_.File("docs")})), kEverythingJoined);
+    const std::string joined = ReadFile(output);
+    EXPECT_EQ(RunBatch(system, ParseArguments({"--carry", output, folder_.File("docs")})), kJoinedWithLosses);
+    EXPECT_NE(system.Said.find("without what --carry adds: no space"), std::string::npos) << system.Said;
+    EXPECT_TRUE(ReadFile(output) == joined);
   });
 }
 
