@@ -39,12 +39,12 @@ QString BoxText(const std::string& text) {
 }
 
 constexpr QChar kBreak(0x200B);
-/// A word that is wider than so many usual characters, or than half the screen, is broken: the box has to
-/// fit.
+/// A word that is wider than so many usual characters, or than three quarters of the screen, is broken: the
+/// box has to fit.
 constexpr int kWidestWord = 60;
 
 int WidestWord(const QFontMetrics& metrics, const QScreen& screen) {
-  return qMin(kWidestWord * metrics.averageCharWidth(), screen.availableGeometry().width() / 2);
+  return qMin(kWidestWord * metrics.averageCharWidth(), screen.availableGeometry().width() * 3 / 4);
 }
 
 /// With a place, of no width, where a word gets wider than so many pixels.
