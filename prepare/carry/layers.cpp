@@ -83,16 +83,20 @@ class MergedLayers {
   }
 
   /// MuPDF takes groups with the same entries for one, and would show and hide those of all documents
-  /// together.
+  /// together. Documents that were joined before have such numbers already.
   void TellApart(const CarriedDocument& document, const Handles& groups) {
-    std::set<std::string> own;
+    std::set<std::string> taken = entries_;
+    for (QPDFObjectHandle group : groups) taken.insert(group.unparseResolved());
+    int number = document.Index;
     for (QPDFObjectHandle group : groups) {
-      own.insert(group.unparseResolved());
       if (entries_.count(group.unparseResolved()) == 0) continue;
-      group.replaceKey("/FolioweldDocument", QPDFObjectHandle::newInteger(document.Index));
+      for (; taken.count(group.unparseResolved()) > 0; ++number) {
+        group.replaceKey("/FolioweldNumber", QPDFObjectHandle::newInteger(number));
+      }
       revision_.Change(group);
     }
-    entries_.insert(own.begin(), own.end());
+    for (QPDFObjectHandle group : groups) taken.insert(group.unparseResolved());
+    entries_.swap(taken);
   }
 
   Hidden HiddenOf(const Handles& groups, const QPDFObjectHandle& configuration) {
