@@ -65,10 +65,13 @@ TEST_F(CarryTagsTest, AddsNothingWhereOnlyTheFirstDocumentHasTags) {
 
 TEST_F(CarryTagsTest, ShiftsNumbersThatWouldLeadIntoTheOnlyTree) {
   const std::string stray =
-      PagesDocument(1, "", "/StructParents 0 /Annots [ << /StructParent 1 >> ]").Build();
+      PagesDocument(1, "", "/StructParents 0 /Annots [ << /StructParent 1 >> << /StructParent -1 >> ]")
+          .Build();
   QPDF& result = CarryAll({Tagged("Alpha").Build(), stray});
   EXPECT_EQ(Object(result, 2, 3).getKey("/StructParents").getIntValue(), 1);
-  EXPECT_EQ(Object(result, 2, 3).getKey("/Annots").getArrayItem(0).getKey("/StructParent").getIntValue(), 2);
+  QPDFObjectHandle annotations = Object(result, 2, 3).getKey("/Annots");
+  EXPECT_EQ(annotations.getArrayItem(0).getKey("/StructParent").getIntValue(), 2);
+  EXPECT_EQ(annotations.getArrayItem(1).getKey("/StructParent").getIntValue(), -1);
 }
 
 TEST_F(CarryTagsTest, GivesTheOnlyTreeNumbersThatAPageWithoutTreeDoesNotHave) {
@@ -196,6 +199,19 @@ TEST_F(CarryTagsTest, RenamesAClassThatMeansSomethingElse) {
   EXPECT_EQ(Object(result, 2, 6).getKey("/C").getName(), "/C");
   EXPECT_EQ(Object(result, 3, 6).getKey("/C").unparse(), "[ /C-3 0 /D ]");
   EXPECT_EQ(TagRoot().getKey("/ClassMap").getKey("/C-3").getKey("/TextAlign").getName(), "/End");
+}
+
+TEST_F(CarryTagsTest, ChangesNoElementOfAnotherDocument) {
+  const auto roles = [](const std::string& role) {
+    return std::string(kNumbers) + " /RoleMap << /A /" + role + " >>";
+  };
+  // Object 13 of the second document is none of its own; by its number it is object 6 of the third one.
+  QPDF& result = CarryAll({Tagged("Alpha", roles("H1")).Build(),
+                           Tagged("Beta", roles("H2"), "/S /A /K [ 0 13 0 R ]").Build(),
+                           Tagged("Gamma", roles("H1"), "/S /A").Build()});
+  ASSERT_EQ(Numbered(2, 13), Numbered(3, 6));
+  EXPECT_EQ(Object(result, 2, 6).getKey("/S").getName(), "/A-2");
+  EXPECT_EQ(Object(result, 3, 6).getKey("/S").getName(), "/A");
 }
 
 TEST_F(CarryTagsTest, SaysTheLanguageOfALaterDocument) {
