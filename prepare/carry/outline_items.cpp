@@ -15,7 +15,9 @@ constexpr long long kMostItems = 1'000'000;
 class OutlineWalk {
  public:
   OutlineWalk(Revision& revision, const CarriedDocument& document)
-      : revision_(revision), document_(document) {}
+      : revision_(revision), document_(document) {
+    for (QPDFObjectHandle page : document.Pages) pages_.insert(page.getObjectID());
+  }
 
   OutlineItems Run(QPDFObjectHandle root) {
     OutlineItems outline;
@@ -55,12 +57,15 @@ class OutlineWalk {
     revision_.Spend();
     if (!document_.Has(item)) throw NotCarried("it has an item that is no object of the document");
     const int number = item.getObjectID();
+    const bool isPage = pages_.count(number) > 0 || QPDFObjectHandle(item).hasKey("/Kids");
+    if (isPage) throw NotCarried("it has an item that belongs to the page tree");
     if (seen_.insert(number).second) return;
     throw NotCarried("it leads to object " + std::to_string(number - document_.FirstObject) + " twice");
   }
 
   Revision& revision_;
   const CarriedDocument& document_;
+  std::set<int> pages_;
   std::set<int> seen_;
 };
 

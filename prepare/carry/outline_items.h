@@ -15,7 +15,7 @@ struct OutlineItems {
 };
 
 /// Raises `NotCarried` when the outline is not what a reader can go through: an item is reached twice, is no
-/// object of the document, or there are too many.
+/// object of the document or is one of its pages, or there are too many.
 [[nodiscard]] OutlineItems FindOutline(Revision& revision, CarriedDocument& document);
 
 }  // namespace folioweld

@@ -129,6 +129,17 @@ TEST_F(CarryOutlinesTest, TakeTitlesAsTheyAreAndNamesAsTheyAreMeant) {
                                    "\xE6\x97\xA5"));
 }
 
+TEST_F(CarryOutlinesTest, LeavePagesWhatTheyAre) {
+  const std::string asItem = "/Title (a) /First 11 0 R /Last 11 0 R";
+  for (const char* key : {"/Outlines 3 0 R", "/Outlines 10 0 R"}) {
+    auto mixed = PagesDocument(1, key, asItem);
+    mixed.Object(10, "<< /First 3 0 R /Last 3 0 R >>").Object(11, "<< /Title (b) >>");
+    Join({PagesDocument(1).Build(), mixed.Build()});
+    EXPECT_THAT(Lines(), ElementsAre("1.pdf", "2.pdf"));
+    EXPECT_THAT(Losses(), ElementsAre("2: outline: it has an item that belongs to the page tree"));
+  }
+}
+
 TEST_F(CarryOutlinesTest, NeedNoRootOfTheirOwn) {
   auto direct = PagesDocument(1, "/Outlines << /First 11 0 R /Last 11 0 R /Count 1 >>");
   direct.Object(11, "<< /Title (direct) >>");
