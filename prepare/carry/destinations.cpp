@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "prepare/carry/dictionaries.h"
+#include "prepare/carry/forms_names.h"
 #include "prepare/carry/names_merge.h"
 
 namespace folioweld {
@@ -31,19 +32,37 @@ class Destinations {
   void Read(DocumentNames& names) {
     const CarriedDocument& document = *names.Document;
     NameUses& uses = uses_[document.Index] = FindNameUses(revision_, document);
-    for (const NameUse& use : uses.Destinations) names.Used.insert(use.Name);
     QPDFObjectHandle catalog = CatalogOf(revision_, document);
     QPDFObjectHandle tree = EntryOf(EntryOf(catalog, "/Names"), "/Dests");
     names.Own = ReadNameTree(revision_, document, tree);
     QPDFObjectHandle dictionary = EntryOf(catalog, "/Dests");
-    if (dictionary.isDictionary()) {
-      for (const auto& [key, value] : dictionary.getDictAsMap())
-        names.Own.Values.emplace(key.substr(1), value);
-    }
+    if (dictionary.isDictionary()) AddDictionary(dictionary, names.Own.Values, uses);
+    for (const NameUse& use : uses.Destinations) names.Used.insert(use.Name);
     if (document.Index > 1) {
       for (auto& [name, value] : names.Own.Values) value = WithPage(document, value);
     }
     hasTree_ = hasTree_ || tree.isDictionary();
+  }
+
+  /// Where the tree has the same name for something else, the dictionary's gets another, and so does what
+  /// leads there.
+  void AddDictionary(QPDFObjectHandle dictionary, std::map<std::string, QPDFObjectHandle>& values,
+                     NameUses& uses) {
+    std::map<std::string, std::string> renamed;
+    for (auto& [key, value] : dictionary.getDictAsMap()) {
+      const std::string name = key.substr(1);
+      const auto [place, isNew] = values.emplace(name, value);
+      if (isNew || place->second.unparse() == value.unparse()) continue;
+      const auto isTaken = [&](const std::string& free) {
+        return values.count(free) > 0 || dictionary.hasKey("/" + free);
+      };
+      renamed[name] = Numbered(revision_, name, 0, isTaken);
+      values.emplace(renamed[name], value);
+    }
+    for (NameUse& use : uses.Destinations) {
+      const auto found = use.IsNameObject ? renamed.find(use.Name) : renamed.end();
+      if (found != renamed.end()) use.Name = found->second;
+    }
   }
 
   /// Names in the dictionary are name objects, those in the tree are strings.

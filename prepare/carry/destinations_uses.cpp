@@ -61,10 +61,12 @@ QPDFObjectHandle WithPage(const CarriedDocument& document, QPDFObjectHandle dest
   }
   if (!StartsWithInteger(destination)) return destination;
   const auto index = static_cast<unsigned long long>(destination.getArrayItem(0).getIntValue());
-  if (index >= document.Pages.size() || !QPDFObjectHandle(document.Pages[index]).isIndirect())
-    return destination;
+  const bool isThere = index < document.Pages.size();
+  const QPDFObjectHandle page =
+      isThere ? document.Pages[static_cast<std::size_t>(index)] : QPDFObjectHandle::newNull();
+  if (isThere && !QPDFObjectHandle(page).isIndirect()) return destination;
   QPDFObjectHandle changed = destination.shallowCopy();
-  changed.setArrayItem(0, document.Pages[static_cast<std::size_t>(index)]);
+  changed.setArrayItem(0, page);
   return changed;
 }
 

@@ -30,7 +30,7 @@ struct NameUses {
 void ChangeUse(Revision& revision, const NameUse& use, const std::string& name, bool asNameObject);
 
 /// The destination, with the document's page where it has the page's index (0-based); readers would take that
-/// for an index in the joined file.
+/// for an index in the joined file. One beyond its pages leads nowhere, and not into another document.
 [[nodiscard]] QPDFObjectHandle WithPage(const CarriedDocument& document, QPDFObjectHandle destination);
 
 }  // namespace folioweld

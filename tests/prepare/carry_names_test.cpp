@@ -15,6 +15,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using testing::PagesDocument;
+using ::testing::UnorderedElementsAre;
 
 class CarryNamesTest : public testing::CarryFixture {
  protected:
@@ -197,6 +198,33 @@ TEST_F(CarryNamesTest, LeadsToThePageThatADestinationHasTheIndexOf) {
   EXPECT_EQ(link.getKey("/Dest").getArrayItem(0).getObjectID(), Numbered(2, 4));
 }
 
+TEST_F(CarryNamesTest, LeadsNowhereInsteadOfToAPageOfAnotherDocument) {
+  const std::string second = PagesDocument(1, "", LinksTo("/A << /S /GoTo /D [ 1 /Fit ] >>")).Build();
+  QPDF& result = CarryAll({PagesDocument(2).Build(), second, PagesDocument(9).Build()});
+  QPDFObjectHandle link = Object(result, 2, 3).getKey("/Annots").getArrayItem(0);
+  EXPECT_EQ(link.getKey("/A").getKey("/D").unparse(), "[ null /Fit ]");
+}
+
+TEST_F(CarryNamesTest, TellsNameObjectsFromStringsWhereADocumentHasBothKinds) {
+  auto both = PagesDocument(2,
+                            "/Dests << /a [ 3 0 R /Fit ] /a-0 [ 3 0 R /Fit ] /b [ 4 0 R /Fit ] >> "
+                            "/Names << /Dests << /Names [ (a) [ 4 0 R /Fit ] (b) [ 4 0 R /Fit ] ] >> >>",
+                            "/Annots [ << /Dest /a >> << /Dest (a) >> << /Dest /b >> ]")
+                  .Build();
+  QPDF& result = CarryAll({both, both});
+  EXPECT_THAT(Destinations(), UnorderedElementsAre("2 \"a\"", "1 \"a-0\"", "1 \"a-1\"", "2 \"b\"",
+                                                   "4 \"a-2\"", "3 \"a-0-2\"", "3 \"a-1-2\"", "4 \"b-2\""));
+  const auto destination = [&](int document, int link) {
+    return Object(result, document, 3).getKey("/Annots").getArrayItem(link).getKey("/Dest").getStringValue();
+  };
+  EXPECT_EQ(destination(1, 0), "a-1");
+  EXPECT_EQ(destination(1, 1), "a");
+  EXPECT_EQ(destination(1, 2), "b");
+  EXPECT_EQ(destination(2, 0), "a-1-2");
+  EXPECT_EQ(destination(2, 1), "a-2");
+  EXPECT_EQ(destination(2, 2), "b-2");
+}
+
 TEST_F(CarryNamesTest, SplitsALargeTree) {
   std::string names;
   for (int i = 10000; i < 15000; ++i) names += "(" + std::to_string(i) + ") [ 3 0 R /Fit ]\n";
@@ -307,6 +335,23 @@ TEST_F(CarryNamesTest, CarriesNameTreesThatItDoesNotKnow) {
   const std::string document = PagesDocument(1, "/Names << /Templates << /Names [ (t) 3 0 R ] >> >>").Build();
   CarryAll({document, document});
   EXPECT_THAT(KeysOf(Root().getKey("/Names").getKey("/Templates").getKey("/Names")), ElementsAre("t", "t-2"));
+}
+
+TEST_F(CarryNamesTest, CarriesArticles) {
+  auto document = PagesDocument(1, "/Threads [ 4 0 R ]", "/B [ 5 0 R ]");
+  document.Object(4, "<< /F 5 0 R >>").Object(5, "<< /T 4 0 R /N 5 0 R /V 5 0 R /P 3 0 R /R [ 0 0 9 9 ] >>");
+  CarryAll({PagesDocument(1).Build(), document.Build(), document.Build()});
+  ASSERT_EQ(Root().getKey("/Threads").getArrayNItems(), 2);
+  EXPECT_EQ(Root().getKey("/Threads").getArrayItem(1).getObjectID(), Numbered(3, 4));
+}
+
+TEST_F(CarryNamesTest, TellsWhereRelativeLinksToTheWebLeadElsewhere) {
+  const auto document = [](const std::string& base) {
+    return PagesDocument(1, "/URI << /Base (" + base + ") >>").Build();
+  };
+  CarryAll({document("http://a/"), document("http://a/"), document("http://b/"), PagesDocument(1).Build()});
+  EXPECT_THAT(Losses(),
+              ElementsAre("3: destinations: its relative links to the web do not begin with its base"));
 }
 
 TEST_F(CarryNamesTest, LeavesScriptsAndThePortfolioToTheFirstDocumentAndTellsIt) {
