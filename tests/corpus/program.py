@@ -7,6 +7,8 @@ import tempfile
 from dataclasses import dataclass
 
 LONGEST_RUN_SECONDS = 120
+# Larger outputs are not joined once more for what is appended to them.
+LARGEST_CARRIED_BYTES = 60_000
 
 
 @dataclass
@@ -55,16 +57,38 @@ class World:
             TMPDIR=self.path("tmp"),
             LC_ALL="C.UTF-8",
         )
-        done = subprocess.run(
-            [program, *options, output, folder],
+        done = self._run([program, *options, output, folder], environment)
+        stderr = done.stderr.decode("utf-8", "backslashreplace")
+        problems = list(self._not_the_beginning(program, options, output, folder, environment))
+        return Outcome(done.returncode, stderr, output, problems + list(self._broken_promises(done, folder, originals)))
+
+    def _run(self, command, environment):
+        return subprocess.run(
+            command,
             stdin=subprocess.DEVNULL,
             capture_output=True,
             timeout=LONGEST_RUN_SECONDS,
             env=environment,
             cwd=self.path("start"),
         )
-        stderr = done.stderr.decode("utf-8", "backslashreplace")
-        return Outcome(done.returncode, stderr, output, list(self._broken_promises(done, folder, originals)))
+
+    def _not_the_beginning(self, program, options, output, folder, environment):
+        """With --carry the output begins with what it is without."""
+        has_program = os.path.exists(os.path.join(os.path.dirname(program), "folioweld-carry"))
+        if not has_program or "--carry" in options or not os.path.exists(output):
+            return
+        if os.path.getsize(output) > LARGEST_CARRIED_BYTES:
+            return
+        carried = self.path("tmp", "carried.pdf")
+        done = self._run([program, "--carry", *options, carried, folder], environment)
+        if done.returncode not in (0, 3) or b"ended by signal" in done.stderr:
+            yield f"with --carry ended with status {done.returncode}: {done.stderr[-600:]!r}"
+        if os.path.exists(carried):
+            with open(output, "rb") as plain, open(carried, "rb") as file:
+                beginning = plain.read()
+                if file.read(len(beginning)) != beginning:
+                    yield "is not the beginning of the output with --carry"
+            os.remove(carried)
 
     def _broken_promises(self, done, folder, originals):
         if done.returncode < 0 or done.returncode > 3:
