@@ -152,7 +152,8 @@ TEST_F(CarryOutlinesTest, NeedNoRootOfTheirOwn) {
 TEST_F(CarryOutlinesTest, GetWhatTheirLinksLack) {
   auto bare = PagesDocument(1, "/Outlines 10 0 R");
   bare.Object(10, "<< /First 11 0 R >>");
-  bare.Object(11, "<< /Title (a) /Next 12 0 R >>").Object(12, "<< /Title (b) /Prev 12 0 R >>");
+  bare.Object(11, "<< /Title (a) /Prev 12 0 R /Next 12 0 R >>");
+  bare.Object(12, "<< /Title (b) /Prev 12 0 R >>");
   Join({PagesDocument(1).Build(), bare.Build()});
   EXPECT_THAT(Lines(), ElementsAre("1.pdf", "2.pdf", ".a", ".b"));
 }

@@ -37,6 +37,14 @@ TEST_F(CarryRevisionTest, WritesChangedObjectsUnderTheirNumberAndGeneration) {
   EXPECT_EQ(result.getObjectByID(Numbered(2, 4), 2).getArrayNItems(), 2);
 }
 
+TEST_F(CarryRevisionTest, WritesNullForAReferenceToAnotherGeneration) {
+  auto second = PagesDocument(1);
+  second.Object(4, "[ 1 ]", 2).Object(5, "[ 4 2 R 4 0 R ]");
+  Carry({PagesDocument(1).Build(), second.Build()},
+        [&](Revision& revision) { revision.Change(revision.File().getObjectByID(Numbered(2, 5), 0)); });
+  EXPECT_THAT(Appended(), HasSubstr("[ " + std::to_string(Numbered(2, 4)) + " 2 R null ]"));
+}
+
 TEST_F(CarryRevisionTest, WritesAChangedStreamWithItsBytes) {
   auto first = PagesDocument(1);
   first.Stream(4, "/Kind /Old", "some data");
@@ -52,7 +60,7 @@ TEST_F(CarryRevisionTest, WritesAChangedStreamWithItsBytes) {
 }
 
 TEST_F(CarryRevisionTest, KnowsTheCatalogTitleAndPagesOfEveryDocument) {
-  auto second = PagesDocument(2, "/Lang (en) /Deep [ << /A 3 0 R /B 99 0 R >> ]");
+  auto second = PagesDocument(2, "/Lang (en) /Deep [ << /A 3 0 R /B 7 0 R >> ]");
   second.Object(5, "<< /Title (Second) >>").TrailerExtra("/Info 5 0 R");
   Carry({PagesDocument(1).Build(), second.Build(), PagesDocument(3).Build()}, [&](Revision& revision) {
     auto& documents = revision.Documents();

@@ -77,13 +77,19 @@ TEST_F(CarryRunTest, ADocumentThatIsGoneLosesWhatItsCatalogHolds) {
 }
 
 TEST_F(CarryRunTest, ACatalogThatCannotBeReadIsLostAsAWhole) {
+  const auto expectLoss = [&](const std::string& document, const std::string& why) {
+    list_[0].Path = folder_.Write("1.pdf", document);
+    list_[0].Known = system_.GetFileAttributes(list_[0].Path).Value();
+    folder_.Write("joined.pdf", joined_);
+    EXPECT_EQ(Run(), kCarriedWithLosses);
+    EXPECT_THAT(system_.Take(), HasSubstr("\nlost: 1: catalog: " + why));
+  };
   std::string broken = PagesDocument(1).Build();
   broken.replace(broken.find("/Root 1"), 7, "/Root 9");
-  list_[0].Path = folder_.Write("1.pdf", broken);
-  list_[0].Known = system_.GetFileAttributes(list_[0].Path).Value();
-  EXPECT_EQ(Run(), kCarriedWithLosses);
   // The rest is in libqpdf's words from its version 12 on.
-  EXPECT_THAT(system_.Take(), HasSubstr("\nlost: 1: catalog: "));
+  expectLoss(broken, "");
+  const std::string deep = "/Deep " + std::string(150, '[') + std::string(150, ']');
+  expectLoss(PagesDocument(1, deep).Build(), "its catalog is too deep\n");
 }
 
 TEST_F(CarryRunTest, NothingIsWrittenWithoutTheListOfThisFile) {
