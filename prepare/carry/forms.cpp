@@ -60,7 +60,8 @@ class MergedForm {
     Set("/Fields", QPDFObjectHandle::newArray(fields_));
     if (!order_.empty()) Set("/CO", QPDFObjectHandle::newArray(order_));
     if (!resources_.Merged().getKeys().empty()) Set("/DR", resources_.Merged());
-    Set("/NeedAppearances", QPDFObjectHandle::newBool(needsAppearances_));
+    Set("/NeedAppearances", QPDFObjectHandle::newBool(!asking_.empty()));
+    if (!asking_.empty()) TellDrawnAnew();
     if (merged_.hasKey("/SigFlags") || signaturesExist_ != 0)
       Set("/SigFlags", QPDFObjectHandle::newInteger(signaturesExist_));
     DropOtherForms();
@@ -80,7 +81,7 @@ class MergedForm {
   void TakeMentions(const CarriedDocument& document, FieldMentions& mentions) {
     mentions.Rename();
     if (mentions.HasScripts())
-      revision_.TellLost(document, "form", "its scripts may use the old names of renamed fields");
+      revision_.TellLost(document, "scripts", "they may use the old names of renamed fields");
   }
 
   void TakeFlags(const CarriedDocument& document, const DocumentForm& read) {
@@ -89,10 +90,18 @@ class MergedForm {
     bool isNeeded = false;
     const bool isAsked = form.getKey("/NeedAppearances").getValueAsBool(isNeeded) && isNeeded;
     // The fields of all documents are drawn anew then; without it, old values would be shown.
-    needsAppearances_ = needsAppearances_ || (isAsked && !read.Roots.empty());
+    if (!read.Roots.empty()) (isAsked ? asking_ : notAsking_).push_back(&document);
     long long flags = 0;
     if (form.getKey("/SigFlags").getValueAsInt(flags)) signaturesExist_ |= flags & kSignaturesExist;
     if (form.hasKey("/XFA")) withOtherForm_.push_back(&document);
+  }
+
+  void TellDrawnAnew() {
+    for (const CarriedDocument* document : notAsking_) {
+      revision_.TellLost(*document, "looks",
+                         "its fields are drawn anew, as the form of document " +
+                             std::to_string(asking_.front()->Index) + " asks for that");
+    }
   }
 
   /// An XFA form is shown in the place of all pages, so only the first document may keep its one, and only
@@ -122,7 +131,9 @@ class MergedForm {
   Handles order_;
   std::size_t firstFields_ = 0;  ///< of the first document
   long long signaturesExist_ = 0;
-  bool needsAppearances_ = false;
+  // Documents with fields: those whose form has readers draw the fields anew, and the others.
+  std::vector<const CarriedDocument*> asking_;
+  std::vector<const CarriedDocument*> notAsking_;
   bool hasLaterForm_ = false;
   std::vector<const CarriedDocument*> withOtherForm_;
 };

@@ -1,5 +1,7 @@
 """Documents for the tests: the examples, and large ones that take no room on the disk."""
 
+import re
+
 from window import ROOT
 
 LETTER = ROOT / "examples" / "1-cover-letter.pdf"
@@ -48,3 +50,32 @@ def fill_folder(folder, sources=(LETTER, REPORT, STATIONS)):
     for number, source in enumerate(sources, 1):
         (folder / f"{number}.pdf").write_bytes(source.read_bytes())
     return folder
+
+
+def add_bookmarks(document, titles):
+    """The document with a revision that gives it an outline, one item for each page."""
+    kids = re.search(rb"/Kids \[([\d R]+)\]", document)[1].split(b" R")
+    pages = [kid.strip() for kid in kids if kid.strip()][: len(titles)]
+    size, table = int(re.search(rb"/Size (\d+)", document)[1]), int(re.findall(rb"startxref\n(\d+)", document)[-1])
+    items = range(size + 1, size + 1 + len(titles))
+    objects = {1: re.search(rb"1 0 obj\n(<<.*?)>>\nendobj", document, re.S)[1] + b"/Outlines %d 0 R\n>>" % size,
+               size: b"<<\n/First %d 0 R\n/Last %d 0 R\n/Count %d\n>>" % (items[0], items[-1], len(titles))}
+    for number, title, page in zip(items, titles, pages):
+        beside = (b"/Prev %d 0 R\n" % (number - 1)) * (number > items[0]) + (b"/Next %d 0 R\n" % (number + 1)) * (number < items[-1])
+        objects[number] = b"<<\n/Title (%s)\n/Parent %d 0 R\n/Dest [%s R /Fit]\n%s>>" % (title, size, page, beside)
+    for number, text in objects.items():
+        offset = len(document)
+        document += b"%d 0 obj\n%s\nendobj\n" % (number, text)
+        objects[number] = offset
+    start = len(document)
+    document += b"xref\n1 1\n%010d 00000 n \n%d %d\n" % (objects[1], size, len(titles) + 1)
+    document += b"".join(b"%010d 00000 n \n" % objects[number] for number in sorted(objects)[1:])
+    return document + b"trailer\n<<\n/Size %d\n/Root 1 0 R\n/Info 2 0 R\n/Prev %d\n>>\nstartxref\n%d\n%%%%EOF\n" % (
+        items[-1] + 1, table, start)
+
+
+def fill_with_bookmarks(folder):
+    """A folder with the examples, of which the report has an outline."""
+    fill_folder(folder)
+    report = folder / "2.pdf"
+    report.write_bytes(add_bookmarks(report.read_bytes(), (b"A wet winter, and a quiet end", b"Where the sand went")))

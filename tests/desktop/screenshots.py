@@ -5,16 +5,17 @@ Only the keyboard is used, for the mouse would have to know the scale.
 """
 
 import shutil
+import subprocess
 import sys
 from pathlib import Path
 
 from accessible import AccessibilityBus
 from desktop import Desktop, wait_for
-from documents import LETTER, REPORT, fill_folder, write_in_two_subsections, write_large
+from documents import LETTER, REPORT, fill_folder, fill_with_bookmarks, write_in_two_subsections, write_large
 from drag import DragSource
 from palette import make_dark
 from screen import Screen
-from window import CHOOSE, CHOOSE_OUTPUT, CLOSE_VIEWER, FIRST, GO, OUTPUT, SORTING, TITLE, Window, select
+from window import CHOOSE, CHOOSE_OUTPUT, CLOSE_VIEWER, FIRST, GO, OUTPUT, PROGRAMS, SORTING, TITLE, Window, select
 
 # Shown in the pictures, hence short and the same on every machine.
 DOCUMENTS, TEMPORARY = Path("/tmp/folioweld"), Path("/tmp")
@@ -101,6 +102,7 @@ class Photographer:
         self.menus()
         self.refusal()
         self.prepared()
+        self.bookmarks()
         self.running()
         self.viewing()
         self.folder_merge()
@@ -130,6 +132,26 @@ class Photographer:
         wait_for(lambda: " Kill " in (window.log_text() or ""), "the log tells of the clean-up")
         self.save("prepared", window.main_window(), window.log_window())
         window.close()
+
+    def bookmarks(self):
+        """Of what was carried over, as a viewer lists them."""
+        joined, sources = DOCUMENTS / "joined-bookmarks.pdf", DOCUMENTS / "with bookmarks"
+        names = [str(path) for path in sorted(sources.iterdir())]
+        self.homes += 1
+        environment = self.desktop.home(f"{self.look}-{self.homes}")
+        subprocess.run([str(PROGRAMS / "folioweld"), "--prepare", "--carry", str(joined), *names], env=environment, check=True)
+        viewer = self.desktop.start(["zathura", str(joined)], environment)
+        try:
+            shown = wait_for(lambda: self.screen.windows_of(viewer.pid), "the viewer's window")[0]
+            wait_for(lambda: joined.name in self.screen.title(shown), "the viewer has read the document")
+            wait_for(lambda: self.screen.active() == shown, "the viewer is active")
+            # The list, with every entry open.
+            self.screen.press("Tab")
+            self.screen.type("L")
+            self.save("bookmarks", shown)
+        finally:
+            viewer.kill()
+            viewer.wait()
 
     def viewing(self):
         window = self.open(viewer=True)
@@ -185,6 +207,7 @@ def main():
             write_large(DOCUMENTS / f"large-{number}.pdf", 900)
         write_in_two_subsections(DOCUMENTS / "form.pdf", LETTER)
         fill_folder(DOCUMENTS / "to join")
+        fill_with_bookmarks(DOCUMENTS / "with bookmarks")
         desktop = Desktop("3200x2400x24")
         try:
             screen = Screen(desktop.display)

@@ -139,7 +139,7 @@ TEST_F(CarriedForms, TellThatScriptsMayUseOldNames) {
   const std::string script = "/AA << /C << /S /JavaScript /JS (x) >> >>";
   Carried({FormDocument("/T (a)" + script).Build(), FormDocument("/T (a)" + script).Build(),
            FormDocument("/T (c)" + script).Build()});
-  EXPECT_THAT(Losses(), ElementsAre("2: form: its scripts may use the old names of renamed fields"));
+  EXPECT_THAT(Losses(), ElementsAre("2: scripts: they may use the old names of renamed fields"));
 }
 
 TEST_F(CarriedForms, KeepWhatFieldsInheritedFromTheirOwnForm) {
@@ -230,12 +230,22 @@ TEST_F(CarriedForms, AreDrawnAnewWhereOneOfThemAsksForIt) {
   Carried({FormDocument("/T (a)", "/NeedAppearances false").Build(),
            FormDocument("/T (b)", "/NeedAppearances true").Build(), FormDocument("/T (c)").Build()});
   EXPECT_TRUE(Form().getKey("/NeedAppearances").getBoolValue());
+  EXPECT_THAT(Losses(),
+              ElementsAre("1: looks: its fields are drawn anew, as the form of document 2 asks for that",
+                          "3: looks: its fields are drawn anew, as the form of document 2 asks for that"));
+}
+
+TEST_F(CarriedForms, AreAsTheyWereWhereAllOfThemAskToBeDrawnAnew) {
+  Carried({FormDocument("/T (a)", "/NeedAppearances true").Build(), PagesDocument(1).Build(),
+           FormDocument("/T (b)", "/NeedAppearances true").Build()});
+  EXPECT_THAT(Losses(), IsEmpty());
 }
 
 TEST_F(CarriedForms, AreNotDrawnAnewForOneWithoutFields) {
   Carried(
       {PagesDocument(1, "/AcroForm << /NeedAppearances true >>").Build(), FormDocument("/T (a)").Build()});
   EXPECT_FALSE(Form().getKey("/NeedAppearances").getBoolValue());
+  EXPECT_THAT(Losses(), IsEmpty());
 }
 
 TEST_F(CarriedForms, TellOfSignaturesAndLetFilesBeSaved) {
