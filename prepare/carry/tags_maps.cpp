@@ -69,6 +69,7 @@ std::vector<Place> ElementsOf(Revision& revision, const CarriedDocument& documen
   std::vector<Place> elements;
   std::set<QPDFObjGen> seen;
   std::vector<Place> waiting;
+  waiting.reserve(top.size());
   for (const QPDFObjectHandle& element : top) waiting.push_back({element, QPDFObjectHandle()});
   while (!waiting.empty()) {
     auto [value, owner] = waiting.back();
