@@ -16,7 +16,7 @@ class OutlineWalk {
  public:
   OutlineWalk(Revision& revision, const CarriedDocument& document)
       : revision_(revision), document_(document) {
-    for (QPDFObjectHandle page : document.Pages) pages_.insert(page.getObjectID());
+    for (const QPDFObjectHandle& page : document.Pages) pages_.insert(page.getObjectID());
   }
 
   OutlineItems Run(QPDFObjectHandle root) {
