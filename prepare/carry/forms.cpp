@@ -21,7 +21,11 @@ constexpr long long kSignaturesExist = 1;
 
 class MergedForm {
  public:
-  explicit MergedForm(Revision& revision) : revision_(revision), names_(revision), resources_(revision) {}
+  explicit MergedForm(Revision& revision) : revision_(revision), names_(revision), resources_(revision) {
+    for (const CarriedDocument& document : revision.Documents()) {
+      mayHaveLaterForm_ |= document.Index > 1 && EntryOf(document.Catalog, "/AcroForm").isDictionary();
+    }
+  }
 
   /// Looks at all that can be wrong before it changes anything.
   void Add(CarriedDocument& document) {
@@ -32,7 +36,7 @@ class MergedForm {
     const NewNames names = names_.Plan(read.Named, document.Index);
     const NewNames fonts = resources_.Plan(form, document.Index);
     std::optional<FieldMentions> mentions;
-    if (!names.empty()) mentions.emplace(revision_, document, names);
+    if (mayHaveLaterForm_) mentions.emplace(revision_, document, names);
     // The first form has what there is one of.
     QPDFObjectHandle merged = merged_.isInitialized() ? merged_ : form.shallowCopy();
     const std::vector<NewEntry> looks = EntriesForLooks(revision_, read, fonts, merged);
@@ -40,7 +44,8 @@ class MergedForm {
 
     merged_ = merged;
     names_.Take(read.Named, names);
-    if (mentions) TakeMentions(document, *mentions);
+    if (mentions) TakeMentions(document, *mentions, !names.empty());
+    if (mentions) onAllFields_.push_back({mentions->OnAllFields(), read.Roots});
     resources_.Take(form, fonts);
     for (const NewEntry& entry : looks) {
       QPDFObjectHandle field = entry.Field;
@@ -65,10 +70,16 @@ class MergedForm {
     if (merged_.hasKey("/SigFlags") || signaturesExist_ != 0)
       Set("/SigFlags", QPDFObjectHandle::newInteger(signaturesExist_));
     DropOtherForms();
+    ConfineActions();
     revision_.Catalog().replaceKey("/AcroForm", revision_.Add(merged_));
   }
 
  private:
+  struct ActionsOnAll {
+    std::vector<Place> Actions;
+    Handles Roots;  ///< of the fields of their document
+  };
+
   /// The fields that are calculated.
   Handles OrderOf(const CarriedDocument& document, QPDFObjectHandle form) {
     Handles order;
@@ -78,9 +89,9 @@ class MergedForm {
     return order;
   }
 
-  void TakeMentions(const CarriedDocument& document, FieldMentions& mentions) {
+  void TakeMentions(const CarriedDocument& document, FieldMentions& mentions, bool areRenamed) {
     mentions.Rename();
-    if (mentions.HasScripts())
+    if (areRenamed && mentions.HasScripts())
       revision_.TellLost(document, "scripts", "they may use the old names of renamed fields");
   }
 
@@ -101,6 +112,14 @@ class MergedForm {
       revision_.TellLost(*document, "looks",
                          "its fields are drawn anew, as the form of document " +
                              std::to_string(asking_.front()->Index) + " asks for that");
+    }
+  }
+
+  /// What resets or sends all fields of its document does not do so with those of others.
+  void ConfineActions() {
+    for (const auto& [actions, roots] : onAllFields_) {
+      if (actions.empty() || roots.size() == fields_.size()) continue;
+      Confine(revision_, actions, revision_.Add(QPDFObjectHandle::newArray(roots)));
     }
   }
 
@@ -129,11 +148,13 @@ class MergedForm {
   QPDFObjectHandle merged_;  ///< not initialised before the first form
   Handles fields_;
   Handles order_;
+  std::vector<ActionsOnAll> onAllFields_;
   std::size_t firstFields_ = 0;  ///< of the first document
   long long signaturesExist_ = 0;
   // Documents with fields: those whose form has readers draw the fields anew, and the others.
   std::vector<const CarriedDocument*> asking_;
   std::vector<const CarriedDocument*> notAsking_;
+  bool mayHaveLaterForm_ = false;
   bool hasLaterForm_ = false;
   std::vector<const CarriedDocument*> withOtherForm_;
 };

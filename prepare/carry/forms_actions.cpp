@@ -23,8 +23,9 @@ void FieldMentions::LookAt(const Place& place) {
   hasScripts_ = hasScripts_ || dictionary.hasKey("/JS");
   QPDFObjectHandle action = dictionary.getKey("/S");
   if (action.isNameAndEquals("/Hide")) LookAtNames(place, "/T");
-  const bool namesFields = action.isNameAndEquals("/ResetForm") || action.isNameAndEquals("/SubmitForm");
-  if (namesFields || dictionary.getKey("/Type").isNameAndEquals("/SigFieldLock"))
+  const bool isOnFields = action.isNameAndEquals("/ResetForm") || action.isNameAndEquals("/SubmitForm");
+  if (isOnFields && dictionary.getKey("/Fields").isNull()) onAllFields_.push_back(place);
+  if (isOnFields || dictionary.getKey("/Type").isNameAndEquals("/SigFieldLock"))
     LookAtNames(place, "/Fields");
 }
 
@@ -58,6 +59,16 @@ void FieldMentions::Rename() {
     }
     // What stands directly in the catalog of a later document is written with the new form.
     if (mention.Owner.isInitialized()) revision_.Change(mention.Owner);
+  }
+}
+
+void Confine(Revision& revision, const std::vector<Place>& actions, const QPDFObjectHandle& fields) {
+  for (const Place& action : actions) {
+    SetEntry(revision, action, "/Fields", fields);
+    long long flags = 0;
+    static_cast<void>(EntryOf(action.Dictionary, "/Flags").getValueAsInt(flags));
+    // Without a list this flag has no effect; with one it means all other fields.
+    if ((flags & 1) != 0) SetEntry(revision, action, "/Flags", QPDFObjectHandle::newInteger(flags & ~1LL));
   }
 }
 

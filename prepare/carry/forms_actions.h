@@ -20,6 +20,8 @@ class FieldMentions {
   [[nodiscard]] bool HasScripts() const { return hasScripts_; }
   /// Has the new names mentioned.
   void Rename();
+  /// Actions that reset or send all fields of the form.
+  [[nodiscard]] const std::vector<Place>& OnAllFields() const { return onAllFields_; }
 
  private:
   struct Mention {
@@ -37,7 +39,11 @@ class FieldMentions {
   Revision& revision_;
   const NewNames& renamed_;
   std::vector<Mention> mentions_;
+  std::vector<Place> onAllFields_;
   bool hasScripts_ = false;
 };
+
+/// Has the actions reset or send `fields` alone, which is an array.
+void Confine(Revision& revision, const std::vector<Place>& actions, const QPDFObjectHandle& fields);
 
 }  // namespace folioweld

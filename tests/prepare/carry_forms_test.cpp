@@ -135,6 +135,27 @@ TEST_F(CarriedForms, ChangeTheNamesInActionsTogether) {
   EXPECT_THAT(Losses(), IsEmpty());
 }
 
+TEST_F(CarriedForms, AreResetAndSentEachForItself) {
+  const auto document = [](const std::string& name) {
+    auto built = FormDocument("/T (" + name + ") /A 5 0 R", "", "6 0 R");
+    built.Object(5, "<< /S /ResetForm /Flags 1 /Next << /S /SubmitForm /F (x) /Flags 5 >> >>");
+    return built.Object(6, "<< /T (" + name + "2) /FT /Tx >>").Build();
+  };
+  QPDF& file = Carried({document("a"), document("b")});
+  for (const int number : {1, 2}) {
+    QPDFObjectHandle reset = file.getObjectByID(Numbered(number, 5), 0);
+    for (QPDFObjectHandle action : {reset, reset.getKey("/Next")}) {
+      ASSERT_EQ(action.getKey("/Fields").getArrayNItems(), 2);
+      EXPECT_EQ(action.getKey("/Fields").getArrayItem(0).getObjectID(), Numbered(number, 4));
+      EXPECT_EQ(action.getKey("/Fields").getArrayItem(1).getObjectID(), Numbered(number, 6));
+    }
+    EXPECT_EQ(reset.getKey("/Flags").getIntValue(), 0);
+    EXPECT_EQ(reset.getKey("/Next").getKey("/Flags").getIntValue(), 4);
+  }
+  QPDF& alone = Carried({PagesDocument(1).Build(), document("a")});
+  EXPECT_EQ(EntryOfField(alone, 2, "/Fields", 5), "null");
+}
+
 TEST_F(CarriedForms, TellThatScriptsMayUseOldNames) {
   const std::string script = "/AA << /C << /S /JavaScript /JS (x) >> >>";
   Carried({FormDocument("/T (a)" + script).Build(), FormDocument("/T (a)" + script).Build(),
