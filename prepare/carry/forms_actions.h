@@ -9,8 +9,8 @@
 
 namespace folioweld {
 
-/// What a document says of renamed fields by their names: actions that hide, reset or send fields, and what
-/// signatures lock.
+/// What a document does with fields: by the names of those that are renamed, in actions that hide, reset or
+/// send fields and in what signatures lock; and with all fields, in actions that name none.
 class FieldMentions {
  public:
   /// Looks for them. Raises `NotCarried`.

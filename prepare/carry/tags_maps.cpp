@@ -3,6 +3,7 @@
 #include <set>
 #include <utility>
 
+#include "prepare/carry/forms_names.h"
 #include "prepare/carry/forms_same_value.h"
 
 namespace folioweld {
@@ -17,16 +18,9 @@ QPDFObjectHandle Renamed(QPDFObjectHandle value, const Renames& renames) {
   return found == renames.end() ? value : QPDFObjectHandle::newName(found->second);
 }
 
-std::string FreeName(const std::string& name, const NameMap& merged, const NameMap& own, int document) {
-  std::string free;
-  do {
-    free = name + "-" + std::to_string(document++);
-  } while (merged.count(free) > 0 || own.count(free) > 0);
-  return free;
-}
-
 /// Of names in both maps, those whose values differ; a name for a name that differs does as well.
 Renames Clashes(Revision& revision, const NameMap& merged, const NameMap& own, int document) {
+  const auto isTaken = [&](const std::string& name) { return merged.count(name) + own.count(name) > 0; };
   Renames renames;
   for (bool isComplete = false; !isComplete;) {
     isComplete = true;
@@ -35,7 +29,7 @@ Renames Clashes(Revision& revision, const NameMap& merged, const NameMap& own, i
       const auto other = merged.find(name);
       if (other == merged.end() || renames.count(name) > 0) continue;
       if (IsSameValue(other->second, Renamed(value, renames))) continue;
-      renames[name] = FreeName(name, merged, own, document);
+      renames[name] = Numbered(revision, name, document, isTaken);
       isComplete = false;
     }
   }
