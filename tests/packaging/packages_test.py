@@ -85,7 +85,7 @@ class Packages(FolderTest):
         for package, program in self.programs():
             build = re.search(r"Build ID: (\w+)", run("readelf", "--notes", program)).group(1)
             inside = self.folder / "symbols" / package
-            inside.mkdir(parents=True)
+            inside.mkdir(parents=True, exist_ok=True)
             run("dpkg-deb", "--extract", symbols[package], inside)
             file = inside / f"usr/lib/debug/.build-id/{build[:2]}/{build[2:]}.debug"
             self.assertIn(".debug_info", run("readelf", "--wide", "--sections", file))
