@@ -38,6 +38,8 @@ class FreshSystem(unittest.TestCase):
         self.install("folioweld-window")
         self.use_the_window()
         self.join_the_examples()
+        self.install("folioweld-extras")
+        self.join_the_examples("--prepare", "--carry")
         self.remove_everything()
         self.assertEqual(self.root.installed(), packages_before)
         self.expect_nothing_left(fresh)
@@ -48,8 +50,8 @@ class FreshSystem(unittest.TestCase):
         self.root.apt("install", f"/packages/{target.name}")
         target.unlink()
 
-    def join_the_examples(self):
-        result = self.root.run("folioweld", "/home/user/joined.pdf", EXAMPLES, user=True)
+    def join_the_examples(self, *options):
+        result = self.root.run("folioweld", *options, "/home/user/joined.pdf", EXAMPLES, user=True)
         self.assertEqual((result.returncode, result.stdout, result.stderr), (0, "", ""))
         joined = self.root.path / "home/user/joined.pdf"
         self.assertEqual(pages(joined), sum(map(pages, (ROOT / "examples").glob("*.pdf"))))
@@ -80,7 +82,7 @@ class FreshSystem(unittest.TestCase):
             program.wait()
 
     def remove_everything(self):
-        self.root.apt("purge", "folioweld", "folioweld-window")
+        self.root.apt("purge", "folioweld", "folioweld-window", "folioweld-extras")
         self.root.apt("autoremove", "--purge")
 
     def expect_nothing_left(self, fresh):
