@@ -21,6 +21,7 @@ from collections import Counter
 
 import catalog_contents
 import documents as corpus_documents
+import prepare_corpus
 import readers
 from join_corpus import SKIPPED, first_few, run_jobs
 from program import World
@@ -29,7 +30,6 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 COMPANIONS = ("weasyprint-attach.pdf", "cairo-links.pdf")
 # Documents that are joined as they are, with something of everything.
 DEEP = ("cairo-links.pdf", "pdftex-classic.pdf", "libreoffice-writer-tagged.pdf", "htmldoc-book.pdf", "gdal-geo.pdf", "pdfbox2-form.pdf")
-RESOLUTION = "40"
 PLAIN_LABEL = "/D"
 
 
@@ -40,7 +40,7 @@ def contents(path):
 
 @functools.lru_cache(maxsize=None)
 def look(path):
-    return catalog_contents.looks(path, RESOLUTION)
+    return prepare_corpus.look(path)
 
 
 @functools.lru_cache(maxsize=None)
@@ -170,7 +170,7 @@ def link_differences(inputs, joined):
 
 def look_differences(paths, output):
     expected = [(path, number, page) for path in paths for number, page in enumerate(look(path), 1)]
-    now = catalog_contents.looks(output, RESOLUTION)
+    now = prepare_corpus.look(output)
     if len(now) != len(expected):
         yield f"{len(now)} pages instead of {len(expected)}"
     for (path, number, was), page in zip(expected, now):

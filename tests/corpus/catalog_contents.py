@@ -6,7 +6,6 @@ Everything is read from qpdf's listing of the objects; pages count from 0.
 import hashlib
 import subprocess
 
-import readers
 from object_graph import Graph, Stream
 
 NOWHERE = None
@@ -223,14 +222,6 @@ def text(value):
 
 def shown(value):
     return "a stream" if isinstance(value, Stream) else str(value)
-
-
-def looks(path, resolution):
-    """(text, width, height, pixels) of every page."""
-    texts = readers.run(["pdftotext", "-enc", "UTF-8", path, "-"]).stdout.split(b"\f")[:-1]
-    drawn = readers.run(["pdftoppm", "-r", resolution, path]).stdout
-    pictures = [(w, h, hashlib.sha256(samples).digest()) for w, h, samples in readers.split_pictures(drawn)]
-    return [(words, *picture) for words, picture in zip(texts, pictures)]
 
 
 def named_destinations(path):
