@@ -51,7 +51,10 @@ class Source : public QLabel {
     // The toolkit keeps the drag until the other program has taken what it wants.
     connect(drag, &QObject::destroyed, this, [] { Tell("finished"); });
     // Told from the drag's own event loop: a move of the pointer before that may be handled after later ones.
-    QTimer::singleShot(0, drag, [] { Tell("dragging"); });
+    auto* begun = new QTimer(drag);
+    begun->setSingleShot(true);
+    connect(begun, &QTimer::timeout, drag, [] { Tell("dragging"); });
+    begun->start();
     const Qt::DropAction effect = drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::CopyAction);
     dragging_ = false;
     Tell(effect == Qt::IgnoreAction ? "ended: none"
