@@ -218,12 +218,8 @@ def check_join(options, paths):
         with open(carried.output, "rb") as file:
             if not file.read().startswith(beginning):
                 yield "the output without the option is not the beginning of the one with it"
-        told = carried.stderr
-        found = list(differences(paths, names, carried))
-        if carried.status == 0 or not told:
-            yield from found
-        else:
-            yield from (f"told {told!r}: {how}" for how in found)
+        told = f"told {carried.stderr!r}: " if carried.stderr else ""
+        yield from (told + how for how in differences(paths, names, carried))
 
 
 def check(options, document):
