@@ -4,8 +4,10 @@
 
 trap 'tmux_ kill-server 2>/dev/null || true; rm -rf "$folder"' EXIT
 tmux_() { tmux -S "$folder/tmux" -f /dev/null "$@"; }
+# One server for all terminals: one that ends with its last terminal may be found ending by the next.
+tmux_ start-server \; set-option -s exit-empty off
 
-# open_terminal NAME COLUMNS: with a shell; what it shows is also in the file NAME, byte by byte.
+# open_terminal NAME COLUMNS: with a shell; what it shows is also in the file NAME, byte by byte, but a moment later.
 open_terminal() {
   terminal=$1
   tmux_ new-session -d -s "$1" -x "$2" -y 24 "PS1='\$ ' exec bash --norc --noprofile -i"
@@ -19,20 +21,21 @@ shows() { rows | grep -qE -- "$1"; }
 type_line() { tmux_ send-keys -t "$terminal" -l -- "$1" && tmux_ send-keys -t "$terminal" Enter; }
 press() { tmux_ send-keys -t "$terminal" "$1"; }
 
-# run COMMAND: types it and waits until it has ended. The mark is put together by the shell: what is typed does not hold it.
+# run COMMAND [STATUS]: types it and waits until it has ended, on the screen and in the file. The mark is put together by
+# the shell: what is typed does not hold it.
 marks=0
 run() {
   marks=$((marks + 1))
   type_line "$1; echo 'ma''rk' $marks \$?"
-  wait_for shows "^mark $marks [0-9]+$"
+  wait_for shows "^mark $marks ${2:-[0-9]+}$"
+  wait_for grep -q "mark $marks [0-9]" "$terminal"
 }
 
 # stops_with_control_c: what is said after the key, by program and shell.
 stops_with_control_c() {
   press C-c
   wait_for shows 'ended by'
-  type_line 'echo "status" "$?."'
-  wait_for shows '^status 130\.'
+  run '(exit $?)' 130
   if shows '^(Merge|Parsing|Pass) '; then fail "rows are left: $(rows)"; fi
   [[ -z $(ls -A "$TMPDIR") ]] || fail "left over: $(ls -A "$TMPDIR")"
 }
@@ -105,7 +108,7 @@ run 'folioweld -q out.pdf few'
 run 'folioweld --progress=never out.pdf few'
 equal 'what is drawn where nothing is to be' "$(grep -c 'Merge 1 of 2' jobs || true)" 0
 run 'folioweld out.pdf few'
-wait_for grep -q 'Merge 1 of 2 (round 1 of 2): b\.pdf' jobs
+grep -q 'Merge 1 of 2 (round 1 of 2): b\.pdf' jobs || fail 'nothing is drawn'
 if shows '^(Merge|Parsing|Pass) '; then fail "rows are left: $(rows)"; fi
 equal 'the joined documents' "$(words out.pdf)" 'a b c'
 
