@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "prepare/carry/forms_actions.h"
+#include "prepare/carry/forms_excluded.h"
 #include "prepare/carry/forms_fonts.h"
 #include "prepare/carry/forms_looks.h"
 #include "prepare/carry/forms_names.h"
@@ -41,11 +42,14 @@ class MergedForm {
     QPDFObjectHandle merged = merged_.isInitialized() ? merged_ : form.shallowCopy();
     const std::vector<NewEntry> looks = EntriesForLooks(revision_, read, fonts, merged);
     const Handles order = OrderOf(document, form);
+    std::vector<ConfinedActions> confined;
+    if (mentions) confined = ConfinedOf(*mentions, read);
 
     merged_ = merged;
     names_.Take(read.Named, names);
     if (mentions) TakeMentions(document, *mentions, !names.empty());
-    if (mentions) onAllFields_.push_back({mentions->OnAllFields(), read.Roots});
+    confined_.insert(confined_.end(), confined.begin(), confined.end());
+    allFields_.insert(allFields_.end(), read.Fields.begin(), read.Fields.end());
     resources_.Take(form, fonts);
     for (const NewEntry& entry : looks) {
       QPDFObjectHandle field = entry.Field;
@@ -75,10 +79,21 @@ class MergedForm {
   }
 
  private:
-  struct ActionsOnAll {
+  /// Actions that would reach the fields of other documents.
+  struct ConfinedActions {
     std::vector<Place> Actions;
-    Handles Roots;  ///< of the fields of their document
+    Handles Fields;     ///< that they are for
+    std::size_t Roots;  ///< fields of their document, without those below others
   };
+
+  std::vector<ConfinedActions> ConfinedOf(const FieldMentions& mentions, const DocumentForm& read) {
+    std::vector<ConfinedActions> confined = {{mentions.OnAllFields(), read.Roots, read.Roots.size()}};
+    for (const Place& action : mentions.OnAllBut()) {
+      const Handles fields = FieldsBut(revision_, read, EntryOf(action.Dictionary, "/Fields"));
+      confined.push_back({{action}, fields, read.Roots.size()});
+    }
+    return confined;
+  }
 
   /// The fields that are calculated.
   Handles OrderOf(const CarriedDocument& document, QPDFObjectHandle form) {
@@ -91,8 +106,11 @@ class MergedForm {
 
   void TakeMentions(const CarriedDocument& document, FieldMentions& mentions, bool areRenamed) {
     mentions.Rename();
-    if (areRenamed && mentions.HasScripts())
+    if (!areRenamed) return;
+    if (mentions.HasScripts())
       revision_.TellLost(document, "scripts", "they may use the old names of renamed fields");
+    if (mentions.HasExchange())
+      revision_.TellLost(document, "names", "its renamed fields are sent and imported by their new names");
   }
 
   void TakeFlags(const CarriedDocument& document, const DocumentForm& read) {
@@ -115,11 +133,18 @@ class MergedForm {
     }
   }
 
-  /// What resets or sends all fields of its document does not do so with those of others.
+  /// What resets or sends all fields of its document does not do so with those of others. Where there are
+  /// none, all of the file are left out: some readers take an empty list for none.
   void ConfineActions() {
-    for (const auto& [actions, roots] : onAllFields_) {
-      if (actions.empty() || roots.size() == fields_.size()) continue;
-      Confine(revision_, actions, revision_.Add(QPDFObjectHandle::newArray(roots)));
+    QPDFObjectHandle all;
+    for (const auto& [actions, fields, roots] : confined_) {
+      if (actions.empty() || roots == fields_.size()) continue;
+      if (fields.empty()) {
+        if (!all.isInitialized()) all = revision_.Add(QPDFObjectHandle::newArray(allFields_));
+        Confine(revision_, actions, all, Listed::LeftOut);
+      } else {
+        Confine(revision_, actions, revision_.Add(QPDFObjectHandle::newArray(fields)), Listed::Alone);
+      }
     }
   }
 
@@ -148,7 +173,8 @@ class MergedForm {
   QPDFObjectHandle merged_;  ///< not initialised before the first form
   Handles fields_;
   Handles order_;
-  std::vector<ActionsOnAll> onAllFields_;
+  Handles allFields_;  ///< and those below them
+  std::vector<ConfinedActions> confined_;
   std::size_t firstFields_ = 0;  ///< of the first document
   long long signaturesExist_ = 0;
   // Documents with fields: those whose form has readers draw the fields anew, and the others.

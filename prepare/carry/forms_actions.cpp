@@ -11,6 +11,15 @@ namespace {
 const std::set<std::string> kLeftAlone = {"/AP", "/Contents", "/DR",        "/MK",        "/Metadata", "/OC",
                                           "/P",  "/Parent",   "/PieceInfo", "/Resources", "/Thumb"};
 
+/// Of /Flags: the fields that are listed are those to leave out. Without a list it has no effect.
+constexpr long long kLeaveOut = 1;
+
+long long FlagsOf(const Place& action) {
+  long long flags = 0;
+  static_cast<void>(EntryOf(action.Dictionary, "/Flags").getValueAsInt(flags));
+  return flags;
+}
+
 }  // namespace
 
 FieldMentions::FieldMentions(Revision& revision, const CarriedDocument& document, const NewNames& renamed)
@@ -23,8 +32,14 @@ void FieldMentions::LookAt(const Place& place) {
   hasScripts_ = hasScripts_ || dictionary.hasKey("/JS");
   QPDFObjectHandle action = dictionary.getKey("/S");
   if (action.isNameAndEquals("/Hide")) LookAtNames(place, "/T");
-  const bool isOnFields = action.isNameAndEquals("/ResetForm") || action.isNameAndEquals("/SubmitForm");
-  if (isOnFields && dictionary.getKey("/Fields").isNull()) onAllFields_.push_back(place);
+  const bool isSent = action.isNameAndEquals("/SubmitForm");
+  hasExchange_ = hasExchange_ || isSent || action.isNameAndEquals("/ImportData");
+  const bool isOnFields = isSent || action.isNameAndEquals("/ResetForm");
+  if (isOnFields && dictionary.getKey("/Fields").isNull()) {
+    onAllFields_.push_back(place);
+  } else if (isOnFields && (FlagsOf(place) & kLeaveOut) != 0) {
+    onAllBut_.push_back(place);
+  }
   if (isOnFields || dictionary.getKey("/Type").isNameAndEquals("/SigFieldLock"))
     LookAtNames(place, "/Fields");
 }
@@ -62,13 +77,13 @@ void FieldMentions::Rename() {
   }
 }
 
-void Confine(Revision& revision, const std::vector<Place>& actions, const QPDFObjectHandle& fields) {
+void Confine(Revision& revision, const std::vector<Place>& actions, const QPDFObjectHandle& fields,
+             Listed listed) {
   for (const Place& action : actions) {
     SetEntry(revision, action, "/Fields", fields);
-    long long flags = 0;
-    static_cast<void>(EntryOf(action.Dictionary, "/Flags").getValueAsInt(flags));
-    // Without a list this flag has no effect; with one it means all other fields.
-    if ((flags & 1) != 0) SetEntry(revision, action, "/Flags", QPDFObjectHandle::newInteger(flags & ~1LL));
+    const long long before = FlagsOf(action);
+    const long long flags = listed == Listed::Alone ? before & ~kLeaveOut : before | kLeaveOut;
+    if (flags != before) SetEntry(revision, action, "/Flags", QPDFObjectHandle::newInteger(flags));
   }
 }
 

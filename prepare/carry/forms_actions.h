@@ -10,7 +10,8 @@
 namespace folioweld {
 
 /// What a document does with fields: by the names of those that are renamed, in actions that hide, reset or
-/// send fields and in what signatures lock; and with all fields, in actions that name none.
+/// send fields and in what signatures lock; and with all fields, or all but some, in actions that reset or
+/// send.
 class FieldMentions {
  public:
   /// Looks for them. Raises `NotCarried`.
@@ -18,10 +19,14 @@ class FieldMentions {
 
   /// Whether there are scripts, which may name fields in ways that only a reader finds out.
   [[nodiscard]] bool HasScripts() const { return hasScripts_; }
+  /// Whether values are sent or imported, which the names of the fields go with.
+  [[nodiscard]] bool HasExchange() const { return hasExchange_; }
   /// Has the new names mentioned.
   void Rename();
   /// Actions that reset or send all fields of the form.
   [[nodiscard]] const std::vector<Place>& OnAllFields() const { return onAllFields_; }
+  /// Those on all but the fields that they list.
+  [[nodiscard]] const std::vector<Place>& OnAllBut() const { return onAllBut_; }
 
  private:
   struct Mention {
@@ -40,10 +45,14 @@ class FieldMentions {
   const NewNames& renamed_;
   std::vector<Mention> mentions_;
   std::vector<Place> onAllFields_;
+  std::vector<Place> onAllBut_;
   bool hasScripts_ = false;
+  bool hasExchange_ = false;
 };
 
-/// Has the actions reset or send `fields` alone, which is an array.
-void Confine(Revision& revision, const std::vector<Place>& actions, const QPDFObjectHandle& fields);
+/// Has the actions reset or send the fields that an array lists, or all others.
+enum class Listed { Alone, LeftOut };
+void Confine(Revision& revision, const std::vector<Place>& actions, const QPDFObjectHandle& fields,
+             Listed listed);
 
 }  // namespace folioweld

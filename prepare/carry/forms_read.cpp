@@ -62,11 +62,11 @@ class FieldWalk {
   std::set<QPDFObjGen> seen_;
 };
 
+}  // namespace
+
 void SpendOn(Revision& revision, const std::string& bytes) {
   for (std::size_t i = 0; i <= bytes.size() / kBytesOfStep; ++i) revision.Spend();
 }
-
-}  // namespace
 
 DocumentForm ReadForm(Revision& revision, const CarriedDocument& document, const QPDFObjectHandle& form) {
   return FieldWalk(revision, document).Read(form);

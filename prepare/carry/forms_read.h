@@ -27,7 +27,10 @@ struct DocumentForm {
 [[nodiscard]] DocumentForm ReadForm(Revision& revision, const CarriedDocument& document,
                                     const QPDFObjectHandle& form);
 
-/// The value of a string, which counts as more steps the longer it is: many fields may share a long one.
+/// Counts as more steps the longer the bytes are.
+void SpendOn(Revision& revision, const std::string& bytes);
+
+/// The value of a string, which is spent on: many fields may share a long one.
 [[nodiscard]] std::string BytesOf(Revision& revision, QPDFObjectHandle string);
 /// The same in UTF-8.
 [[nodiscard]] std::string TextOf(Revision& revision, QPDFObjectHandle string);

@@ -1,4 +1,7 @@
 #include <gmock/gmock.h>
+#include <map>
+#include <string>
+#include <vector>
 
 #include "prepare/carry/forms.h"
 #include "prepare/carry/forms_same_value.h"
@@ -154,6 +157,58 @@ TEST_F(CarriedForms, AreResetAndSentEachForItself) {
   }
   QPDF& alone = Carried({PagesDocument(1).Build(), document("a")});
   EXPECT_EQ(EntryOfField(alone, 2, "/Fields", 5), "null");
+}
+
+/// Its action resets all fields but for those that `excluded` lists. 4 is "a", 6 is "p" with the kids 7,
+/// "p.q", and 8, "p.r", which has the widget 9.
+DocumentBuilder ResettingDocument(const std::string& excluded) {
+  auto document = FormDocument("/T (a) /A 5 0 R", "", "6 0 R");
+  document.Object(5, "<< /S /ResetForm /Fields [ " + excluded + " ] /Flags 1 >>");
+  document.Object(6, "<< /FT /Tx /T (p) /Kids [ 7 0 R 8 0 R ] >>");
+  document.Object(7, "<< /Parent 6 0 R /T (q) >>").Object(8, "<< /Parent 6 0 R /T (r) /Kids [ 9 0 R ] >>");
+  return document.Object(9, "<< /Parent 8 0 R /Subtype /Widget /Rect [ 9 9 90 30 ] >>");
+}
+
+TEST_F(CarriedForms, AreResetEachForItselfWhereSomeFieldsAreNot) {
+  const std::string other = FormDocument("/T (a)").Build();
+  const std::map<std::string, std::vector<int>> listed = {
+      {"(a)", {6}},      {"(p)", {4}},      {"4 0 R (p.q)", {8}},     {"(p.r)", {4, 7}},
+      {"8 0 R", {4, 7}}, {"9 0 R", {4, 7}}, {"(b) (q) null", {4, 6}}, {"<FEFF0070>", {4}},
+  };
+  for (const auto& [excluded, expected] : listed) {
+    QPDF& file = Carried({other, ResettingDocument(excluded).Build(), other});
+    QPDFObjectHandle reset = file.getObjectByID(Numbered(2, 5), 0);
+    EXPECT_EQ(reset.getKey("/Flags").getIntValue(), 0);
+    std::vector<int> numbers;
+    for (QPDFObjectHandle field : reset.getKey("/Fields").getArrayAsVector())
+      numbers.push_back(field.getObjectID() - Numbered(2, 0));
+    EXPECT_EQ(numbers, expected) << excluded;
+  }
+}
+
+TEST_F(CarriedForms, KeepOutWhatAnActionLeavesOutInADocumentAlone) {
+  QPDF& file = Carried({PagesDocument(1).Build(), ResettingDocument("(a)").Build()});
+  EXPECT_EQ(EntryOfField(file, 2, "/Fields", 5), "[ (a) ]");
+  EXPECT_EQ(EntryOfField(file, 2, "/Flags", 5), "1");
+}
+
+TEST_F(CarriedForms, AreLeftAloneByAnActionForNoField) {
+  // Some readers take an empty list for none, and reset all fields.
+  QPDF& file = Carried({ResettingDocument("(a) 6 0 R").Build(), FormDocument("/T (a)").Build()});
+  QPDFObjectHandle reset = file.getObjectByID(Numbered(1, 5), 0);
+  EXPECT_EQ(reset.getKey("/Flags").getIntValue(), 1);
+  std::vector<int> numbers;
+  for (QPDFObjectHandle field : reset.getKey("/Fields").getArrayAsVector())
+    numbers.push_back(field.getObjectID());
+  EXPECT_THAT(numbers, ElementsAre(4, 6, 7, 8, 9, Numbered(2, 4)));
+}
+
+TEST_F(CarriedForms, TellThatRenamedFieldsAreSentAndImportedByTheirNewNames) {
+  const std::string sends = FormDocument("/T (a) /A << /S /SubmitForm /F (x) /Fields [ (a) ] >>").Build();
+  Carried({sends, sends, FormDocument("/T (a) /A << /S /ImportData /F (x) >>").Build(),
+           FormDocument("/T (b) /A << /S /SubmitForm /F (x) >>").Build()});
+  EXPECT_THAT(Losses(), ElementsAre("2: names: its renamed fields are sent and imported by their new names",
+                                    "3: names: its renamed fields are sent and imported by their new names"));
 }
 
 TEST_F(CarriedForms, TellThatScriptsMayUseOldNames) {
