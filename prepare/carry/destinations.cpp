@@ -22,7 +22,7 @@ class Destinations {
     std::vector<DocumentNames> documents =
         ReadNames(revision_, kPart, [&](DocumentNames& names) { Read(names); });
     MakeNamesUnique(documents);
-    const bool isCarried = HasLaterNames(documents);
+    const bool isCarried = HasLaterNames(documents) || leadsBeyondFirst_;
     for (const DocumentNames& document : documents) ChangeUses(document, isCarried && hasTree_);
     if (isCarried) Write(MergedNames(revision_, kPart, documents));
     return std::move(uses_);
@@ -38,8 +38,10 @@ class Destinations {
     QPDFObjectHandle dictionary = EntryOf(catalog, "/Dests");
     if (dictionary.isDictionary()) AddDictionary(dictionary, names.Own.Values, uses);
     for (const NameUse& use : uses.Destinations) names.Used.insert(use.Name);
-    if (document.Index > 1) {
-      for (auto& [name, value] : names.Own.Values) value = WithPage(document, value);
+    for (auto& [name, value] : names.Own.Values) {
+      const QPDFObjectHandle withPage = WithPage(document, value);
+      leadsBeyondFirst_ = leadsBeyondFirst_ || (document.Index == 1 && !withPage.isSameObjectAs(value));
+      value = withPage;
     }
     hasTree_ = hasTree_ || tree.isDictionary();
   }
@@ -75,10 +77,10 @@ class Destinations {
       if (!isRenamed && !becomesString) continue;
       ChangeUse(revision_, use, isRenamed ? renamed->second : use.Name, use.IsNameObject && !becomesString);
     }
-    if (document.Document->Index == 1) return;
     for (const NameUse& use : uses.Pages) {
-      QPDFObjectHandle before = EntryOf(use.Where.Dictionary, use.Key);
-      SetEntry(revision_, use.Where, use.Key, WithPage(*document.Document, before));
+      const QPDFObjectHandle before = EntryOf(use.Where.Dictionary, use.Key);
+      const QPDFObjectHandle withPage = WithPage(*document.Document, before);
+      if (!withPage.isSameObjectAs(before)) SetEntry(revision_, use.Where, use.Key, withPage);
     }
   }
 
@@ -96,6 +98,7 @@ class Destinations {
   Revision& revision_;
   UsesByDocument uses_;
   bool hasTree_ = false;
+  bool leadsBeyondFirst_ = false;  ///< a page number of the first document, out of it
 };
 
 }  // namespace

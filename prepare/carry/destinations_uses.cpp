@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <set>
 
+#include "prepare/carry/web_address.h"
+
 namespace folioweld {
 
 namespace {
@@ -33,15 +35,30 @@ void NoteTarget(NameUses& uses, const Place& action) {
   uses.Attachments.push_back({place, "/N", name.getStringValue(), false});
 }
 
+void NoteArticle(NameUses& uses, const Place& action) {
+  QPDFObjectHandle article = EntryOf(action.Dictionary, "/D");
+  const bool isNamed = article.isInteger() || article.isString();
+  if (isNamed && EntryOf(action.Dictionary, "/F").isNull()) uses.Articles.push_back(action);
+}
+
+void NoteAddress(NameUses& uses, const Place& action) {
+  QPDFObjectHandle address = EntryOf(action.Dictionary, "/URI");
+  if (!address.isString() || IsWholeAddress(address.getStringValue())) return;
+  uses.WebLinks.push_back({action, "/URI", address.getStringValue(), false});
+}
+
 }  // namespace
 
 NameUses FindNameUses(Revision& revision, const CarriedDocument& document) {
   NameUses uses;
+  if (document.Index == 1) NoteDestination(uses, {CatalogOf(revision, document), {}}, "/OpenAction");
   ForEachDictionary(revision, document, kLeftAlone, [&](const Place& place) {
     NoteDestination(uses, place, "/Dest");
     QPDFObjectHandle action = EntryOf(place.Dictionary, "/S");
     if (action.isNameAndEquals("/GoTo")) NoteDestination(uses, place, "/D");
     if (action.isNameAndEquals("/GoToE")) NoteTarget(uses, place);
+    if (action.isNameAndEquals("/Thread")) NoteArticle(uses, place);
+    if (action.isNameAndEquals("/URI")) NoteAddress(uses, place);
   });
   return uses;
 }
@@ -54,14 +71,16 @@ void ChangeUse(Revision& revision, const NameUse& use, const std::string& name, 
 QPDFObjectHandle WithPage(const CarriedDocument& document, QPDFObjectHandle destination) {
   if (destination.isDictionary()) {
     QPDFObjectHandle inner = destination.getKey("/D");
-    if (!StartsWithInteger(inner)) return destination;
+    const QPDFObjectHandle withPage = StartsWithInteger(inner) ? WithPage(document, inner) : inner;
+    if (withPage.isSameObjectAs(inner)) return destination;
     QPDFObjectHandle changed = destination.shallowCopy();
-    changed.replaceKey("/D", WithPage(document, inner));
+    changed.replaceKey("/D", withPage);
     return changed;
   }
   if (!StartsWithInteger(destination)) return destination;
   const auto index = static_cast<unsigned long long>(destination.getArrayItem(0).getIntValue());
   const bool isThere = index < document.Pages.size();
+  if (isThere && document.Index == 1) return destination;
   const QPDFObjectHandle page =
       isThere ? document.Pages[static_cast<std::size_t>(index)] : QPDFObjectHandle::newNull();
   if (isThere && !QPDFObjectHandle(page).isIndirect()) return destination;

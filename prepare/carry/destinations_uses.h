@@ -21,6 +21,8 @@ struct NameUses {
   std::vector<NameUse> Destinations;
   std::vector<NameUse> Attachments;  ///< targets of the actions that go to embedded files
   std::vector<NameUse> Pages;        ///< destinations with an index instead of a page; without name
+  std::vector<Place> Articles;       ///< actions that lead to one by its index or title
+  std::vector<NameUse> WebLinks;     ///< actions whose addresses are relative
 };
 
 /// Actions that lead into other files are none of them. Raises `NotCarried` when the document is too large.
@@ -30,7 +32,8 @@ struct NameUses {
 void ChangeUse(Revision& revision, const NameUse& use, const std::string& name, bool asNameObject);
 
 /// The destination, with the document's page where it has the page's index (0-based); readers would take that
-/// for an index in the joined file. One beyond its pages leads nowhere, and not into another document.
+/// for an index in the joined file, which is right for the first document. One beyond its pages leads
+/// nowhere, and not into another document.
 [[nodiscard]] QPDFObjectHandle WithPage(const CarriedDocument& document, QPDFObjectHandle destination);
 
 }  // namespace folioweld

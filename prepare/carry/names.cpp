@@ -4,10 +4,13 @@
 #include <string>
 #include <vector>
 
+#include "prepare/carry/articles.h"
+#include "prepare/carry/catalog_lists.h"
 #include "prepare/carry/destinations.h"
 #include "prepare/carry/destinations_uses.h"
 #include "prepare/carry/dictionaries.h"
 #include "prepare/carry/names_merge.h"
+#include "prepare/carry/web_links.h"
 
 namespace folioweld {
 
@@ -47,27 +50,6 @@ void CarryTree(Revision& revision, const std::string& key, const UsesByDocument&
   SetNames(revision, key, MergedNames(revision, part, documents));
 }
 
-/// An entry of the catalog whose items are objects that nothing calls by a name.
-void CarryList(Revision& revision, const std::string& key, const std::string& part) {
-  std::vector<QPDFObjectHandle> all;
-  bool hasLater = false;
-  revision.ForEach(part, [&](const CarriedDocument& document) {
-    QPDFObjectHandle own = EntryOf(CatalogOf(revision, document), key);
-    if (own.isDictionary()) own = QPDFObjectHandle::newArray({own});
-    if (!own.isArray() || own.getArrayNItems() == 0) return;
-    const std::vector<QPDFObjectHandle> items = own.getArrayAsVector();
-    all.insert(all.end(), items.begin(), items.end());
-    hasLater = hasLater || document.Index > 1;
-  });
-  if (hasLater) revision.Catalog().replaceKey(key, QPDFObjectHandle::newArray(all));
-}
-
-/// What links to the web begin with that have no address of their own.
-std::string BaseOf(const QPDFObjectHandle& catalog) {
-  QPDFObjectHandle base = EntryOf(EntryOf(catalog, "/URI"), "/Base");
-  return base.isString() ? base.getStringValue() : std::string();
-}
-
 void TellWhatStaysBehind(Revision& revision) {
   revision.ForEach("scripts", [&](const CarriedDocument& document) {
     if (document.Index == 1) return;
@@ -78,10 +60,6 @@ void TellWhatStaysBehind(Revision& revision) {
     if (EntryOf(document.Catalog, "/Collection").isDictionary()) {
       revision.TellLost(document, "attachments", "only the first document can say how they are presented");
     }
-    const std::string base = BaseOf(document.Catalog);
-    if (!base.empty() && base != BaseOf(revision.Catalog())) {
-      revision.TellLost(document, "destinations", "its relative links to the web do not begin with its base");
-    }
   });
 }
 
@@ -91,7 +69,8 @@ void CarryNames(Revision& revision) {
   const UsesByDocument uses = CarryDestinations(revision);
   for (const std::string& key : TreesOf(revision)) CarryTree(revision, key, uses);
   CarryList(revision, "/AF", "attachments");
-  CarryList(revision, "/Threads", "names");
+  CarryArticles(revision, uses);
+  CarryWebLinks(revision, uses);
   TellWhatStaysBehind(revision);
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "prepare/carry/names.h"
+#include "prepare/carry/web_address.h"
 #include "tests/prepare/carry_fixture.h"
 
 namespace folioweld {
@@ -67,7 +68,7 @@ TEST_F(CarryNamesTest, PutsDestinationsOfAllDocumentsIntoOneTree) {
 
 TEST_F(CarryNamesTest, AddsNothingWhereOnlyTheFirstDocumentHasNames) {
   const std::string files = "/EmbeddedFiles << /Names [ (a.txt) << /F (a.txt) >> ] >> ";
-  const std::string dests = "/Dests << /Names [ (one) [ 3 0 R /Fit ] ] >> ";
+  const std::string dests = "/Dests << /Names [ (one) [ 3 0 R /Fit ] (two) << /D [ 0 /Fit ] >> ] >> ";
   CarryAll({PagesDocument(2, "/Names << " + files + dests + ">>", LinksTo("/Dest [ 1 /Fit ]")).Build(),
             PagesDocument(2).Build()});
   EXPECT_EQ(Appended().find(" 0 obj"), Appended().rfind(" 0 obj"));
@@ -203,6 +204,28 @@ TEST_F(CarryNamesTest, LeadsNowhereInsteadOfToAPageOfAnotherDocument) {
   QPDF& result = CarryAll({PagesDocument(2).Build(), second, PagesDocument(9).Build()});
   QPDFObjectHandle link = Object(result, 2, 3).getKey("/Annots").getArrayItem(0);
   EXPECT_EQ(link.getKey("/A").getKey("/D").unparse(), "[ null /Fit ]");
+}
+
+TEST_F(CarryNamesTest, KeepsTheFirstDocumentsPageNumbersOutOfOtherDocuments) {
+  const std::string first =
+      PagesDocument(
+          2, "/OpenAction [ 2 /Fit ] /Names << /Dests << /Names [ (a) [ 1 /Fit ] (b) [ 2 /Fit ] ] >> >>",
+          "/Annots [ << /Dest [ 3 /Fit ] >> << /A << /S /GoTo /D [ 1 /Fit ] >> >> ]")
+          .Build();
+  QPDF& result = CarryAll({first, PagesDocument(9).Build()});
+  EXPECT_EQ(Root().getKey("/Names").getKey("/Dests").getKey("/Names").unparse(),
+            "[ (a) [ 1 /Fit ] (b) [ null /Fit ] ]");
+  EXPECT_EQ(Root().getKey("/OpenAction").unparse(), "[ null /Fit ]");
+  QPDFObjectHandle links = Object(result, 1, 3).getKey("/Annots");
+  EXPECT_EQ(links.getArrayItem(0).getKey("/Dest").unparse(), "[ null /Fit ]");
+  EXPECT_EQ(links.getArrayItem(1).getKey("/A").getKey("/D").unparse(), "[ 1 /Fit ]");
+  EXPECT_THAT(Losses(), IsEmpty());
+}
+
+TEST_F(CarryNamesTest, OpensWhereANameThatChangesLeads) {
+  CarryAll({PagesDocument(1, "/OpenAction /a /Dests << /a [ 3 0 R /Fit ] >>").Build(),
+            DocumentWithTree("b").Build()});
+  EXPECT_EQ(Root().getKey("/OpenAction").unparse(), "(a)");
 }
 
 TEST_F(CarryNamesTest, TellsNameObjectsFromStringsWhereADocumentHasBothKinds) {
@@ -345,13 +368,133 @@ TEST_F(CarryNamesTest, CarriesArticles) {
   EXPECT_EQ(Root().getKey("/Threads").getArrayItem(1).getObjectID(), Numbered(3, 4));
 }
 
-TEST_F(CarryNamesTest, TellsWhereRelativeLinksToTheWebLeadElsewhere) {
-  const auto document = [](const std::string& base) {
-    return PagesDocument(1, "/URI << /Base (" + base + ") >>").Build();
+TEST_F(CarryNamesTest, LeadsArticlesToThoseOfTheirDocument) {
+  const auto document = [](const std::string& title) {
+    const auto link = [](const std::string& action) {
+      return "<< /A << /S /Thread /D " + action + " >> >> ";
+    };
+    auto built = PagesDocument(1, "/Threads [ 4 0 R 6 0 R ]",
+                               "/Annots [ " + link("1") + link("(" + title + ")") + link("2") +
+                                   link("(else)") + link("4 0 R") + link("1 /F (other.pdf)") + "]");
+    built.Object(4, "<< /F 5 0 R /I << /Title (" + title + ") >> >>");
+    built.Object(5, "<< /T 4 0 R /N 5 0 R /V 5 0 R /P 3 0 R /R [ 0 0 9 9 ] >>");
+    return built.Object(6, "<< /F 5 0 R >>").Build();
   };
-  CarryAll({document("http://a/"), document("http://a/"), document("http://b/"), PagesDocument(1).Build()});
-  EXPECT_THAT(Losses(),
-              ElementsAre("3: destinations: its relative links to the web do not begin with its base"));
+  QPDF& result = CarryAll({document("one"), document("one"), document("else")});
+  const auto leads = [&](int number) {
+    std::vector<std::string> targets;
+    QPDFObjectHandle links = Object(result, number, 3).getKey("/Annots");
+    for (QPDFObjectHandle link : links.getArrayAsVector())
+      targets.push_back(link.getKey("/A").getKey("/D").unparse());
+    return targets;
+  };
+  const auto reference = [&](int number, int object) {
+    return std::to_string(Numbered(number, object)) + " 0 R";
+  };
+  EXPECT_THAT(leads(1), ElementsAre("1", "(one)", "null", "null", "4 0 R", "1"));
+  EXPECT_THAT(leads(2), ElementsAre("3", "2", "null", "null", reference(2, 4), "1"));
+  EXPECT_THAT(leads(3), ElementsAre("5", "4", "null", "4", reference(3, 4), "1"));
+}
+
+/// With links to the web, each of which has its number in "/Annots".
+std::string DocumentWithLinks(const std::string& base, const std::vector<std::string>& links) {
+  std::string annotations;
+  for (const std::string& link : links) annotations += "<< /A << /S /URI /URI (" + link + ") >> >> ";
+  return PagesDocument(1, base.empty() ? "" : "/URI << /Base (" + base + ") >>",
+                       "/Annots [ " + annotations + "]")
+      .Build();
+}
+
+class CarriedWebLinks : public CarryNamesTest {
+ protected:
+  std::vector<std::string> Links(QPDF& result, int document) {
+    std::vector<std::string> links;
+    for (QPDFObjectHandle link : Object(result, document, 3).getKey("/Annots").getArrayAsVector())
+      links.push_back(link.getKey("/A").getKey("/URI").getStringValue());
+    return links;
+  }
+
+  std::string Base() {
+    QPDFObjectHandle base = Root().getKey("/URI");
+    return base.isDictionary() && base.getKey("/Base").isString() ? base.getKey("/Base").getStringValue()
+                                                                  : "none";
+  }
+};
+
+TEST_F(CarriedWebLinks, BecomeWholeWhereTheirBaseIsNotTheFirstDocuments) {
+  const std::vector<std::string> links = {"x", "mailto:a@b", "?q"};
+  QPDF& result = CarryAll({DocumentWithLinks("http://a/b/", links), DocumentWithLinks("http://a/b/", links),
+                           DocumentWithLinks("http://c/d/e?f", links)});
+  EXPECT_EQ(Base(), "http://a/b/");
+  EXPECT_EQ(Links(result, 1), links);
+  EXPECT_EQ(Links(result, 2), links);
+  EXPECT_THAT(Links(result, 3), ElementsAre("http://c/d/x", "mailto:a@b", "http://c/d/e?q"));
+  EXPECT_THAT(Losses(), IsEmpty());
+}
+
+TEST_F(CarriedWebLinks, BecomeWholeWhereTheFirstDocumentHasNoBase) {
+  QPDF& result = CarryAll({DocumentWithLinks("", {"x"}), DocumentWithLinks("http://a/", {"x"})});
+  EXPECT_THAT(Links(result, 1), ElementsAre("x"));
+  EXPECT_THAT(Links(result, 2), ElementsAre("http://a/x"));
+  EXPECT_EQ(Base(), "none");
+}
+
+TEST_F(CarriedWebLinks, AllBecomeWholeWhereSomeHaveNoBase) {
+  QPDF& result = CarryAll({DocumentWithLinks("http://a/", {"x"}), DocumentWithLinks("", {"x"}),
+                           DocumentWithLinks("http://a/", {"y"})});
+  EXPECT_THAT(Links(result, 1), ElementsAre("http://a/x"));
+  EXPECT_THAT(Links(result, 2), ElementsAre("x"));
+  EXPECT_THAT(Links(result, 3), ElementsAre("http://a/y"));
+  EXPECT_EQ(Base(), "none");
+  EXPECT_THAT(Losses(), IsEmpty());
+}
+
+TEST_F(CarriedWebLinks, StayWithTheFirstDocumentsBaseWhereNoOthersNeedNone) {
+  QPDF& result = CarryAll({DocumentWithLinks("http://a/", {"x"}), DocumentWithLinks("", {"http://b"}),
+                           DocumentWithLinks("b", {"http://b"})});
+  EXPECT_THAT(Links(result, 1), ElementsAre("x"));
+  EXPECT_EQ(Base(), "http://a/");
+  EXPECT_THAT(Losses(), IsEmpty());
+}
+
+TEST_F(CarriedWebLinks, AreToldWhereTheirBaseIsNoAddress) {
+  CarryAll({DocumentWithLinks("a", {"x"}), DocumentWithLinks("", {"x"}), DocumentWithLinks("b", {"x"}),
+            DocumentWithLinks("a", {"x"})});
+  EXPECT_EQ(Base(), "a");
+  EXPECT_THAT(Losses(), ElementsAre("2: destinations: its relative links to the web lead elsewhere",
+                                    "3: destinations: its relative links to the web lead elsewhere"));
+}
+
+TEST(WebAddresses, AreRelativeToABaseAsBrowsersTakeThem) {
+  // The examples of RFC 3986, 5.4.
+  const std::map<std::string, std::string> wholes = {
+      {"g:h", "g:h"},
+      {"g", "http://a/b/c/g"},
+      {"./g", "http://a/b/c/g"},
+      {"g/", "http://a/b/c/g/"},
+      {"/g", "http://a/g"},
+      {"//g", "http://g"},
+      {"?y", "http://a/b/c/d;p?y"},
+      {"g?y", "http://a/b/c/g?y"},
+      {"#s", "http://a/b/c/d;p?q#s"},
+      {"g#s", "http://a/b/c/g#s"},
+      {";x", "http://a/b/c/;x"},
+      {"", "http://a/b/c/d;p?q"},
+      {".", "http://a/b/c/"},
+      {"..", "http://a/b/"},
+      {"../g", "http://a/b/g"},
+      {"../..", "http://a/"},
+      {"../../../g", "http://a/g"},
+      {"/./g", "http://a/g"},
+      {"g.", "http://a/b/c/g."},
+      {"..g", "http://a/b/c/..g"},
+      {"./g/.", "http://a/b/c/g/"},
+      {"g/../h", "http://a/b/c/h"},
+      {"g?y/../x", "http://a/b/c/g?y/../x"},
+  };
+  for (const auto& [link, whole] : wholes) EXPECT_EQ(WholeAddress("http://a/b/c/d;p?q", link), whole) << link;
+  EXPECT_EQ(WholeAddress("http://a", "g"), "http://a/g");
+  EXPECT_EQ(WholeAddress("http://a?q", "#s"), "http://a?q#s");
 }
 
 TEST_F(CarryNamesTest, LeavesScriptsAndThePortfolioToTheFirstDocumentAndTellsIt) {
