@@ -3,7 +3,6 @@
 #include "dirmerge/document_preparation.h"
 
 #include <cerrno>
-#include <csignal>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -24,6 +23,7 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using testing::Exists;
 using testing::FaultingSystem;
+using testing::HasEnded;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using testing::Names;
@@ -190,12 +190,14 @@ TEST_F(DocumentPreparationTest, AProgramThatIsLostCostsItsDocumentOnly) {
 }
 
 TEST_F(DocumentPreparationTest, AProgramThatNeverEndsIsEnded) {
-  Script("echo $$ > '" + folder_.File("id") + "'; exec sleep 1000");
+  const std::string id = folder_.File("id");
+  Script("echo $$ > '" + id + "'; exec sleep 1000");
   shell_.OnYield = [&] {
-    if (Exists(folder_.File("id"))) system_.MillisecondsAhead = 121'000;
+    // There is a file before its line is in it.
+    if (Exists(id) && ReadFile(id).ends_with("\n")) system_.MillisecondsAhead = 121'000;
   };
   ExpectLeftOut("it took more than 120 seconds");
-  EXPECT_TRUE(::kill(std::stoi(ReadFile(folder_.File("id"))), 0) < 0 && errno == ESRCH);
+  EXPECT_TRUE(WaitUntil([&] { return HasEnded(std::stoi(ReadFile(id))); }));
 }
 
 TEST_F(DocumentPreparationTest, ACopyThatIsNoDocumentIsNotJoined) {
@@ -276,7 +278,7 @@ TEST_F(DocumentPreparationTest, ACancelEndsEveryProgramAndLeavesNothing) {
   EXPECT_TRUE(merge_.Report().Cancelled);
   EXPECT_FALSE(Exists(Output()));
   ASSERT_EQ(running.size(), 2U);
-  for (const int id : running) EXPECT_TRUE(::kill(id, 0) < 0 && errno == ESRCH);
+  for (const int id : running) EXPECT_TRUE(WaitUntil([id] { return HasEnded(id); })) << id;
   EXPECT_THAT(Temporaries(), IsEmpty());
   ExpectIdle();
 }

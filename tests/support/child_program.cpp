@@ -7,7 +7,9 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <iostream>
 #include <mutex>
 #include <pty.h>
 #include <stdexcept>
@@ -22,7 +24,7 @@ namespace folioweld::testing {
 
 namespace {
 
-constexpr std::chrono::seconds kPatience{60};
+constexpr std::chrono::seconds kPatience{120};
 
 std::vector<std::string> EnvironmentOf(const ChildProgram::Setup& setup) {
   std::vector<std::string> own{"DISPLAY", "WAYLAND_DISPLAY", "XDG_CONFIG_HOME", "HOME", "TMPDIR"};
@@ -52,6 +54,14 @@ bool WaitUntil(const std::function<bool()>& condition) {
     std::this_thread::sleep_for(std::chrono::microseconds(200));
   }
   return true;
+}
+
+bool HasEnded(int process) {
+  std::string stat;
+  std::getline(std::ifstream("/proc/" + std::to_string(process) + "/stat"), stat);
+  // The state comes after the name, which may hold anything.
+  const std::size_t name = stat.rfind(") ");
+  return name == std::string::npos || stat[name + 2] == 'Z' || stat[name + 2] == 'X';
 }
 
 struct ChildProgram::State {
@@ -130,6 +140,9 @@ ChildProgram::ChildProgram(const Setup& setup) : state_(std::make_unique<State>(
 
 ChildProgram::~ChildProgram() {
   if (state_->Child > 0) {
+    // Without this, nobody knows what a test has waited for in vain.
+    if (::testing::Test::HasFailure())
+      std::cerr << "The program still runs. It wrote:\n" << Output() << Errors();
     Signal(SIGKILL);
     ::waitpid(state_->Child, nullptr, 0);
   }
@@ -141,7 +154,7 @@ int ChildProgram::Wait() {
   int status = 0;
   pid_t ended = 0;
   if (!WaitUntil([&] { return (ended = ::waitpid(state_->Child, &status, WNOHANG)) != 0; }) || ended < 0) {
-    ADD_FAILURE() << "the program does not end";
+    ADD_FAILURE() << "the program does not end; it wrote:\n" << Output() << Errors();
     return -1;
   }
   state_->Child = -1;

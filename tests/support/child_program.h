@@ -9,8 +9,11 @@
 
 namespace folioweld::testing {
 
-/// Waits for a condition by asking again and again; false when it did not come true within a minute.
+/// Waits for a condition by asking again and again; false when it did not come true within two minutes.
 [[nodiscard]] bool WaitUntil(const std::function<bool()>& condition);
+
+/// Whether the process works no more: it has ended, though its parent may not have asked for its end yet.
+[[nodiscard]] bool HasEnded(int process);
 
 /// A program started by a test. What it writes is kept; it is killed when it still runs at the end.
 class ChildProgram {
@@ -34,7 +37,7 @@ class ChildProgram {
   ChildProgram& operator=(const ChildProgram&) = delete;
   ~ChildProgram();
 
-  /// The exit status, or 128 and the signal that ended it. The test fails when it runs on for a minute.
+  /// The exit status, or 128 and the signal that ended it. The test fails when it runs on for two minutes.
   int Wait();
   void Signal(int signal) const;
   /// Its process id while it runs.
