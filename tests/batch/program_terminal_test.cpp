@@ -28,6 +28,9 @@ class Screen {
       } else if (bytes[i] == '\n') {
         ++row_;
         Highest = std::max(Highest, row_);
+      } else if (bytes[i] == '\x1b' && i + 1 == bytes.size()) {
+        // What has been read so far may end within a command.
+        return;
       } else if (bytes.compare(i, 2, "\x1b[") == 0) {
         const std::size_t end = bytes.find_first_not_of("0123456789", i + 2);
         if (end == std::string::npos) return;

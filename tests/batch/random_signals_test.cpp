@@ -27,7 +27,7 @@ TEST_F(SignalsAtRandom, LeaveAWholeOutputOrNoneAndNoTemporaries) {
   const std::string output = folder_.File("out.pdf");
   const auto start = std::chrono::steady_clock::now();
   ASSERT_EQ(Run({"out.pdf", "docs"}).Status, 0);
-  const auto whole = std::chrono::steady_clock::now() - start;
+  auto whole = std::chrono::steady_clock::now() - start;
   const std::string joined = ReadFile(output);
   std::minstd_rand random(1);
   int stopped = 0;
@@ -45,6 +45,9 @@ TEST_F(SignalsAtRandom, LeaveAWholeOutputOrNoneAndNoTemporaries) {
     ASSERT_TRUE(!Exists(output) || ReadFile(output) == joined) << "run " << i;
     ASSERT_TRUE(status != 0 || Exists(output)) << "run " << i;
     stopped += status == 0 ? 0 : 1;
+    // Runs take longer and shorter as the machine is busy, and the first one may have waited for the disk for
+    // long.
+    whole = whole * (status == 0 ? 90 : 105) / 100;
   }
   EXPECT_GT(stopped, 10) << "hardly a signal came while the program ran";
 }
