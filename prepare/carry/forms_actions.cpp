@@ -57,11 +57,16 @@ void FieldMentions::LookAtNames(const Place& place, const std::string& key) {
 void FieldMentions::LookAtName(const Mention& mention, QPDFObjectHandle name) {
   if (!name.isString()) return;
   const std::string text = TextOf(revision_, name);
-  const std::size_t end = std::min(text.find('.'), text.size());
-  const auto renamed = renamed_.find(text.substr(0, end));
-  if (renamed == renamed_.end()) return;
-  mentions_.push_back(mention);
-  mentions_.back().Name = renamed->second + text.substr(end);
+  // Names of fields have no dots by the rules, but in many files they do.
+  for (std::size_t end = 0; end < text.size(); ++end) {
+    revision_.Spend();
+    end = std::min(text.find('.', end), text.size());
+    const auto renamed = renamed_.find(text.substr(0, end));
+    if (renamed == renamed_.end()) continue;
+    mentions_.push_back(mention);
+    mentions_.back().Name = renamed->second + text.substr(end);
+    return;
+  }
 }
 
 void FieldMentions::Rename() {

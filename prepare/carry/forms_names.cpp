@@ -1,5 +1,8 @@
 #include "prepare/carry/forms_names.h"
 
+#include <algorithm>
+#include <cstddef>
+
 namespace folioweld {
 
 std::string Numbered(Revision& revision, const std::string& name, int number,
@@ -15,11 +18,27 @@ NewNames FieldNames::Plan(const std::vector<NamedField>& fields, int document) c
   std::set<std::string> own;
   for (const NamedField& field : fields) own.insert(field.Name);
   NewNames renamed;
-  const auto isTaken = [&](const std::string& name) { return taken_.count(name) + own.count(name) > 0; };
   for (const std::string& name : own) {
-    if (taken_.count(name) > 0) renamed[name] = Numbered(revision_, name, document, isTaken);
+    if (!IsTaken(name)) continue;
+    // The number goes to the first part of a name with dots: a field above may have the same one.
+    const std::size_t dot = std::min(name.find('.'), name.size());
+    const std::string rest = name.substr(dot);
+    const auto isTaken = [&](const std::string& free) {
+      return IsTaken(free + rest) || own.count(free + rest) > 0;
+    };
+    renamed[name] = Numbered(revision_, name.substr(0, dot), document, isTaken) + rest;
   }
   return renamed;
+}
+
+bool FieldNames::IsTaken(const std::string& name) const {
+  const auto below = taken_.lower_bound(name + ".");
+  if (taken_.count(name) > 0 || (below != taken_.end() && below->starts_with(name + "."))) return true;
+  for (std::size_t dot = name.find('.'); dot != std::string::npos; dot = name.find('.', dot + 1)) {
+    revision_.Spend();
+    if (taken_.count(name.substr(0, dot)) > 0) return true;
+  }
+  return false;
 }
 
 void FieldNames::Take(const std::vector<NamedField>& fields, const NewNames& renamed) {

@@ -29,6 +29,9 @@ class FieldNames {
   void Take(const std::vector<NamedField>& fields, const NewNames& renamed);
 
  private:
+  /// By a field with this full name, or one above or below it: some names have dots, against the rules.
+  [[nodiscard]] bool IsTaken(const std::string& name) const;
+
   Revision& revision_;
   std::set<std::string> taken_;
 };

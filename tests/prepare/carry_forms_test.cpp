@@ -122,6 +122,17 @@ TEST_F(CarriedForms, RenameWhereNamesBeginBelowRootsWithoutOne) {
   EXPECT_EQ(EntryOfField(file, 2, "/T", 7), "(name)");
 }
 
+TEST_F(CarriedForms, ComeToNoOneNameForADotInOne) {
+  const std::string dotted = FormDocument("/T (a.b) /A << /S /Hide /T [ (a.b) (a.b.c) (a) ] >>").Build();
+  auto tree = FormDocument("/T (a) /Kids [ 5 0 R ]");
+  tree.Object(5, "<< /Parent 4 0 R /T (b) >>");
+  QPDF& file = Carried({dotted, dotted, tree.Build(), FormDocument("/T (a.c)").Build(),
+                        FormDocument("/T (a.b.c)").Build(), FormDocument("/T (ab)").Build()});
+  EXPECT_THAT(Names(), ElementsAre("a.b", "a-2.b", "a-3", "a.c", "a-5.b.c", "ab"));
+  EXPECT_EQ(file.getObjectByID(Numbered(2, 4), 0).getKey("/A").getKey("/T").unparse(),
+            "[ (a-2.b) (a-2.b.c) (a) ]");
+}
+
 TEST_F(CarriedForms, ChangeTheNamesInActionsTogether) {
   auto second = FormDocument("/T (name) /A << /S /Hide /T (name.kid) /Next [ 5 0 R 6 0 R ] >> /Lock 7 0 R");
   second.Object(5, "<< /S /ResetForm /Fields 8 0 R /Next 5 0 R >>");
