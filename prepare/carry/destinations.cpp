@@ -82,6 +82,21 @@ class Destinations {
       const QPDFObjectHandle withPage = WithPage(*document.Document, before);
       if (!withPage.isSameObjectAs(before)) SetEntry(revision_, use.Where, use.Key, withPage);
     }
+    ChangePageNumbers(*document.Document, uses.PageNumbers);
+  }
+
+  void ChangePageNumbers(const CarriedDocument& document, const std::vector<Place>& targets) {
+    long long before = 0;
+    for (const CarriedDocument& other : revision_.Documents()) {
+      if (other.Index < document.Index) before += static_cast<long long>(other.Pages.size());
+    }
+    for (const Place& target : targets) {
+      const long long page = EntryOf(target.Dictionary, "/P").getIntValue();
+      const bool isThere = page >= 0 && page < static_cast<long long>(document.Pages.size());
+      if (isThere && document.Index == 1) continue;
+      SetEntry(revision_, target, "/P",
+               isThere ? QPDFObjectHandle::newInteger(before + page) : QPDFObjectHandle::newNull());
+    }
   }
 
   void Write(const std::map<std::string, QPDFObjectHandle>& names) {

@@ -28,11 +28,13 @@ void NoteDestination(NameUses& uses, const Place& place, const std::string& key)
 /// Without a file, the target is in this one.
 void NoteTarget(NameUses& uses, const Place& action) {
   QPDFObjectHandle target = EntryOf(action.Dictionary, "/T");
-  QPDFObjectHandle name = EntryOf(target, "/N");
-  if (!EntryOf(action.Dictionary, "/F").isNull() || !name.isString()) return;
-  if (!EntryOf(target, "/R").isNameAndEquals("/C")) return;
+  if (!EntryOf(action.Dictionary, "/F").isNull() || !EntryOf(target, "/R").isNameAndEquals("/C")) return;
   const Place place = {target, target.isIndirect() ? target : action.Owner};
-  uses.Attachments.push_back({place, "/N", name.getStringValue(), false});
+  QPDFObjectHandle name = EntryOf(target, "/N");
+  if (name.isString()) uses.Attachments.push_back({place, "/N", name.getStringValue(), false});
+  // The page that the file is attached to.
+  NoteDestination(uses, place, "/P");
+  if (EntryOf(target, "/P").isInteger()) uses.PageNumbers.push_back(place);
 }
 
 void NoteArticle(NameUses& uses, const Place& action) {

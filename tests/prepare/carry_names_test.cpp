@@ -339,6 +339,27 @@ TEST_F(CarryNamesTest, PutsAttachmentsOfAllDocumentsIntoOneTree) {
   EXPECT_EQ(Root().getKey("/AF").getArrayNItems(), 2);
 }
 
+TEST_F(CarryNamesTest, LeadsToAFileThatIsAttachedToAPageOfTheDocument) {
+  const auto link = [](const std::string& page) {
+    return "<< /A << /S /GoToE /D (x) /T << /R /C /A 0 /P " + page + " >> >> >> ";
+  };
+  const auto document = [&](int pages) {
+    return PagesDocument(pages, "/Dests << /a [ 3 0 R /Fit ] >>",
+                         "/Annots [ " + link("1") + link("2") + link("(a)") + "]")
+        .Build();
+  };
+  QPDF& result = CarryAll({document(2), document(3), document(1)});
+  const auto pages = [&](int number) {
+    std::vector<std::string> found;
+    for (QPDFObjectHandle annotation : Object(result, number, 3).getKey("/Annots").getArrayAsVector())
+      found.push_back(annotation.getKey("/A").getKey("/T").getKey("/P").unparse());
+    return found;
+  };
+  EXPECT_THAT(pages(1), ElementsAre("1", "null", "(a)"));
+  EXPECT_THAT(pages(2), ElementsAre("3", "4", "(a-2)"));
+  EXPECT_THAT(pages(3), ElementsAre("null", "null", "(a-3)"));
+}
+
 TEST_F(CarryNamesTest, LeavesTargetsThatAreNoAttachmentOfTheFile) {
   const std::string files = "/Names << /EmbeddedFiles << /Names [ (a) << /F (a) >> ] >> >>";
   const auto link = [](const std::string& action) {
