@@ -37,6 +37,12 @@ void NoteTarget(NameUses& uses, const Place& action) {
   if (EntryOf(target, "/P").isInteger()) uses.PageNumbers.push_back(place);
 }
 
+void NoteEndPage(NameUses& uses, const Place& action) {
+  QPDFObjectHandle page = EntryOf(action.Dictionary, "/N");
+  if (page.isNameAndEquals("/FirstPage") || page.isNameAndEquals("/LastPage"))
+    uses.EndPages.push_back(action);
+}
+
 void NoteArticle(NameUses& uses, const Place& action) {
   QPDFObjectHandle article = EntryOf(action.Dictionary, "/D");
   const bool isNamed = article.isInteger() || article.isString();
@@ -59,6 +65,7 @@ NameUses FindNameUses(Revision& revision, const CarriedDocument& document) {
     QPDFObjectHandle action = EntryOf(place.Dictionary, "/S");
     if (action.isNameAndEquals("/GoTo")) NoteDestination(uses, place, "/D");
     if (action.isNameAndEquals("/GoToE")) NoteTarget(uses, place);
+    if (action.isNameAndEquals("/Named")) NoteEndPage(uses, place);
     if (action.isNameAndEquals("/Thread")) NoteArticle(uses, place);
     if (action.isNameAndEquals("/URI")) NoteAddress(uses, place);
   });

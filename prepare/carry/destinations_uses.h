@@ -22,6 +22,7 @@ struct NameUses {
   std::vector<NameUse> Attachments;  ///< targets of the actions that go to embedded files
   std::vector<NameUse> Pages;        ///< destinations with an index instead of a page; without name
   std::vector<Place> PageNumbers;    ///< those of such targets that have an index for "/P"
+  std::vector<Place> EndPages;       ///< actions that go to the first or the last page
   std::vector<Place> Articles;       ///< actions that lead to one by its index or title
   std::vector<NameUse> WebLinks;     ///< actions whose addresses are relative
 };

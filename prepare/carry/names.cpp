@@ -9,6 +9,7 @@
 #include "prepare/carry/destinations.h"
 #include "prepare/carry/destinations_uses.h"
 #include "prepare/carry/dictionaries.h"
+#include "prepare/carry/end_pages.h"
 #include "prepare/carry/names_merge.h"
 #include "prepare/carry/web_links.h"
 
@@ -69,6 +70,7 @@ void CarryNames(Revision& revision) {
   const UsesByDocument uses = CarryDestinations(revision);
   for (const std::string& key : TreesOf(revision)) CarryTree(revision, key, uses);
   CarryList(revision, "/AF", "attachments");
+  KeepEndPages(revision, uses);
   CarryArticles(revision, uses);
   CarryWebLinks(revision, uses);
   TellWhatStaysBehind(revision);

@@ -339,6 +339,28 @@ TEST_F(CarryNamesTest, PutsAttachmentsOfAllDocumentsIntoOneTree) {
   EXPECT_EQ(Root().getKey("/AF").getArrayNItems(), 2);
 }
 
+TEST_F(CarryNamesTest, GoesToTheFirstAndLastPageOfTheDocument) {
+  const auto link = [](const std::string& name) { return "<< /A << /S /Named /N /" + name + " >> >> "; };
+  const std::string document =
+      PagesDocument(2, "", "/Annots [ " + link("FirstPage") + link("LastPage") + link("NextPage") + "]")
+          .Build();
+  QPDF& result = CarryAll({document, document, document});
+  const auto action = [&](int number, int index) {
+    QPDFObjectHandle links = Object(result, number, 3).getKey("/Annots");
+    return links.getArrayItem(index).getKey("/A").unparse();
+  };
+  const auto goesTo = [&](int number, int page) {
+    return "<< /D [ " + std::to_string(Numbered(number, page)) + " 0 R /XYZ null null null ] /S /GoTo >>";
+  };
+  EXPECT_EQ(action(1, 0), "<< /N /FirstPage /S /Named >>");
+  EXPECT_EQ(action(1, 1), goesTo(1, 4));
+  EXPECT_EQ(action(2, 0), goesTo(2, 3));
+  EXPECT_EQ(action(2, 1), goesTo(2, 4));
+  EXPECT_EQ(action(2, 2), "<< /N /NextPage /S /Named >>");
+  EXPECT_EQ(action(3, 0), goesTo(3, 3));
+  EXPECT_EQ(action(3, 1), "<< /N /LastPage /S /Named >>");
+}
+
 TEST_F(CarryNamesTest, LeadsToAFileThatIsAttachedToAPageOfTheDocument) {
   const auto link = [](const std::string& page) {
     return "<< /A << /S /GoToE /D (x) /T << /R /C /A 0 /P " + page + " >> >> >> ";
