@@ -6,6 +6,7 @@ from pathlib import Path
 
 from accessible import AccessibilityBus, Gone
 from desktop import SCREEN, Desktop, wait_for
+from layout import faults
 from screen import Screen
 from window import TITLE, Window
 
@@ -50,6 +51,10 @@ class DesktopTest(unittest.TestCase):
 
     def wait(self, condition, what):
         return wait_for(condition, what)
+
+    def wait_faultless(self, window):
+        """Every control of the window has its place to itself."""
+        self.wait(lambda: not faults(window.main), lambda: f"no faults in the layout; {faults(window.main)}")
 
     def with_viewer(self, command):
         """A desktop that shows PDF documents with this command line of a desktop file."""

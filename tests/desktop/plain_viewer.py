@@ -27,9 +27,12 @@ class PlainWindow:
         self._window.change_property(self._atom("_NET_WM_NAME"), self._atom("UTF8_STRING"), 8, b"plain")
         self._window.change_property(self._atom("_NET_WM_PID"), Xatom.CARDINAL, 32, [process])
         self._window.set_wm_protocols([self._atom("WM_DELETE_WINDOW")])
+        self._display.sync()
+
+    def show(self):
         self._window.map()
         self._display.sync()
-        while self._window.id not in self._managed(root):
+        while self._window.id not in self._managed(self._display.screen().root):
             select.select([], [], [], 0.02)
 
     def _atom(self, name):
@@ -53,14 +56,15 @@ class PlainWindow:
 
 def serve(options):
     loop = GLib.MainLoop()
-    windows = []
+    # Made before anybody asks, for who asks does not wait for ever.
+    window = None if options.windowless else PlainWindow(options.says)
 
     def call(_bus, _sender, _path, _interface, _method, _arguments, invocation):
         if options.silent:
             return
-        if not options.windowless:
-            windows.append(PlainWindow(options.says))
-            GLib.io_add_watch(windows[0].file_number(), GLib.IO_IN, lambda *_: windows[0].handle() or loop.quit())
+        if window:
+            window.show()
+            GLib.io_add_watch(window.file_number(), GLib.IO_IN, lambda *_: window.handle() or loop.quit())
         invocation.return_value(None)
 
     bus = Gio.bus_get_sync(Gio.BusType.SESSION, None)
@@ -81,6 +85,7 @@ def main():
     if options.service:
         return serve(options)
     window = PlainWindow(options.says)
+    window.show()
     while window.handle():
         select.select([window.file_number()], [], [])
 

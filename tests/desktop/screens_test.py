@@ -5,7 +5,6 @@ from pathlib import Path
 
 from case import DesktopTest, main
 from documents import LETTER
-from layout import faults
 from window import CHOOSE, FIRST, OUTPUT, select
 
 
@@ -43,20 +42,22 @@ class OnAScreen(DesktopTest):
 
         return self.wait(same, "the window stays where it is")
 
-    def assert_on_the_screen(self, window):
-        left, top, width, height = place = self.settled(window)
-        self.assertGreaterEqual((left, top), (0, 0), place)
-        self.assertLessEqual(left + width, self.size[0], place)
-        self.assertLessEqual(top + height, self.size[1], place)
-        return place
+    def wait_on_the_screen(self, window):
+        def inside():
+            left, top, width, height = self.settled(window)
+            return left >= 0 and top >= 0 and left + width <= self.size[0] and top + height <= self.size[1]
+
+        self.wait(inside, lambda: f"{window:#x} is on the screen as a whole; windows:\n{self.screen.describe()}")
 
     def check(self, room_for_both, scale=1):
         window = self.shown(scale)
-        place = self.assert_on_the_screen(window.main_window())
-        log = self.assert_on_the_screen(window.log_window())
+        main_window, log = window.main_window(), window.log_window()
+        self.wait_on_the_screen(main_window)
+        self.wait_on_the_screen(log)
         if room_for_both:
-            self.assertTrue(apart(place, log), (place, log))
-        self.assertEqual(faults(window.main), [])
+            self.wait(lambda: apart(self.settled(main_window), self.settled(log)),
+                      lambda: f"the log is beside the window; windows:\n{self.screen.describe()}")
+        self.wait_faultless(window)
         return window
 
 
@@ -80,7 +81,8 @@ class Large(OnAScreen):
         self.wait(lambda: not window.log_window(), "the log is hidden")
         window.choose("Options", "Log window...", "Show")
         self.wait(window.log_window, "the log is shown")
-        self.assertEqual(self.settled(window.log_window()), place)
+        log = window.log_window()
+        self.wait(lambda: self.settled(log) == place, lambda: f"the log is at {place}; it is at {self.settled(log)}")
 
     def test_show_brings_a_minimised_log_back(self):
         window = self.check(True)
@@ -127,7 +129,7 @@ class Small(OnAScreen):
             window.click(select(place))
             window.answer_file(CHOOSE[place], document)
         window.dialog("Folioweld")
-        self.assert_on_the_screen(self.screen.active())
+        self.wait_on_the_screen(self.screen.active())
 
 
 class Tiny(OnAScreen):
@@ -135,7 +137,7 @@ class Tiny(OnAScreen):
 
     def test_what_does_not_fit_is_scrolled_to(self):
         window = self.shown()
-        self.assert_on_the_screen(window.main_window())
+        self.wait_on_the_screen(window.main_window())
         self.assertTrue(window.main.find("scroll bar", states=("showing",)))
         self.assertEqual(window.path(FIRST), "")
 

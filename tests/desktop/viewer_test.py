@@ -61,7 +61,7 @@ class Viewer(DesktopTest):
         self.wait(lambda: self.joined.name in self.screen.title(shown), lambda: self.screen.title(shown))
         window.click(CLOSE_VIEWER)
         self.wait_idle(window)
-        self.assertNotIn(shown, self.screen.managed())
+        self.wait(lambda: shown not in self.screen.managed(), "the viewer's window is gone")
 
     def test_a_real_viewer_that_is_closed_by_the_person_ends_the_wait(self):
         self.choose_viewer(REAL_VIEWER)
@@ -104,7 +104,7 @@ class Viewer(DesktopTest):
         self.wait(self.plain_windows, "the viewer's window")
         window.click(CLOSE_VIEWER)
         self.wait_idle(window)
-        self.assertEqual(self.plain_windows(), [])
+        self.wait(lambda: not self.plain_windows(), "the viewer's window is gone")
 
     def test_the_server_and_not_the_window_says_whose_it_is(self):
         number = self.folder / "number"
@@ -120,7 +120,7 @@ class Viewer(DesktopTest):
             self.wait(lambda: len(self.plain_windows()) == 2, "the other window")
             window.click(CLOSE_VIEWER)
             self.wait_idle(window)
-            self.assertNotIn(shown, self.plain_windows())
+            self.wait(lambda: shown not in self.plain_windows(), "the viewer's window is gone")
             self.assertEqual(len(self.plain_windows()), 1)
             self.assertIsNone(other.poll())
         finally:
@@ -274,10 +274,14 @@ class Viewer(DesktopTest):
             fields = Path("/proc", str(window.process.pid), "stat").read_text().rsplit(")", 1)[1].split()
             return int(fields[11]) + int(fields[12])
 
-        before = ticks()
-        # Another process that is measured by the clock alone.
-        subprocess.run(["sleep", "1"], check=True)
-        self.assertLess(ticks() - before, os.sysconf("SC_CLK_TCK") * 0.3)
+        def of_a_second():
+            before = ticks()
+            # Another process that is measured by the clock alone.
+            subprocess.run(["sleep", "1"], check=True)
+            return ticks() - before
+
+        # On a busy machine the window may still be drawn in the first one.
+        self.wait(lambda: of_a_second() < os.sysconf("SC_CLK_TCK") * 0.3, "a second that takes no processor time")
 
 
 if __name__ == "__main__":
