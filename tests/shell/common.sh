@@ -4,14 +4,18 @@ set -euo pipefail
 PATH=$FOLIOWELD_FOLDER:$PATH
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
-trap 'echo "FAILED: line $LINENO" >&2' ERR
+trap 'echo "FAILED: line $LINENO: $BASH_COMMAND" >&2' ERR
 export HOME=$folder/home XDG_CONFIG_HOME=$folder/home/config TMPDIR=$folder/tmp LC_ALL=C.UTF-8
 unset DISPLAY WAYLAND_DISPLAY
 mkdir "$HOME" "$TMPDIR" "$folder/work"
 cd "$folder/work"
 
+# What there is to see when a check fails; a script with more to show has its own.
+tell() { :; }
+
 fail() {
   echo "FAILED: $*" >&2
+  tell >&2 || true
   exit 1
 }
 
@@ -63,7 +67,7 @@ words() {
 
 # wait_for COMMAND...: until it succeeds.
 wait_for() {
-  local end=$((SECONDS + 60))
+  local end=$((SECONDS + 120))
   until "$@"; do
     ((SECONDS < end)) || fail "waited in vain for: $*"
     sleep 0.05

@@ -17,6 +17,12 @@ open_terminal() {
 close_terminal() { tmux_ kill-session -t "$terminal"; }
 
 rows() { tmux_ capture-pane -p -t "$terminal" | grep -v '^$' || true; }
+tell() {
+  [[ -n ${terminal:-} ]] || return
+  echo "the terminal \"$terminal\" shows:" && rows
+  echo "the last it got:" && tail -c 2000 "$terminal" | cat -v && echo
+  echo "temporary files: $(find "$TMPDIR" -type f | wc -l)"
+}
 shows() { rows | grep -qE -- "$1"; }
 type_line() { tmux_ send-keys -t "$terminal" -l -- "$1" && tmux_ send-keys -t "$terminal" Enter; }
 press() { tmux_ send-keys -t "$terminal" "$1"; }
