@@ -51,7 +51,7 @@ class DesktopViewerTest : public ::testing::Test {
           const auto running = system_.PollProcess(process);
           return running.Ok() && !running.Value();
         },
-        10000);
+        120'000);
   }
 
   static std::unique_ptr<TempFolder> home_;

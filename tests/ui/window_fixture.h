@@ -50,12 +50,15 @@ class AnsweringDialogs : public Dialogs {
   std::string Next(std::deque<std::string>& answers);
 };
 
+/// For what is waited for at most: a busy machine takes a while.
+inline constexpr int kPatienceMillis = 120'000;
+
 /// The real system with a clock that runs fast, so that a job handles events at each of its yields, and with
 /// viewers that are no processes.
 class WindowSystem : public FaultingSystem {
  public:
   std::int64_t MillisecondsNow() override {
-    return FastClock ? now_ += 100 : FaultingSystem::MillisecondsNow();
+    return FastClock ? now_ += 100 : FaultingSystem::MillisecondsNow() / Slowness;
   }
   SystemResult<bool> PollProcess(Process child) override;
   SystemError TerminateProcess(ViewerProcess process) override;
@@ -63,6 +66,7 @@ class WindowSystem : public FaultingSystem {
   static constexpr Process kViewer = 4711;
 
   bool FastClock = true;
+  std::int64_t Slowness = 1;  ///< of the clock that does not run fast
   bool ViewerRuns = false;
   int Polls = 0;
   std::vector<ViewerProcess> Terminated;
@@ -137,7 +141,7 @@ class WindowFixture : public ::testing::Test {
   /// Calls the step at every turn of the event loop, from now to the end of the test.
   void AtEveryTurn(std::function<void()> step);
   [[nodiscard]] static bool WaitFor(const std::function<bool()>& condition) {
-    return QTest::qWaitFor(condition, 10000);
+    return QTest::qWaitFor(condition, kPatienceMillis);
   }
 
   /// Writes a document that can be joined and returns its path.
