@@ -1,10 +1,12 @@
 #include "prepare/carry/articles.h"
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 #include "prepare/carry/catalog_lists.h"
 #include "prepare/carry/dictionaries.h"
+#include "prepare/carry/forms_read.h"
 
 namespace folioweld {
 
@@ -16,11 +18,12 @@ constexpr char kThreads[] = "/Threads";
 std::size_t IndexOf(Revision& revision, const std::vector<QPDFObjectHandle>& articles,
                     QPDFObjectHandle named) {
   if (named.isInteger()) return static_cast<std::size_t>(named.getIntValue());
+  const std::string wanted = TextOf(revision, named);
   std::size_t index = 0;
   for (; index < articles.size(); ++index) {
-    revision.Spend();
     QPDFObjectHandle title = EntryOf(EntryOf(articles[index], "/I"), "/Title");
-    if (title.isString() && title.getUTF8Value() == named.getUTF8Value()) break;
+    if (title.isString() && TextOf(revision, title) == wanted) break;
+    revision.Spend();
   }
   return index;
 }
@@ -28,9 +31,11 @@ std::size_t IndexOf(Revision& revision, const std::vector<QPDFObjectHandle>& art
 }  // namespace
 
 void CarryArticles(Revision& revision, const UsesByDocument& uses) {
-  long long before = 0;  // Articles of the documents before.
+  long long end = 0;  // Articles of the documents before, and of this one.
   revision.ForEach("names", [&](const CarriedDocument& document) {
     const std::vector<QPDFObjectHandle> articles = CatalogList(revision, document, kThreads);
+    const long long before = end;
+    end += static_cast<long long>(articles.size());
     const auto found = uses.find(document.Index);
     for (const Place& action : found == uses.end() ? std::vector<Place>() : found->second.Articles) {
       const std::size_t index = IndexOf(revision, articles, EntryOf(action.Dictionary, "/D"));
@@ -40,7 +45,6 @@ void CarryArticles(Revision& revision, const UsesByDocument& uses) {
                isThere ? QPDFObjectHandle::newInteger(before + static_cast<long long>(index))
                        : QPDFObjectHandle::newNull());
     }
-    before += static_cast<long long>(articles.size());
   });
   CarryList(revision, kThreads, "names");
 }

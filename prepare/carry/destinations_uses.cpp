@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <set>
 
+#include "prepare/carry/forms_read.h"
 #include "prepare/carry/web_address.h"
 
 namespace folioweld {
@@ -18,22 +19,25 @@ bool StartsWithInteger(QPDFObjectHandle array) {
   return array.isArray() && array.getArrayNItems() > 0 && array.getArrayItem(0).isInteger();
 }
 
-void NoteDestination(NameUses& uses, const Place& place, const std::string& key) {
+void NoteDestination(Revision& revision, NameUses& uses, const Place& place, const std::string& key) {
   QPDFObjectHandle value = EntryOf(place.Dictionary, key);
-  if (value.isString()) uses.Destinations.push_back({place, key, value.getStringValue(), false});
-  if (value.isName()) uses.Destinations.push_back({place, key, value.getName().substr(1), true});
+  if (value.isString()) uses.Destinations.push_back({place, key, BytesOf(revision, value), false});
+  if (value.isName()) {
+    uses.Destinations.push_back({place, key, value.getName().substr(1), true});
+    SpendOn(revision, uses.Destinations.back().Name);
+  }
   if (StartsWithInteger(value)) uses.Pages.push_back({place, key, "", false});
 }
 
 /// Without a file, the target is in this one.
-void NoteTarget(NameUses& uses, const Place& action) {
+void NoteTarget(Revision& revision, NameUses& uses, const Place& action) {
   QPDFObjectHandle target = EntryOf(action.Dictionary, "/T");
   if (!EntryOf(action.Dictionary, "/F").isNull() || !EntryOf(target, "/R").isNameAndEquals("/C")) return;
   const Place place = {target, target.isIndirect() ? target : action.Owner};
   QPDFObjectHandle name = EntryOf(target, "/N");
-  if (name.isString()) uses.Attachments.push_back({place, "/N", name.getStringValue(), false});
+  if (name.isString()) uses.Attachments.push_back({place, "/N", BytesOf(revision, name), false});
   // The page that the file is attached to.
-  NoteDestination(uses, place, "/P");
+  NoteDestination(revision, uses, place, "/P");
   if (EntryOf(target, "/P").isInteger()) uses.PageNumbers.push_back(place);
 }
 
@@ -49,25 +53,27 @@ void NoteArticle(NameUses& uses, const Place& action) {
   if (isNamed && EntryOf(action.Dictionary, "/F").isNull()) uses.Articles.push_back(action);
 }
 
-void NoteAddress(NameUses& uses, const Place& action) {
+void NoteAddress(Revision& revision, NameUses& uses, const Place& action) {
   QPDFObjectHandle address = EntryOf(action.Dictionary, "/URI");
-  if (!address.isString() || IsWholeAddress(address.getStringValue())) return;
-  uses.WebLinks.push_back({action, "/URI", address.getStringValue(), false});
+  if (!address.isString()) return;
+  const std::string link = BytesOf(revision, address);
+  if (!IsWholeAddress(link)) uses.WebLinks.push_back({action, "/URI", link, false});
 }
 
 }  // namespace
 
 NameUses FindNameUses(Revision& revision, const CarriedDocument& document) {
   NameUses uses;
-  if (document.Index == 1) NoteDestination(uses, {CatalogOf(revision, document), {}}, "/OpenAction");
+  if (document.Index == 1)
+    NoteDestination(revision, uses, {CatalogOf(revision, document), {}}, "/OpenAction");
   ForEachDictionary(revision, document, kLeftAlone, [&](const Place& place) {
-    NoteDestination(uses, place, "/Dest");
+    NoteDestination(revision, uses, place, "/Dest");
     QPDFObjectHandle action = EntryOf(place.Dictionary, "/S");
-    if (action.isNameAndEquals("/GoTo")) NoteDestination(uses, place, "/D");
-    if (action.isNameAndEquals("/GoToE")) NoteTarget(uses, place);
+    if (action.isNameAndEquals("/GoTo")) NoteDestination(revision, uses, place, "/D");
+    if (action.isNameAndEquals("/GoToE")) NoteTarget(revision, uses, place);
     if (action.isNameAndEquals("/Named")) NoteEndPage(uses, place);
     if (action.isNameAndEquals("/Thread")) NoteArticle(uses, place);
-    if (action.isNameAndEquals("/URI")) NoteAddress(uses, place);
+    if (action.isNameAndEquals("/URI")) NoteAddress(revision, uses, place);
   });
   return uses;
 }

@@ -6,6 +6,7 @@
 
 #include "prepare/carry/names.h"
 #include "prepare/carry/web_address.h"
+#include "prepare/token_text.h"
 #include "tests/prepare/carry_fixture.h"
 
 namespace folioweld {
@@ -314,6 +315,20 @@ TEST_F(CarryNamesTest, LeavesOutATreeThatIsTooLarge) {
   EXPECT_THAT(Destinations(), ElementsAre("2 \"a\""));
 }
 
+TEST_F(CarryNamesTest, DoesNotReadALongNameWithoutEnd) {
+  for (const char* entry : {"/Dest 5 0 R", "/Dest 6 0 R", "/A << /S /URI /URI 5 0 R >>",
+                            "/A << /S /GoToE /T << /R /C /N 5 0 R >> >>", "/A << /S /Thread /D 5 0 R >>"}) {
+    std::string links;
+    for (int i = 0; i < 500; ++i) links += "<< " + std::string(entry) + " >>\n";
+    auto document = PagesDocument(1, "/Threads [ << /I << /Title 5 0 R >> >> ]", "/Annots 4 0 R");
+    document.Object(4, "[ " + links + "]").Object(5, HexToken(std::string(40'000, 'n')));
+    document.Object(6, "/" + std::string(40'000, 'n'));
+    CarryAll({DocumentWithTree("a").Build(), document.Build()});
+    ASSERT_FALSE(Losses().empty()) << entry;
+    EXPECT_THAT(Losses().front(), HasSubstr(": it has more than a million places to look at")) << entry;
+  }
+}
+
 TEST_F(CarryNamesTest, LeavesTheFirstDocumentsTreeAsItIsWhereThatCannotBeRead) {
   CarryAll({DocumentWithLargeTree(), PagesDocument(1).Build(), DocumentWithTree("a").Build()});
   EXPECT_THAT(Losses(), ElementsAre("1: destinations: it has more than a million places to look at",
@@ -437,6 +452,20 @@ TEST_F(CarryNamesTest, LeadsArticlesToThoseOfTheirDocument) {
   EXPECT_THAT(leads(1), ElementsAre("1", "(one)", "null", "null", "4 0 R", "1"));
   EXPECT_THAT(leads(2), ElementsAre("3", "2", "null", "null", reference(2, 4), "1"));
   EXPECT_THAT(leads(3), ElementsAre("5", "4", "null", "4", reference(3, 4), "1"));
+}
+
+TEST_F(CarryNamesTest, CountsTheArticlesOfADocumentThatHasTooManyNames) {
+  auto document = PagesDocument(1, "/Threads [ 4 0 R ]", "/Annots [ << /A << /S /Thread /D 0 >> >> ]");
+  document.Object(4, "<< /F 5 0 R >>").Object(5, "<< /T 4 0 R /N 5 0 R /V 5 0 R /P 3 0 R /R [ 0 0 9 9 ] >>");
+  std::string links;
+  for (int i = 0; i < 500; ++i) links += "<< /A << /S /Thread /D (x) >> >>\n";
+  auto second = PagesDocument(1, "/Threads [ << /I << /Title 5 0 R >> >> ]", "/Annots 4 0 R");
+  second.Object(4, "[ " + links + "]").Object(5, HexToken(std::string(40'000, 'n')));
+  QPDF& result = CarryAll({document.Build(), second.Build(), document.Build()});
+  EXPECT_EQ(Root().getKey("/Threads").getArrayNItems(), 3);
+  QPDFObjectHandle link = Object(result, 3, 3).getKey("/Annots").getArrayItem(0);
+  EXPECT_EQ(link.getKey("/A").getKey("/D").getIntValue(), 2);
+  EXPECT_THAT(Losses(), ElementsAre("2: names: it has more than a million places to look at"));
 }
 
 /// With links to the web, each of which has its number in "/Annots".
