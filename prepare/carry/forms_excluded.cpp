@@ -37,7 +37,7 @@ class FieldSelection {
     const std::size_t before = selected_.size();
     bool isWhole = true;
     bool hasFields = false;
-    for (QPDFObjectHandle kid : ItemsOf(revision_, field.getKey("/Kids"))) {
+    for (const QPDFObjectHandle& kid : ItemsOf(revision_, field.getKey("/Kids"))) {
       isWhole = Take(kid, name) && isWhole;
       hasFields = hasFields || EntryOf(kid, "/T").isString() || EntryOf(kid, "/Kids").isArray();
     }
