@@ -91,6 +91,8 @@ class OnTerminal : public testing::ProgramFixture {
  protected:
   OnTerminal() {
     setup_.TerminalColumns = 100;
+    // On one that cannot move its cursor nothing is drawn, whoever runs the tests.
+    setup_.Environment.emplace_back("TERM", "xterm");
     setup_.Arguments = {"out.pdf", "docs"};
   }
 
