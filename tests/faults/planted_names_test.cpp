@@ -286,10 +286,6 @@ class StickyFolder : public PlantedNames {
  protected:
   StickyFolder() {
     EXPECT_EQ(::chmod(folder_.Path().c_str(), 0755), 0);
-    for (const char* name : {"docs", "config"}) EXPECT_EQ(::chmod(folder_.File(name).c_str(), 0755), 0);
-    for (const auto& document : fs::directory_iterator(folder_.File("docs"))) {
-      EXPECT_EQ(::chmod(document.path().c_str(), 0644), 0);
-    }
     for (const char* name : {"tmp", "out", "config/folioweld"}) {
       EXPECT_EQ(::chmod(folder_.File(name).c_str(), 01777), 0);
     }

@@ -7,6 +7,7 @@ trap 'rm -rf "$folder"' EXIT
 trap 'echo "FAILED: line $LINENO: $BASH_COMMAND" >&2' ERR
 export HOME=$folder/home XDG_CONFIG_HOME=$folder/home/config TMPDIR=$folder/tmp LC_ALL=C.UTF-8
 unset DISPLAY WAYLAND_DISPLAY
+umask 022
 mkdir "$HOME" "$TMPDIR" "$folder/work"
 cd "$folder/work"
 

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <sys/stat.h>
 #include <system_error>
 
 namespace folioweld::testing {
@@ -12,6 +13,8 @@ namespace folioweld::testing {
 namespace fs = std::filesystem;
 
 TempFolder::TempFolder() {
+  // Others may read what a test makes and not write to it, whoever runs the test.
+  ::umask(022);
   std::string pattern = (fs::temp_directory_path() / "folioweld-test-XXXXXX").string();
   if (::mkdtemp(pattern.data()) == nullptr) throw std::system_error(errno, std::generic_category(), pattern);
   path_ = fs::canonical(pattern).string();
