@@ -42,7 +42,7 @@ make_root build --include="$tools"
 mkdir "$work/build/src"
 (cd "$root" && scripts/source-files.sh '*' | tar c -T -) | tar x -C "$work/build/src"
 say "building and testing the preset no-window"
-inside build /src/scripts/build.sh no-window /build -D FOLIOWELD_UNITY=ON
+inside build /src/scripts/build.sh no-window /build
 inside build ctest --test-dir /build --output-on-failure -j"$(nproc)" -LE 'long|faults|shell|corpus'
 
 say "packaging"
