@@ -5,7 +5,8 @@
 set -euo pipefail
 cd "$(dirname "$(dirname "$(readlink -f "$0")")")"
 work=$1
-cmake --preset asan -B "$work" -DFOLIOWELD_WINDOW=ON -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON >"$work.log" 2>&1 ||
+cmake --preset asan -B "$work" -DFOLIOWELD_WINDOW=ON -DCMAKE_DISABLE_FIND_PACKAGE_Qt6=OFF \
+  -DFOLIOWELD_UNITY=ON -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON >"$work.log" 2>&1 ||
   { cat "$work.log"; exit 1; }
 
 look() {
@@ -19,6 +20,6 @@ look() {
 export -f look
 export work
 
-sources=$(sed -n 's/^ *"file": "\(.*\)",\{0,1\}$/\1/p' "$work/compile_commands.json" | grep -vE '_autogen/|/qrc_')
+sources=$(sed -n 's/^ *"file": "\(.*\)",\{0,1\}$/\1/p' "$work/compile_commands.json" | grep -vE '_autogen/|/qrc_' | sort -u)
 # shellcheck disable=SC2016 # the inner shell is the one to expand it
 xargs -d '\n' -n 1 -P 2 bash -c 'look "$1"' look <<<"$sources"
