@@ -14,8 +14,6 @@ namespace {
 
 using Wish = Arguments::Wish;
 
-constexpr char kBar = '|';
-
 // Long options without a letter of their own.
 enum LongOption : int { kOrder = 256, kProgress, kFiles0From, kPrepare, kCarry, kBookmarks, kTitle };
 

@@ -12,6 +12,9 @@ namespace folioweld {
 /// How the program is called to join without a window.
 inline constexpr char kUsage[] = "folioweld [OPTION]... [--] OUTPUT SOURCE...";
 
+/// Between the output and the folder of a command line.
+inline constexpr char kBar = '|';
+
 /// When the progress of a run is drawn on the terminal.
 enum class ProgressChoice {
   Auto,  ///< on a terminal, while the program is in its foreground

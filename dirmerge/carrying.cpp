@@ -17,10 +17,8 @@ namespace folioweld {
 
 namespace {
 
-/// The window handles no event meanwhile.
-constexpr int kLongestWait = 20;
 /// A program that is stuck in a disk's answer is gone after that.
-constexpr std::int64_t kEndMilliseconds = 10'000;
+constexpr std::int64_t kStuckMilliseconds = 10'000;
 
 constexpr char kPrefix[] = "[Folioweld-Carrying]=>";
 constexpr char kWithout[] = "The output is the joined file without what --carry adds: ";
@@ -98,7 +96,7 @@ OutputSequel::Outcome Carrying::Run(const FileInformation& output, std::string& 
   }
   // Nothing may be written after the cut.
   child.Kill();
-  const bool ended = child.WaitForEnd(kEndMilliseconds);
+  const bool ended = child.WaitForEnd(kStuckMilliseconds);
   failed_ = !why.empty() || !ended;
   if (!failed_) {
     ReplaceAlterations();

@@ -10,8 +10,6 @@ namespace folioweld {
 
 namespace {
 
-constexpr char kBar = '|';
-
 /// Enters the folder as it stands, or trimmed when that does not exist; the name that worked, or why none
 /// did.
 SystemResult<std::string> EnterFolder(WindowsAPI& system, const std::string& text) {

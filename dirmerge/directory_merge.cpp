@@ -19,9 +19,9 @@ namespace folioweld {
 
 namespace {
 
-constexpr char kTitle[] = "Folioweld";
+constexpr char kMessageTitle[] = "Folioweld";
 constexpr char kDirectoryTitle[] = "File Tallowby - Folioweld";
-constexpr char kLogPrefix[] = "[Folioweld-MergeDirectory]=>";
+constexpr char kFolderPrefix[] = "[Folioweld-MergeDirectory]=>";
 constexpr char kFolderSetting[] = "MergeCurDir";
 /// Anything shorter cannot be a document.
 constexpr std::int64_t kShortestOutput = 11;
@@ -36,7 +36,7 @@ class DirectoryJob {
         settings_(settings),
         shell_(shell),
         log_(log),
-        logging_(LoggingOf(kLogPrefix, program.Merge, shell, log)),
+        logging_(LoggingOf(kFolderPrefix, program.Merge, shell, log)),
         report_(report),
         keeper_(files.System()) {
     program_.ExternalBusy = true;
@@ -72,7 +72,7 @@ class DirectoryJob {
     OutputProbe probe(files_, output);
     if (!probe.Open(InputIdentities())) {
       shell_.ShowMessage(
-          MessageIcon::Exclamation, kTitle,
+          MessageIcon::Exclamation, kMessageTitle,
           "The output file\r\n" + output + "\r\n cannot be created.\r\nI cannot do this operation!");
       TellReason(WhyNoOutput(files_.System(), output, probe.Error(), found_.Inputs));
       return;
@@ -125,7 +125,7 @@ class DirectoryJob {
   }
 
   void ShowNoInput() {
-    shell_.ShowMessage(MessageIcon::Exclamation, kTitle, "NO INPUT FILE!  I DIDN'T DO ANYTHING");
+    shell_.ShowMessage(MessageIcon::Exclamation, kMessageTitle, "NO INPUT FILE!  I DIDN'T DO ANYTHING");
   }
 
   /// Whether the listing goes on.
@@ -181,7 +181,7 @@ class DirectoryJob {
     if (!preparation.Run(documents, folder, report_)) return false;
     const std::string tooMany = preparation.WhyTooMany();
     if (documents.empty()) ShowNoInput();
-    if (!tooMany.empty()) shell_.ShowMessage(MessageIcon::Exclamation, kTitle, tooMany);
+    if (!tooMany.empty()) shell_.ShowMessage(MessageIcon::Exclamation, kMessageTitle, tooMany);
     return !documents.empty() && tooMany.empty();
   }
 
@@ -232,7 +232,7 @@ class DirectoryJob {
     const auto written = files_.System().GetFileAttributes(output);
     if (written.Ok() && written.Value().Size < kShortestOutput) {
       report_.OutputWritten = false;
-      shell_.ShowMessage(MessageIcon::Exclamation, kTitle, "Unable to Merge and Create " + output);
+      shell_.ShowMessage(MessageIcon::Exclamation, kMessageTitle, "Unable to Merge and Create " + output);
     }
     if (report_.OutputWritten && written.Ok()) LogOutput(output, written.Value().Size);
   }
@@ -296,7 +296,7 @@ void DirectoryMerge::MenuPdfMergeDir_Click() {
 
 void DirectoryMerge::TellAtTheEnd(std::function<void(const std::string&)> Logging::*where, const char* line) {
   try {
-    (LoggingOf(kLogPrefix, program_.Merge, shell_, log_).*where)(line);
+    (LoggingOf(kFolderPrefix, program_.Merge, shell_, log_).*where)(line);
   } catch (const std::exception&) {
     // Nor is there memory for the news; the report tells all the same.
   }
@@ -309,7 +309,7 @@ void DirectoryMerge::MergeDirectory(const std::string& directory) {
 void DirectoryMerge::MergeSources(const std::vector<Source>& sources, const std::string& problem) {
   report_ = {};
   if (problem.empty()) return Guard([&] { Run(sources); });
-  shell_.ShowMessage(MessageIcon::Exclamation, kTitle, problem);
+  shell_.ShowMessage(MessageIcon::Exclamation, kMessageTitle, problem);
 }
 
 void DirectoryMerge::Run(const std::vector<Source>& sources) {

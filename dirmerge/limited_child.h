@@ -8,6 +8,9 @@
 
 namespace folioweld {
 
+/// Milliseconds to wait for what a program writes: the window handles no event meanwhile.
+inline constexpr int kLongestWait = 20;
+
 /// How a program is started.
 struct ChildCall {
   std::string Program;                    ///< full path

@@ -8,7 +8,7 @@ namespace folioweld {
 
 namespace {
 
-constexpr char kLogPrefix[] = "[Folioweld-cmdOK]=>";
+constexpr char kPairPrefix[] = "[Folioweld-cmdOK]=>";
 
 /// The running look, while the window counts as busy.
 class RunningLook {
@@ -41,7 +41,7 @@ PreparedInputs::PreparedInputs(ProgramState& program, FileModule& files, Setting
       files_(files),
       settings_(settings),
       shell_(shell),
-      logging_(LoggingOf(kLogPrefix, program.Merge, shell, log)),
+      logging_(LoggingOf(kPairPrefix, program.Merge, shell, log)),
       preparation_(files, shell, program.Merge, logging_) {}
 
 bool PreparedInputs::Prepare() {

@@ -7,9 +7,6 @@ namespace folioweld {
 
 namespace {
 
-/// The window handles no event meanwhile.
-constexpr int kLongestWait = 20;
-
 struct Slot {
   std::size_t Task;
   std::unique_ptr<PreparingChild> Child;

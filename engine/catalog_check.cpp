@@ -12,13 +12,6 @@ namespace folioweld {
 
 namespace {
 
-std::size_t CountReferences(std::string_view array) {
-  std::size_t count = 0;
-  NumberPair found;
-  while (FindReference(array, found.End, kReferenceKeyword, found)) ++count;
-  return count;
-}
-
 /// What layers say of their use on the screen or on paper, which counts where a rule of the configuration has
 /// it count. Everything is looked at once, however often it is referred to.
 class UsageLook {

@@ -15,7 +15,7 @@ namespace folioweld {
 
 namespace {
 
-constexpr char kLogPrefix[] = "[ReadLineFromRandomFile]=>";
+constexpr char kLinePrefix[] = "[ReadLineFromRandomFile]=>";
 
 }  // namespace
 
@@ -101,11 +101,11 @@ void FileModule::LogRetries(std::int16_t bufferSize, std::int16_t tries, std::in
   const std::int32_t grown = std::int32_t{tries} * bufferSize;
   if (log_ == nullptr || grown > std::numeric_limits<std::int16_t>::max()) return;
   if (code >= 0) {
-    log_->AddLogLine(kLogPrefix +
+    log_->AddLogLine(kLinePrefix +
                      ("*** Warning! *** Buffer size had to be increased from " + std::to_string(bufferSize) +
                       " to " + std::to_string(grown) + " *** Warning! <="));
   } else if (code == kNoLineEnd) {
-    log_->AddLogLine(kLogPrefix +
+    log_->AddLogLine(kLinePrefix +
                      ("***** WARNING!!! ***** Buffer size remained too small although I retried " +
                       std::to_string(tries) + " times ***** WARNING!!! <="));
   }

@@ -151,4 +151,11 @@ bool FindReference(std::string_view text, std::size_t index, std::span<const std
   return false;
 }
 
+std::size_t CountReferences(std::string_view text) {
+  std::size_t count = 0;
+  NumberPair found;
+  while (FindReference(text, found.End, kReferenceKeyword, found)) ++count;
+  return count;
+}
+
 }  // namespace folioweld

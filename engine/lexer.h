@@ -128,6 +128,9 @@ inline constexpr std::int32_t kIsReference = 1;  ///< index of "R" there
 [[nodiscard]] bool FindReference(std::string_view text, std::size_t index,
                                  std::span<const std::string_view> keywords, NumberPair& found);
 
+/// How many references `FindReference` finds in the text.
+[[nodiscard]] std::size_t CountReferences(std::string_view text);
+
 /// Gives `take` the digits of whatever may be the number of a reference, found backwards from each "R". Takes
 /// a fraction of the time of `FindReference` and misses none; strings and comments are not told from the
 /// rest.

@@ -13,7 +13,7 @@ namespace folioweld {
 namespace {
 
 constexpr char kTitle[] = "Folioweld";
-constexpr char kLogPrefix[] = "[Folioweld-cmdOK]=>";
+constexpr char kMergePrefix[] = "[Folioweld-cmdOK]=>";
 
 }  // namespace
 
@@ -84,7 +84,7 @@ void MergeJob::FinishFailed() {
 }
 
 void MergeJob::KeepLastLine() {
-  if (lastLine_.empty()) lastLine_ = std::string(kLogPrefix) + "The merge failed: " + kOutOfMemory;
+  if (lastLine_.empty()) lastLine_ = std::string(kMergePrefix) + "The merge failed: " + kOutOfMemory;
 }
 
 /// Where a step of the job itself ran out of memory, and no pass. What it has written of the output goes.
@@ -130,14 +130,14 @@ void MergeJob::LogFailure(const PassFailure& failure) {
   const std::string sentence = "The merge failed: " + failure.Sentence(name);
   // Whoever cancelled a run knows it.
   if (failure.Rule == kCancelled) {
-    if (state_.LogEnabled) log_.AddLogLine(kLogPrefix + sentence);
+    if (state_.LogEnabled) log_.AddLogLine(kMergePrefix + sentence);
   } else {
     Report(sentence);
   }
 }
 
 void MergeJob::Report(const std::string& text) {
-  const std::string line = kLogPrefix + text;
+  const std::string line = kMergePrefix + text;
   if (state_.LogEnabled) log_.AddLogLine(line);
   shell_.Notice(line);
 }

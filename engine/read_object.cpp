@@ -11,7 +11,7 @@ namespace folioweld {
 
 namespace {
 
-constexpr std::int32_t kKeysPerYield = 1000;
+constexpr std::int32_t kReadKeysPerYield = 1000;
 
 const ObjectEntry* FindEntry(const MergeState& state, std::int16_t slot, std::int32_t number) {
   if (number < 0 || number >= state.DocObjectCount(slot)) return nullptr;
@@ -67,7 +67,7 @@ std::string_view SeenDictionary::WrittenValue(std::string_view key) {
 }
 
 bool SeenDictionary::Next(EntryWalk& walk) {
-  if (++keys_ % kKeysPerYield == 0 && YieldAndCheckAbort(input_->Shell, input_->State)) {
+  if (++keys_ % kReadKeysPerYield == 0 && YieldAndCheckAbort(input_->Shell, input_->State)) {
     throw RuleBroken({input_->Slot, -1, -1, kCancelled});
   }
   return walk.Next();

@@ -42,13 +42,6 @@ std::string AsOthersSee(std::string_view text) {
   return seen;
 }
 
-int CountReferences(std::string_view text) {
-  int count = 0;
-  NumberPair found;
-  while (FindReference(text, found.End, kReferenceKeyword, found)) ++count;
-  return count;
-}
-
 /// Looks at the texts of one input.
 class ReferenceCheck {
  public:

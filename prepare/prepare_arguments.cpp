@@ -11,7 +11,7 @@ namespace folioweld {
 
 namespace {
 
-using Wish = PrepareArguments::Wish;
+using PrepareWish = PrepareArguments::Wish;
 
 // Long options without a letter of their own.
 enum LongOption : int { kPasswordFile = 256, kDescriptors, kLimits };
@@ -23,9 +23,9 @@ constexpr std::array kOptions = {option{"password-file", required_argument, null
                                  option{"version", no_argument, nullptr, 'V'},
                                  option{nullptr, 0, nullptr, 0}};
 
-class Parser {
+class PrepareParser {
  public:
-  explicit Parser(const std::vector<std::string>& arguments) : words_(arguments) {
+  explicit PrepareParser(const std::vector<std::string>& arguments) : words_(arguments) {
     words_.insert(words_.begin(), "folioweld-prepare");
     for (std::string& word : words_) pointers_.push_back(word.data());
     pointers_.push_back(nullptr);
@@ -48,7 +48,7 @@ class Parser {
 
  private:
   bool Refuse(std::string problem) {
-    result_.Asked = Wish::Refuse;
+    result_.Asked = PrepareWish::Refuse;
     result_.Problem = std::move(problem);
     return false;
   }
@@ -64,10 +64,10 @@ class Parser {
       case kLimits:
         return TakeLimits();
       case 'h':
-        result_.Asked = Wish::ShowHelp;
+        result_.Asked = PrepareWish::ShowHelp;
         return false;
       case 'V':
-        result_.Asked = Wish::ShowVersion;
+        result_.Asked = PrepareWish::ShowVersion;
         return false;
       case ':':
         return Refuse("the option \"" + word + "\" needs a value");
@@ -93,7 +93,7 @@ class Parser {
   void TakeOperands() {
     const std::vector<std::string> operands(words_.begin() + optind, words_.end());
     const bool hasHandles = result_.InputHandle >= 0;
-    result_.Asked = hasHandles ? Wish::CopyHandles : Wish::CopyPaths;
+    result_.Asked = hasHandles ? PrepareWish::CopyHandles : PrepareWish::CopyPaths;
     if (hasHandles && !operands.empty()) {
       Refuse("with --descriptors there is no INPUT and no OUTPUT");
     } else if (!hasHandles && operands.size() != 2) {
@@ -112,7 +112,7 @@ class Parser {
 }  // namespace
 
 PrepareArguments ParsePrepareArguments(const std::vector<std::string>& arguments) {
-  return Parser(arguments).Run();
+  return PrepareParser(arguments).Run();
 }
 
 std::string PrepareHelpText() {

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::size_t kUsualLine = 120;
 /// Readers of lines give up on longer ones.
-constexpr std::size_t kLongestLine = 100'000;
+constexpr std::size_t kLongestTokenLine = 100'000;
 
 }  // namespace
 
@@ -24,7 +24,7 @@ void TokenLines::Put(std::string_view token) {
   text_ += token;
   const std::size_t lastLineEnd = token.rfind('\n');
   if (lastLineEnd != std::string_view::npos) lineStart_ = text_.size() - (token.size() - lastLineEnd - 1);
-  if (text_.size() - lineStart_ > kLongestLine) {
+  if (text_.size() - lineStart_ > kLongestTokenLine) {
     throw NotPrepared("a name or a row of names is longer than a line of 100,000 bytes");
   }
 }

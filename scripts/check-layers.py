@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""check-layers.py [TREE]: no folder includes another one that it may not use, and no two files need each other.
+"""check-layers.py [TREE]: no folder includes another one that it may not use, no file a source, and no two each other.
 
 The arrows of ARCHITECTURE.md, kept: a folder of the program includes headers of its own and of what the table names
 for it, and nothing but the language's otherwise. A header counts as one file with the source of its name.
@@ -53,6 +53,8 @@ def main():
             for header in INCLUDE.findall(path.read_text(encoding="utf-8")):
                 used = used_by(header)
                 own.add(header.rsplit(".", 1)[0])
+                if header.endswith(".cpp"):
+                    wrong.append(f"{name} includes the source {header}")
                 if used is not None and used not in allowed:
                     wrong.append(f"{name} includes {header}, and {folder} may not use {used}")
     wrong += mutual(needs)

@@ -85,7 +85,7 @@ class Scratch:
             file.write(data)
 
     def configure(self):
-        command = ["cmake", "-S", self.tree, "-B", self.build, "-G", "Ninja", "-DFOLIOWELD_WINDOW=OFF"]
+        command = ["cmake", "-S", self.tree, "-B", self.build, "-G", "Ninja", "-DFOLIOWELD_WINDOW=OFF", "-DFOLIOWELD_UNITY=OFF"]
         command += ["-DCMAKE_BUILD_TYPE=", "-DCMAKE_CXX_FLAGS=-O0 -w -D_GLIBCXX_ASSERTIONS"]
         command += ["-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST"]
         subprocess.run(command, check=True, stdout=subprocess.DEVNULL)

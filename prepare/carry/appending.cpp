@@ -11,12 +11,12 @@ namespace folioweld {
 
 namespace {
 
-constexpr std::int64_t kLongestFile = std::numeric_limits<std::int32_t>::max() - 1;
+constexpr std::int64_t kLongestOutput = std::numeric_limits<std::int32_t>::max() - 1;
 
 /// Holds the revision until it is known that all of it can be appended.
 class MemorySink : public ByteSink {
  public:
-  explicit MemorySink(std::int64_t offset) : room_(kLongestFile - offset) {}
+  explicit MemorySink(std::int64_t offset) : room_(kLongestOutput - offset) {}
 
   void Write(std::string_view bytes) override {
     room_ -= static_cast<std::int64_t>(bytes.size());

@@ -11,7 +11,7 @@ namespace folioweld {
 
 namespace {
 
-using Wish = CarryArguments::Wish;
+using CarryWish = CarryArguments::Wish;
 
 constexpr std::array<std::pair<std::string_view, Bookmarks>, 4> kBookmarks = {
     {{"both", Bookmarks::Both},
@@ -20,12 +20,12 @@ constexpr std::array<std::pair<std::string_view, Bookmarks>, 4> kBookmarks = {
      {"none", Bookmarks::None}}};
 
 /// Programs write these arguments: each option has its value after a "=", and there is nothing else.
-class Parser {
+class CarryParser {
  public:
   CarryArguments Run(const std::vector<std::string>& words) {
     for (const std::string& word : words) {
       if (word == "--help" || word == "--version") {
-        result_.Asked = word == "--help" ? Wish::ShowHelp : Wish::ShowVersion;
+        result_.Asked = word == "--help" ? CarryWish::ShowHelp : CarryWish::ShowVersion;
         return std::move(result_);
       }
       const std::size_t equals = word.find('=');
@@ -37,7 +37,7 @@ class Parser {
     if (result_.Joined < 0) {
       result_.Problem = "--descriptors is needed";
     } else {
-      result_.Asked = Wish::Append;
+      result_.Asked = CarryWish::Append;
     }
     return std::move(result_);
   }
@@ -78,7 +78,7 @@ class Parser {
 }  // namespace
 
 CarryArguments ParseCarryArguments(const std::vector<std::string>& arguments) {
-  return Parser().Run(arguments);
+  return CarryParser().Run(arguments);
 }
 
 std::string CarryHelpText() {

@@ -10,10 +10,10 @@ namespace folioweld {
 namespace {
 
 /// A name in a document may have a million bytes.
-constexpr std::size_t kLongestLine = 500;
+constexpr std::size_t kLongestError = 500;
 
 void Tell(WindowsAPI& system, const std::string& text) {
-  WriteError(system, ShownOnTerminal(OnOneLine(text.substr(0, kLongestLine))) + "\n");
+  WriteError(system, ShownOnTerminal(OnOneLine(text.substr(0, kLongestError))) + "\n");
 }
 
 }  // namespace

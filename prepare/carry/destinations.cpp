@@ -12,7 +12,7 @@ namespace folioweld {
 
 namespace {
 
-constexpr char kPart[] = "destinations";
+constexpr char kDestinationsPart[] = "destinations";
 
 class Destinations {
  public:
@@ -20,11 +20,11 @@ class Destinations {
 
   UsesByDocument Run() {
     std::vector<DocumentNames> documents =
-        ReadNames(revision_, kPart, [&](DocumentNames& names) { Read(names); });
+        ReadNames(revision_, kDestinationsPart, [&](DocumentNames& names) { Read(names); });
     MakeNamesUnique(documents);
     const bool isCarried = HasLaterNames(documents) || leadsBeyondFirst_;
     for (const DocumentNames& document : documents) ChangeUses(document, isCarried && hasTree_);
-    if (isCarried) Write(MergedNames(revision_, kPart, documents));
+    if (isCarried) Write(MergedNames(revision_, kDestinationsPart, documents));
     return std::move(uses_);
   }
 

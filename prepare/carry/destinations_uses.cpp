@@ -11,9 +11,9 @@ namespace folioweld {
 namespace {
 
 /// What leads to much, but not to an action.
-const std::set<std::string> kLeftAlone = {"/AP",        "/Contents", "/EF",     "/Metadata",
-                                          "/OC",        "/P",        "/Parent", "/PieceInfo",
-                                          "/Resources", "/SD",       "/SE",     "/Thumb"};
+const std::set<std::string> kWithoutDestinations = {"/AP",        "/Contents", "/EF",     "/Metadata",
+                                                    "/OC",        "/P",        "/Parent", "/PieceInfo",
+                                                    "/Resources", "/SD",       "/SE",     "/Thumb"};
 
 bool StartsWithInteger(QPDFObjectHandle array) {
   return array.isArray() && array.getArrayNItems() > 0 && array.getArrayItem(0).isInteger();
@@ -66,7 +66,7 @@ NameUses FindNameUses(Revision& revision, const CarriedDocument& document) {
   NameUses uses;
   if (document.Index == 1)
     NoteDestination(revision, uses, {CatalogOf(revision, document), {}}, "/OpenAction");
-  ForEachDictionary(revision, document, kLeftAlone, [&](const Place& place) {
+  ForEachDictionary(revision, document, kWithoutDestinations, [&](const Place& place) {
     NoteDestination(revision, uses, place, "/Dest");
     QPDFObjectHandle action = EntryOf(place.Dictionary, "/S");
     if (action.isNameAndEquals("/GoTo")) NoteDestination(revision, uses, place, "/D");

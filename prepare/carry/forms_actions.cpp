@@ -8,8 +8,9 @@ namespace folioweld {
 namespace {
 
 /// Entries that lead to much, and to no action or lock.
-const std::set<std::string> kLeftAlone = {"/AP", "/Contents", "/DR",        "/MK",        "/Metadata", "/OC",
-                                          "/P",  "/Parent",   "/PieceInfo", "/Resources", "/Thumb"};
+const std::set<std::string> kWithoutActions = {"/AP",        "/Contents",  "/DR",   "/MK",
+                                               "/Metadata",  "/OC",        "/P",    "/Parent",
+                                               "/PieceInfo", "/Resources", "/Thumb"};
 
 /// Of /Flags: the fields that are listed are those to leave out. Without a list it has no effect.
 constexpr long long kLeaveOut = 1;
@@ -24,7 +25,7 @@ long long FlagsOf(const Place& action) {
 
 FieldMentions::FieldMentions(Revision& revision, const CarriedDocument& document, const NewNames& renamed)
     : revision_(revision), renamed_(renamed) {
-  ForEachDictionary(revision, document, kLeftAlone, [this](const Place& place) { LookAt(place); });
+  ForEachDictionary(revision, document, kWithoutActions, [this](const Place& place) { LookAt(place); });
 }
 
 void FieldMentions::LookAt(const Place& place) {

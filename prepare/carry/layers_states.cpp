@@ -6,7 +6,7 @@ namespace folioweld {
 
 namespace {
 
-std::set<QPDFObjGen> Listed(Revision& revision, const QPDFObjectHandle& list) {
+std::set<QPDFObjGen> ListedLayers(Revision& revision, const QPDFObjectHandle& list) {
   std::set<QPDFObjGen> listed;
   for (const QPDFObjectHandle& item : ItemsOf(revision, list)) listed.insert(item.getObjGen());
   return listed;
@@ -16,8 +16,8 @@ std::set<QPDFObjGen> Listed(Revision& revision, const QPDFObjectHandle& list) {
 
 LayerStates StatesOf(Revision& revision, const std::vector<QPDFObjectHandle>& groups,
                      QPDFObjectHandle configuration) {
-  const std::set<QPDFObjGen> on = Listed(revision, configuration.getKey("/ON"));
-  const std::set<QPDFObjGen> off = Listed(revision, configuration.getKey("/OFF"));
+  const std::set<QPDFObjGen> on = ListedLayers(revision, configuration.getKey("/ON"));
+  const std::set<QPDFObjGen> off = ListedLayers(revision, configuration.getKey("/OFF"));
   QPDFObjectHandle base = configuration.getKey("/BaseState");
   const bool isBaseOff = base.isNameAndEquals("/OFF");
   const bool isUnchanged = base.isNameAndEquals("/Unchanged");

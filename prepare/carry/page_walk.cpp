@@ -7,7 +7,7 @@ namespace folioweld {
 namespace {
 
 /// More than a document may have, and the levels that joining adds.
-constexpr std::size_t kDeepestNode = 450;
+constexpr std::size_t kDeepestPage = 450;
 constexpr std::size_t kMostSteps = 1'000'000;
 
 class PageWalk {
@@ -25,7 +25,7 @@ class PageWalk {
     QPDFObjectHandle kids = node.getKey("/Kids");
     // Whatever it calls itself, readers go on where there are kids.
     if (!kids.isArray()) return pages_.push_back({node, number});
-    if (path_.size() > kDeepestNode) throw NotCarried("the page tree is too deep");
+    if (path_.size() > kDeepestPage) throw NotCarried("the page tree is too deep");
     const bool isLoop = node.isIndirect() && std::find(path_.begin(), path_.end(), number) != path_.end();
     if (isLoop) throw NotCarried("the page tree leads back to object " + std::to_string(number));
     path_.push_back(node.isIndirect() ? number : -1);

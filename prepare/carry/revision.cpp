@@ -11,7 +11,7 @@ namespace folioweld {
 namespace {
 
 /// Real files take a few for each of their objects.
-constexpr std::size_t kMostSteps = 1'000'000;
+constexpr std::size_t kMostPlaces = 1'000'000;
 
 }  // namespace
 
@@ -61,7 +61,7 @@ void Revision::TellLost(const CarriedDocument& document, const std::string& part
 }
 
 void Revision::Spend() {
-  if (++steps_ > kMostSteps) throw NotCarried("it has more than a million places to look at");
+  if (++steps_ > kMostPlaces) throw NotCarried("it has more than a million places to look at");
 }
 
 }  // namespace folioweld

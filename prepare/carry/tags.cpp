@@ -16,7 +16,7 @@ namespace folioweld {
 
 namespace {
 
-constexpr char kPart[] = "tags";
+constexpr char kTagsPart[] = "tags";
 const std::string kTreeOfNumbers = "the tree of the numbers of its structure elements ";
 constexpr char kRoot[] = "/StructTreeRoot";
 
@@ -32,7 +32,7 @@ void Append(std::vector<QPDFObjectHandle>& items, const std::vector<QPDFObjectHa
 }
 
 /// A document's tree by number, and what is added to each number in the joined file.
-struct Numbered {
+struct NumberedTags {
   std::map<int, QPDFObjectHandle> Parents;
   std::string Flaw;  ///< of the tree
   int Offset = 0;
@@ -43,8 +43,8 @@ class Tags {
   explicit Tags(Revision& revision) : revision_(revision) {}
 
   void Run() {
-    revision_.ForEach(kPart, [&](const CarriedDocument& document) { Number(document); });
-    revision_.ForEach(kPart, [&](const CarriedDocument& document) { Take(document); });
+    revision_.ForEach(kTagsPart, [&](const CarriedDocument& document) { Number(document); });
+    revision_.ForEach(kTagsPart, [&](const CarriedDocument& document) { Take(document); });
     if (!laterElements_.empty()) Write();
   }
 
@@ -100,7 +100,7 @@ class Tags {
     }
   }
 
-  static void CheckLater(const Numbered& numbers, const std::vector<QPDFObjectHandle>& top) {
+  static void CheckLater(const NumberedTags& numbers, const std::vector<QPDFObjectHandle>& top) {
     if (!numbers.Flaw.empty()) throw NotCarried(kTreeOfNumbers + numbers.Flaw);
     const bool areElements = std::all_of(top.begin(), top.end(), [](const QPDFObjectHandle& element) {
       return QPDFObjectHandle(element).isDictionary();
@@ -114,7 +114,7 @@ class Tags {
     if (isFree) {
       identifiers_.insert(own.Values.begin(), own.Values.end());
     } else {
-      revision_.TellLost(document, kPart, "an earlier document has the same identifiers of elements");
+      revision_.TellLost(document, kTagsPart, "an earlier document has the same identifiers of elements");
     }
   }
 
@@ -148,7 +148,7 @@ class Tags {
 
   void Write() {
     const std::string& flaw = numbered_[1].Flaw;
-    if (!flaw.empty()) revision_.TellLost(revision_.Documents().front(), kPart, kTreeOfNumbers + flaw);
+    if (!flaw.empty()) revision_.TellLost(revision_.Documents().front(), kTagsPart, kTreeOfNumbers + flaw);
     QPDFObjectHandle root = NewRoot();
     for (QPDFObjectHandle element : laterElements_) {
       element.replaceKey("/P", root);
@@ -168,8 +168,8 @@ class Tags {
   }
 
   Revision& revision_;
-  std::map<int, Numbered> numbered_;  ///< by the document's index
-  int next_ = 0;                      ///< number that nothing has yet
+  std::map<int, NumberedTags> numbered_;  ///< by the document's index
+  int next_ = 0;                          ///< number that nothing has yet
   std::vector<QPDFObjectHandle> firstElements_;
   std::vector<QPDFObjectHandle> laterElements_;
   std::map<int, QPDFObjectHandle> parents_;

@@ -9,15 +9,15 @@ namespace folioweld {
 namespace {
 
 /// What leads to much, but to nothing that has such a number.
-const std::set<std::string> kLeftAlone = {"/A",  "/AA",        "/ColorSpace", "/Contents", "/Dest",
-                                          "/EF", "/Font",      "/Metadata",   "/OC",       "/Outlines",
-                                          "/P",  "/PieceInfo", "/Properties", "/Shading",  "/Thumb"};
+const std::set<std::string> kWithoutTags = {"/A",  "/AA",        "/ColorSpace", "/Contents", "/Dest",
+                                            "/EF", "/Font",      "/Metadata",   "/OC",       "/Outlines",
+                                            "/P",  "/PieceInfo", "/Properties", "/Shading",  "/Thumb"};
 
 }  // namespace
 
 std::vector<TagNumber> FindTagNumbers(Revision& revision, const CarriedDocument& document) {
   std::vector<TagNumber> numbers;
-  ForEachDictionary(revision, document, kLeftAlone, [&](const Place& place) {
+  ForEachDictionary(revision, document, kWithoutTags, [&](const Place& place) {
     for (const char* key : {"/StructParent", "/StructParents"}) {
       QPDFObjectHandle value = EntryOf(place.Dictionary, key);
       if (!value.isInteger()) continue;
