@@ -17,6 +17,8 @@ folioweld_add_check(rules_are_where_the_page_says check-architecture.py)
 folioweld_add_check(headers_stand_alone check-headers.sh ${CMAKE_CXX_COMPILER})
 folioweld_add_check(clang_tidy check-clang-tidy.sh ${PROJECT_BINARY_DIR}/clang-tidy)
 set_tests_properties(headers_stand_alone clang_tidy PROPERTIES PROCESSORS 2 TIMEOUT 2400 LABELS "lint;long")
+# The longest of all tests: one that starts last leaves a core idle.
+set_tests_properties(clang_tidy PROPERTIES COST 1000)
 folioweld_add_check(mutations_apply mutate.py --check)
 folioweld_add_check(options_are_the_same_everywhere check-options.py $<TARGET_FILE:folioweld>)
 folioweld_add_check(no_toolkit check-no-toolkit.sh $<TARGET_FILE:folioweld>)
