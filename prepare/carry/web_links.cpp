@@ -1,6 +1,5 @@
 #include "prepare/carry/web_links.h"
 
-#include <algorithm>
 #include <string>
 
 #include "prepare/carry/dictionaries.h"
