@@ -78,7 +78,7 @@ TEST_F(ExitGuardTest, EachPressThatCameTooEarlyMakesTheNextOneWait) {
   sinceTheLast.start();
   while (!sinceTheCancel.hasExpired(300)) {
     Click("cmdCancel");
-    if (sinceTheLast.restart() >= 90) return;
+    if (sinceTheLast.restart() >= 90) GTEST_SKIP() << "the machine stalled between two clicks";
     ASSERT_FALSE(ended_);
     QTest::qWait(5);
   }
