@@ -17,6 +17,8 @@ class ActingWindow(Window):
     def wait_until_ready(self):
         wait_for(lambda: self._main_node() is not None and "showing" in self.main.states,
                  lambda: "the window appears; " + self.errors())
+        if self.screen:
+            wait_for(self.main_window, "the window manager has taken the window over")
         return self
 
     def wait_active(self, title):
@@ -30,7 +32,7 @@ class ActingWindow(Window):
 
     def choose(self, *captions):
         """Does what a menu item does; the menus on the way stay closed."""
-        node = self.main.find("menu bar")
+        node = self._menu_bar()
         for caption in captions:
             inside = node
             node = wait_for(lambda: inside.find("menu item", caption, states=("enabled",)),

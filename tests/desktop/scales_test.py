@@ -27,7 +27,7 @@ class Scales(DesktopTest):
     def shown(self, scale=1, *arguments):
         self.environment["QT_SCALE_FACTOR"] = str(scale)
         window = self.open(*arguments, kind=ActingWindow)
-        self.wait(lambda: self.screen.active() == window.main_window(), "the window has the keyboard")
+        self.wait(lambda: self.screen.has_keyboard(window.main_window()), "the window has the keyboard")
         size = lambda: self.screen.outline(window.main_window())[2:]
         self.wait(lambda: size()[0] == WIDTH * scale and HEIGHT * scale < size()[1] < (HEIGHT + MENU_BAR) * scale,
                   lambda: f"the window has its size at scale {scale}; it is {size()}")
@@ -72,7 +72,8 @@ class Scales(DesktopTest):
                     source.drop_on(self.screen.outline(window.main_window()))
                     dialog = window.dialog(SORTING)
                     # Two of the four options stand over the frame and not in it.
-                    self.assertEqual([fault for fault in faults(dialog) if "radio button" not in fault], [])
+                    found = lambda: [fault for fault in faults(dialog) if "radio button" not in fault]
+                    self.wait(lambda: found() == [], lambda: f"no faults in the question; {found()}")
                     window.press_in(dialog, "I choose this option")
                     window.answer_file(CHOOSE_OUTPUT, self.joined)
                 self.wait(lambda: self.joined.exists() and window.is_enabled(select(FIRST)),
