@@ -120,14 +120,19 @@ class Node:
 
     def find(self, role=None, name=None, states=(), without=()):
         """The first object with these properties, None when there is none now."""
-        return next(iter(self.find_all(role, name, states, without)), None)
+        seen = self.see(role, name, states, without)
+        return seen.node if seen else None
 
-    def find_all(self, role=None, name=None, states=(), without=()):
+    def see(self, role=None, name=None, states=(), without=()):
+        """What that object said of itself when it was found: asked again, it may be gone or say something else."""
+        return next(iter(self.see_all(role, name, states, without)), None)
+
+    def see_all(self, role=None, name=None, states=(), without=()):
         def fits(seen):
             return ((role is None or seen.role == role) and set(states) <= seen.states and
                     (name is None or (name(seen.name) if callable(name) else seen.name == name)))
 
-        return [seen.node for seen in self.snapshot(without) if fits(seen)]
+        return [seen for seen in self.snapshot(without) if fits(seen)]
 
     def dump(self, depth=0):
         try:

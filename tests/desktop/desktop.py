@@ -13,6 +13,8 @@ import tempfile
 import time
 from pathlib import Path
 
+from accessible import Gone
+
 SECONDS = float(os.environ.get("FOLIOWELD_DESKTOP_SECONDS", "300"))
 SCREEN = "1600x1200x24"
 
@@ -26,11 +28,17 @@ class TimeUp(AssertionError):
 
 
 def wait_for(condition, what, seconds=None):
-    """The first true value of the condition. Generous: a busy machine only makes a test slower."""
+    """The first true value of the condition. Generous: a busy machine only makes a test slower.
+
+    While an object that it asks is gone it is not true: what the window shows changes while one looks at it.
+    """
     end = time.monotonic() + (seconds or SECONDS)
     pause = 0.005
     while True:
-        value = condition()
+        try:
+            value = condition()
+        except Gone:
+            value = None
         if value:
             return value
         if time.monotonic() > end:

@@ -13,9 +13,11 @@ class DragSource:
 
     def __init__(self, desktop, screen, environment, *items, text=False, back=False):
         self._screen = screen
-        self._told = open(Path(environment["TMPDIR"]).parent / "drag-source", "w+b")
+        self._told = Path(environment["TMPDIR"]).parent / "drag-source"
         words = ["--text"] * text + ["--back"] * back + [os.fsencode(item) for item in items]
-        self._process = desktop.start([PROGRAM, *words], environment, stdout=self._told)
+        # Not kept open: the program would write where this side has last read.
+        with open(self._told, "wb") as told:
+            self._process = desktop.start([PROGRAM, *words], environment, stdout=told)
         self._place = wait_for(self._outline, "the window to drag from")
 
     def __enter__(self):
@@ -26,18 +28,17 @@ class DragSource:
         self._process.wait()
         # The window manager has given the keyboard to another window by then.
         wait_for(lambda: not self.window(), "the window to drag from is gone")
-        self._told.close()
 
     def window(self):
         windows = self._screen.windows_of(self._process.pid)
         return windows[0] if windows else 0
 
     def _outline(self):
-        return self.window() and self._screen.outline(self.window())
+        window = self.window()
+        return self._screen.outline(window) if self._screen.is_viewable(window) else None
 
     def told(self):
-        self._told.seek(0)
-        return self._told.read().decode().split("\n")[:-1]
+        return self._told.read_bytes().decode().split("\n")[:-1]
 
     def pick_up(self):
         self._screen.move_to(self._place)

@@ -103,7 +103,7 @@ class Drops(DesktopTest):
         self.drop(window, SECOND, folder)
         dialog = window.dialog(SORTING)
         window.press_in(dialog, "reverse lexical ordering of file names")
-        checked = lambda: [node.name for node in dialog.find_all("radio button", states=("checked",))]
+        checked = lambda: [seen.name for seen in dialog.see_all("radio button", states=("checked",))]
         self.wait(lambda: checked() == ["reverse lexical ordering of file names"], "that option alone is checked")
         window.press_in(dialog, "I choose this option")
         window.answer_file(CHOOSE_OUTPUT, joined)

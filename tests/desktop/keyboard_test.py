@@ -3,8 +3,8 @@
 
 from case import DesktopTest, main
 from documents import LETTER, REPORT, STATIONS, fill_folder
-from window import (CHOOSE, CHOOSE_FOLDER, CHOOSE_OUTPUT, EXIT, FIRST, GO, MERGE_FOLDER, OUTPUT, SECOND, SWAP, clear,
-                    pages, select)
+from window import (CHOOSE, CHOOSE_FOLDER, CHOOSE_OUTPUT, EXIT, FIRST, GO, MERGE_FOLDER, OUTPUT, SECOND, SWAP, TITLE,
+                    clear, pages, select)
 
 
 class Keyboard(DesktopTest):
@@ -22,6 +22,7 @@ class Keyboard(DesktopTest):
             self.screen.press("Space")
             window.answer_file(CHOOSE[place], path)
             window.wait_path(place, path)
+            window.wait_active(TITLE)
             self.wait(lambda: window.focused() is not None, "the window has the keyboard again")
 
     def test_two_documents_are_joined(self):
@@ -148,14 +149,14 @@ class Names(DesktopTest):
     def test_every_control_has_a_name_of_its_own(self):
         window = self.open()
         for role in ("push button", "panel", "label"):
-            names = [node.name for node in window.main.find_all(role, without=("menu bar",))]
+            names = [seen.name for seen in window.main.see_all(role, without=("menu bar",))]
             self.assertTrue(all(name.strip() for name in names), names)
             self.assertEqual(len(names), len(set(names)), names)
-        self.assertEqual({node.name for node in window.main.find_all("push button")},
+        self.assertEqual({seen.name for seen in window.main.see_all("push button")},
                          {select(0), select(1), select(2), clear(0), clear(1), clear(2), SWAP, GO, EXIT})
         self.assertTrue(window.root.find("text", "Activity log"))
-        for node in window.main.find_all("menu item"):
-            self.assertTrue(node.name)
+        for seen in window.main.see_all("menu item"):
+            self.assertTrue(seen.name)
 
     def test_the_labels_tell_what_they_show(self):
         window = self.open()

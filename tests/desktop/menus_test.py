@@ -3,7 +3,7 @@
 
 from case import DesktopTest, main
 from documents import LETTER, REPORT, fill_folder
-from window import CHOOSE, CHOOSE_FOLDER, CHOOSE_TMP, EXIT, FIRST, GO, MERGE_FOLDER, OUTPUT, ROOT, SWAP, pages, select
+from window import CHOOSE, CHOOSE_FOLDER, CHOOSE_TMP, EXIT, FIRST, GO, MERGE_FOLDER, OUTPUT, ROOT, SWAP, TITLE, pages, select
 
 ORDERS = {"Lexical ordering": "1", "Lexical ordering (reverse)": "-1", "By Date": "2", "By Date (reverse)": "-2"}
 VERSION = (ROOT / "VERSION").read_text().strip()
@@ -12,7 +12,7 @@ VERSION = (ROOT / "VERSION").read_text().strip()
 class Options(DesktopTest):
     def checked(self, window, *menu):
         menu_node = window.menu_item(*menu)
-        return [node.name for node in menu_node.find_all("menu item", states=("checked",))]
+        return [seen.name for seen in menu_node.see_all("menu item", states=("checked",))]
 
     def setting(self, window, name, value):
         self.wait(lambda: window.settings().get(name) == value, lambda: f"{name}={value}; {window.settings()}")
@@ -36,7 +36,7 @@ class Options(DesktopTest):
 
     def test_the_log_window(self):
         window = self.open()
-        self.assertTrue(window.log_window())
+        self.wait(window.log_window, "the log is shown")
         self.assertEqual(self.checked(window, "Options", "Log window..."), ["Show"])
         window.choose("Options", "Log window...", "Hide")
         self.wait(lambda: not window.log_window(), "the log is hidden")
@@ -48,11 +48,11 @@ class Options(DesktopTest):
         self.wait(window.log_window, "the log is shown")
         self.setting(window, "MenuShowLogWindow", "1")
         self.assertEqual(window.log_text().strip(), "")
-        window.wait_active(window.screen.title(window.main_window()))
+        window.wait_active(TITLE)
 
     def test_the_close_box_of_the_log_hides_it(self):
         window = self.open()
-        self.screen.press_close_box(window.log_window())
+        self.screen.press_close_box(self.wait(window.log_window, "the log is shown"))
         self.wait(lambda: not window.log_window(), "the log is hidden")
         self.setting(window, "MenuShowLogWindow", "0")
         self.assertEqual(self.checked(window, "Options", "Log window..."), ["Hide"])

@@ -20,6 +20,9 @@ class Running(DesktopTest):
         large = [write_large(self.folder / name, 300) for name in ("a.pdf", "b.pdf")]
         window = self.open(slow_disk=True)
         window.fill(*large, self.joined)
+        # On the button already, for every window has a pointer of its own.
+        self.screen.move_to(window.wait_enabled(GO).extents)
+        window.wait_handled()
         self.idle_pointer = self.screen.pointer()
         window.click(GO)
         window.wait_running()

@@ -143,8 +143,16 @@ class Screen:
     def states(self, window):
         return {self._display.get_atom_name(atom) for atom in self._numbers(window, "_NET_WM_STATE")}
 
+    def is_viewable(self, window):
+        """Whether it can be clicked, which a window need not be yet when the window manager has taken it over."""
+        try:
+            attributes = self._display.create_resource_object("window", window).get_attributes()
+        except XError:
+            return False
+        return attributes.map_state == X.IsViewable
+
     def outline(self, window):
-        """Left, top, width and height of a window's inside."""
+        """Left, top, width and height of a window's inside, None when it is gone."""
         try:
             target = self._display.create_resource_object("window", window)
             size = target.get_geometry()
@@ -155,7 +163,10 @@ class Screen:
 
     def framed(self, window):
         """The same with what the window manager puts around it."""
-        left, top, width, height = self.outline(window)
+        inside = self.outline(window)
+        if inside is None:
+            return None
+        left, top, width, height = inside
         before, after, above, below = (self._numbers(window, "_NET_FRAME_EXTENTS") + [0] * 4)[:4]
         return left - before, top - above, width + before + after, height + above + below
 

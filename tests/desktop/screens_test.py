@@ -75,8 +75,10 @@ class Large(OnAScreen):
         window = self.check(True)
         log = window.log_window()
         self.screen.ask_manager(log, "_NET_MOVERESIZE_WINDOW", 15 << 8 | 10, 30, 40, 500, 300)
-        self.wait(lambda: self.screen.outline(log)[2:] == (500, 300), "the log is moved")
+        self.wait(lambda: self.screen.outline(log) == (30, 40, 500, 300),
+                  lambda: f"the log is moved; it is at {self.screen.outline(log)}")
         place = self.settled(log)
+        window.wait_handled()
         window.choose("Options", "Log window...", "Hide")
         self.wait(lambda: not window.log_window(), "the log is hidden")
         window.choose("Options", "Log window...", "Show")
@@ -94,8 +96,8 @@ class Large(OnAScreen):
 
     def test_the_log_is_a_window_to_a_screen_reader(self):
         window = self.check(True)
-        roles = [node.role for node in window.root.children if node.name == "Folioweld - Log"]
-        self.assertEqual(roles, ["frame"])
+        roles = lambda: [seen.role for seen in window.root.see_all(name="Folioweld - Log", without=("frame",))]
+        self.wait(lambda: roles() == ["frame"], lambda: f"the log is a frame; it is {roles()}")
 
 
 class Laptop(OnAScreen):
@@ -138,7 +140,7 @@ class Tiny(OnAScreen):
     def test_what_does_not_fit_is_scrolled_to(self):
         window = self.shown()
         self.wait_on_the_screen(window.main_window())
-        self.assertTrue(window.main.find("scroll bar", states=("showing",)))
+        self.wait(lambda: window.main.find("scroll bar", states=("showing",)), "a scroll bar")
         self.assertEqual(window.path(FIRST), "")
 
 

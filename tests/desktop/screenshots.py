@@ -119,7 +119,7 @@ class Photographer:
         window = self.open(log=True)
         self.fill(window, DOCUMENTS / "form.pdf", DOCUMENTS / "report.pdf", DOCUMENTS / "joined-form.pdf")
         self.press_on(window, GO)
-        wait_for(lambda: "The merge failed" in (window.log_text() or ""), "the log says why the merge failed")
+        wait_for(lambda: "The merge failed" in window.log_text(), "the log says why the merge failed")
         wait_for(lambda: window.is_enabled(select(FIRST)), "the merge has ended")
         self.save("refusal", window.main_window(), window.log_window())
         window.close()
@@ -129,7 +129,7 @@ class Photographer:
         self.fill(window, DOCUMENTS / "form.pdf", DOCUMENTS / "report.pdf", DOCUMENTS / "joined-prepared.pdf")
         self.press_on(window, GO)
         window.wait_finished()
-        wait_for(lambda: " Kill " in (window.log_text() or ""), "the log tells of the clean-up")
+        wait_for(lambda: " Kill " in window.log_text(), "the log tells of the clean-up")
         self.save("prepared", window.main_window(), window.log_window())
         window.close()
 

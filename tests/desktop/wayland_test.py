@@ -90,7 +90,7 @@ class Looks(WaylandTest):
         window = self.open()
         self.check_size(factor * self.scale)
         window.fill(LETTER, REPORT, self.folder / "joined.pdf")
-        self.assertEqual(faults(window.main), [])
+        self.wait(lambda: not faults(window.main), lambda: f"no faults in the layout; {faults(window.main)}")
         return self.check_size(factor * self.scale)
 
     def check_size(self, scale):

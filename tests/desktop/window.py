@@ -36,6 +36,10 @@ def clear(place):
     return "Clear " + PLACES[place]
 
 
+class Ended(AssertionError):
+    """The program has ended, so that whoever waits for something of its window waits in vain."""
+
+
 class Window:
     """One run of the program with a home of its own."""
 
@@ -45,9 +49,11 @@ class Window:
         self._slowed = Path(environment["TMPDIR"]).parent / "slowed" if slow_disk else None
         slowly = {"LD_PRELOAD": SLOW_DISK, "FOLIOWELD_SLOWED": str(self._slowed)}
         self.environment = dict(environment, **slowly) if slow_disk else environment
-        self._errors = open(Path(environment["TMPDIR"]).parent / "stderr", "w+b")
-        self.process = desktop.start([PROGRAMS / program, *arguments], self.environment, stderr=self._errors,
-                                     cwd=folder or environment["HOME"])
+        self._errors = Path(environment["TMPDIR"]).parent / "stderr"
+        # Not kept open: the program would write where this side has last read.
+        with open(self._errors, "wb") as errors:
+            self.process = desktop.start([PROGRAMS / program, *arguments], self.environment, stderr=errors,
+                                         cwd=folder or environment["HOME"])
         self._root = None
         self._pings = 0
 
@@ -55,19 +61,19 @@ class Window:
         if self.process.poll() is None:
             self.process.kill()
         self.process.wait()
-        self._errors.close()
         if self._slowed and not self._slowed.exists():
             raise AssertionError("no write was slow, and the test is about a slow disk")
 
     def errors(self):
-        self._errors.seek(0)
-        return self._errors.read().decode(errors="replace")
+        return self._errors.read_bytes().decode(errors="replace")
 
     def wait_until_ready(self):
         """The window is on the screen, in its final place, and has the keyboard."""
         wait_for(lambda: self._main_node() is not None, lambda: "the window appears; " + self.errors())
         self.wait_active(TITLE)
-        self._wait_settled(lambda: self._main_node().extents)
+        # It knows by then where the window manager has put it.
+        self.wait_handled()
+        self._wait_settled(lambda: self.main.extents)
         return self
 
     # The tree.
@@ -79,14 +85,18 @@ class Window:
         return self._root
 
     def _application(self):
-        if self.process.poll() is not None:
-            raise AssertionError(f"the program ended with {self.process.returncode}: {self.errors()}")
+        self._expect_running()
         return self._bus.application(self.process.pid)
+
+    def _expect_running(self):
+        if not self.runs():
+            raise Ended(f"the program ended with {self.process.returncode}: {self.errors()}")
 
     def _main_node(self):
         try:
             return next((node for node in self.root.children if (node.role, node.name) == ("frame", TITLE)), None)
         except Gone:
+            self._expect_running()
             return None
 
     @property
@@ -97,25 +107,24 @@ class Window:
         return wait_for(lambda: self.main.find(role, name, without=("menu bar",)), f"a {role} {name!r}")
 
     def is_enabled(self, name):
-        node = self.main.find("push button", name, without=("menu bar",))
-        return node is not None and "enabled" in node.states
+        return self.main.find("push button", name, ("enabled",), ("menu bar",)) is not None
 
     def enabled_buttons(self):
-        return {node.name for node in self.main.find_all("push button", states=("enabled",))}
+        return {seen.name for seen in self.main.see_all("push button", states=("enabled",))}
 
     def focused(self):
         """The name of what has the keyboard."""
         # A menu and what holds it have the keyboard together; the innermost one is meant.
-        found = self.root.find_all(states=("focused",))
+        found = self.root.see_all(states=("focused",))
         return found[-1].name if found else None
 
     def default_button(self):
-        node = self.main.find("push button", states=("default",), without=("menu bar",))
-        return node.name if node else None
+        button = self.main.see("push button", states=("default",), without=("menu bar",))
+        return button.name if button else None
 
     def _label(self, purpose):
-        node = self.main.find("label", lambda name: name.split(":")[0] == purpose, without=("menu bar",))
-        return node.name.partition(": ")[2] if node else None
+        label = self.main.see("label", lambda name: name.split(":")[0] == purpose, without=("menu bar",))
+        return label.name.partition(": ")[2] if label else None
 
     def path(self, place):
         return self._label("Name of the " + PLACES[place])
@@ -153,6 +162,7 @@ class Window:
             try:
                 last.append(extents())
             except Gone:
+                self._expect_running()
                 last.clear()
             return len(last) > 2 and last[-1] == last[-2] == last[-3] and last[-1][2] > 0 and last[-1]
 
@@ -162,15 +172,18 @@ class Window:
 
     def choose(self, *captions):
         """Clicks a menu and its items, one after the other."""
-        where = self.main.find("menu bar")
+        where = self._menu_bar()
         for caption in captions:
             node = wait_for(lambda: where.find("menu item", caption, states=("showing", "enabled")),
                             f"the menu item {caption!r} of {captions} opens")
             self.click_node(node, caption)
             where = node
 
+    def _menu_bar(self):
+        return wait_for(lambda: self.main.find("menu bar"), "the menu bar")
+
     def menu_item(self, *captions):
-        node = self.main.find("menu bar")
+        node = self._menu_bar()
         for caption in captions:
             inside = node
             node = wait_for(lambda: inside.find("menu item", caption), f"the menu item {caption!r}")
@@ -198,6 +211,7 @@ class Window:
     def close_dialog(self, title, key):
         """Answers a dialog with a key that closes it."""
         dialog = self.dialog(title)
+        shown = self.screen.active()
         self.screen.press(key)
 
         def closed():
@@ -207,6 +221,11 @@ class Window:
                 return True
 
         wait_for(closed, lambda: f"{title!r} closes on {key}; windows:\n{self.screen.describe()}")
+        self._wait_off_the_screen(shown, title)
+
+    def _wait_off_the_screen(self, shown, title):
+        """The frame of a window takes clicks until the window manager has noticed that the window is gone."""
+        wait_for(lambda: shown not in self.screen.managed(), f"{title!r} leaves the screen")
 
     def wait_no_dialog(self):
         wait_for(lambda: not self.dialogs(), "the dialog closes")
@@ -220,6 +239,7 @@ class Window:
     def answer_file(self, title, path, key="Enter"):
         """Types a name into a file dialog."""
         dialog = self.dialog(title)
+        shown = self.screen.active()
         field = wait_for(lambda: dialog.find("text", states=("focused", "editable")), "the field for the name")
         # The list of completions takes the entry under the pointer for chosen, wherever it opens.
         self.screen.move(1, 1)
@@ -240,6 +260,8 @@ class Window:
                 return True
 
         wait_for(answered, f"{title!r} is answered with {path}")
+        if not any(seen.node == dialog for seen in self.dialogs()):
+            self._wait_off_the_screen(shown, title)
 
     def wait_handled(self):
         """The program has handled every key and every click that came before."""
@@ -261,7 +283,7 @@ class Window:
     def box_text(self, title):
         """What a message box says, line by line, without the places where a long word may be broken."""
         box = self.dialog(title)
-        texts = [node.name.replace("\u200b", "") for node in box.find_all("label") if node.name]
+        texts = [seen.name.replace("\u200b", "") for seen in box.see_all("label") if seen.name]
         return "\n".join(texts).strip("\n").split("\n")
 
     def press_in(self, dialog, caption):
@@ -279,8 +301,7 @@ class Window:
         return next((window for window in self.windows() if self.screen.title(window) == LOG), 0)
 
     def log_text(self):
-        node = self.root.find("text", "Activity log")
-        return node.text if node else None
+        return wait_for(lambda: self.root.find("text", "Activity log"), "the text of the log").text
 
     # What a person does to get something done.
 
@@ -291,6 +312,7 @@ class Window:
                 self.click(select(place))
                 self.answer_file(CHOOSE[place], path)
                 self.wait_path(place, path)
+                self.wait_active(TITLE)
 
     def merge_folder(self, folder, output):
         """Chooses a folder and its output in the menu."""
@@ -320,7 +342,11 @@ class Window:
         def ended():
             nonlocal last
             if last is None or time.monotonic() - last > 2:
-                press_exit()
+                try:
+                    press_exit()
+                except Ended:
+                    # The press before did it.
+                    pass
                 last = time.monotonic()
             return not self.runs()
 
