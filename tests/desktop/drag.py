@@ -60,7 +60,8 @@ class DragSource:
         return said[-1].removeprefix("over: ") if said else None
 
     def wait_answer(self, answer):
-        wait_for(lambda: self.answer() == answer, lambda: f"the answer {answer}; told: {self.told()}")
+        wait_for(lambda: self.answer() == answer,
+                 lambda: f"the answer {answer}; told: {self.told()}; windows:\n{self._screen.describe()}")
 
     def let_go(self):
         """Releases the button, and stays until the other program has taken what it wants."""

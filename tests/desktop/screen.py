@@ -121,7 +121,9 @@ class Screen:
 
     def describe(self):
         """Every window in a line, for the message of a test that failed."""
-        lines = [f"active: {self.active():#x}, gets the keys: {self.keyboard():#x}"]
+        mouse = self._root.query_pointer()
+        lines = [f"active: {self.active():#x}, gets the keys: {self.keyboard():#x}, "
+                 f"the mouse is at {(mouse.root_x, mouse.root_y)}"]
         for window in self.managed():
             lines.append(f"{window:#x} {self.title(window)!r} of process {self._numbers(window, '_NET_WM_PID')} "
                          f"at {self.outline(window)} {' '.join(sorted(self.states(window)))}")

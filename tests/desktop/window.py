@@ -71,10 +71,16 @@ class Window:
         """The window is on the screen, in its final place, and has the keyboard."""
         wait_for(lambda: self._main_node() is not None, lambda: "the window appears; " + self.errors())
         self.wait_active(TITLE)
-        # It knows by then where the window manager has put it.
-        self.wait_handled()
+        # Clicks and drops go where it says that its controls are.
+        wait_for(self._knows_its_place, lambda: f"the window knows its place, and not {self.main.extents}; windows:\n"
+                 + self.screen.describe())
         self._wait_settled(lambda: self.main.extents)
         return self
+
+    def _knows_its_place(self):
+        scale = float(self.environment.get("QT_SCALE_FACTOR", 1))
+        place = self.screen.outline(self.main_window())
+        return place and all(abs(told * scale - seen) <= scale for told, seen in zip(self.main.extents, place))
 
     # The tree.
 
