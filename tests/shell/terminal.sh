@@ -7,10 +7,11 @@ tmux_() { tmux -S "$folder/tmux" -f /dev/null "$@"; }
 # One server for all terminals: one that ends with its last terminal may be found ending by the next.
 tmux_ start-server \; set-option -s exit-empty off
 
-# open_terminal NAME COLUMNS: with a shell; what it shows is also in the file NAME, byte by byte, but a moment later.
+# open_terminal NAME COLUMNS: with a shell; what it shows is also in the file NAME, byte by byte, but a moment later. The
+# shell keeps no history: it would write it when the server ends, into a folder that is being removed.
 open_terminal() {
   terminal=$1
-  tmux_ new-session -d -s "$1" -x "$2" -y 24 "PS1='\$ ' exec bash --norc --noprofile -i"
+  tmux_ new-session -d -s "$1" -x "$2" -y 24 "HISTFILE= PS1='\$ ' exec bash --norc --noprofile -i"
   tmux_ pipe-pane -t "$1" "cat >'$folder/work/$1'"
   wait_for shows '^\$'
 }
@@ -61,8 +62,9 @@ drawn() {
   ((${#found[@]} == $#)) || return
   for ((i = 1; i <= $#; ++i)); do [[ ${found[i - 1]} =~ ${!i} ]] || return; done
 }
-headline='^Merge [0-9]+ of 3999 \(round 1 of 12\): [0-9]+\.pdf$'
-status_rows=('^Parsing file #1: .*[0-9]+\.pdf' '^Parsing file #2: .*[0-9]+\.pdf' '^Pass #[1-4] ')
+# In whichever round it is by the time somebody looks.
+headline='^Merge [0-9]+ of 3999 \(round [0-9]+ of 12\): [0-9]+\.pdf$'
+status_rows=('^Parsing file #1: .*\.(pdf|tmp)' '^Parsing file #2: .*\.(pdf|tmp)' '^Pass #[1-4] ')
 for columns in 200 60; do
   open_terminal wide-$columns $columns
   type_line 'clear; folioweld out.pdf many'
