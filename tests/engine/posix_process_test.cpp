@@ -233,6 +233,20 @@ TEST(PosixSignalsDeathTest, StopSignalsAreOnlyRememberedAndWakeWhoeverWaits) {
       ExitedWithCode(0), "");
 }
 
+TEST(PosixSignalsDeathTest, NobodyWaitsForAStopSignalThatHasCome) {
+  EXPECT_EXIT(
+      {
+        PosixApi system;
+        const bool caught = !system.CatchStopSignals(StopRule::Remember);
+        ::raise(SIGTERM);
+        // The end of one that waits all the same.
+        ::alarm(120);
+        system.WaitForStopSignal(3'600'000);
+        ExitWithFirstFailure({caught});
+      },
+      ExitedWithCode(0), "");
+}
+
 TEST(PosixSignalsDeathTest, ContinuationsAreCountedWhereStopSignalsEndTheProgram) {
   EXPECT_EXIT(
       {
