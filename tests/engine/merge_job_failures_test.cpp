@@ -5,6 +5,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 
+#include "engine/own_files.h"
 #include "tests/support/document_builder.h"
 #include "tests/support/merge_run.h"
 #include "tests/support/status_texts.h"
@@ -376,8 +377,12 @@ TEST_F(ChangedInputTest, AnInputWhoseDateIsSetBackFailsTheMerge) {
   run_.State.DocFileName(2) = run_.SecondPath;
   WhenWriting([this, changed] {
     const auto date = std::filesystem::last_write_time(run_.FirstPath);
-    run_.Folder.Write("a.pdf", changed);
-    std::filesystem::last_write_time(run_.FirstPath, date);
+    const FileInformation before = run_.System.GetFileAttributes(run_.FirstPath).Value();
+    // The clock of the file system ticks every few milliseconds.
+    do {
+      run_.Folder.Write("a.pdf", changed);
+      std::filesystem::last_write_time(run_.FirstPath, date);
+    } while (IsSameState(run_.System.GetFileAttributes(run_.FirstPath).Value(), before));
   });
   run_.Run();
   EXPECT_TRUE(run_.Failed());
