@@ -1,15 +1,18 @@
 #!/usr/bin/env python3
-"""plain_viewer.py [--says PROCESS] [--service NAME] [--silent] [--windowless] [DOCUMENT]: a viewer of one window.
+"""plain_viewer.py [--says PROCESS] [--service NAME] [--answered FILE] [--silent] [--windowless] [DOCUMENT]: a viewer of
+one window.
 
 The window ends the program when it is asked to close. --says puts another process into the window's property. With
 --service it is a service of the session bus, which opens its window when it is asked for a document, and answers once
-that is on the screen; --silent never answers, --windowless answers and opens none.
+that is on the screen, and notes the monotonic time of that in a file; --silent never answers, --windowless answers and opens
+none.
 """
 
 import argparse
 import os
 import select
 import sys
+import time
 
 from gi.repository import Gio, GLib
 from Xlib import X, Xatom
@@ -66,6 +69,11 @@ def serve(options):
             window.show()
             GLib.io_add_watch(window.file_number(), GLib.IO_IN, lambda *_: window.handle() or loop.quit())
         invocation.return_value(None)
+        bus.flush_sync()
+        note = options.answered + ".new"
+        with open(note, "w", encoding="ascii") as file:
+            file.write(str(time.monotonic()))
+        os.rename(note, options.answered)
 
     bus = Gio.bus_get_sync(Gio.BusType.SESSION, None)
     interface = Gio.DBusNodeInfo.new_for_xml(INTERFACE).interfaces[0]
@@ -78,6 +86,7 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--says", type=int, default=os.getpid())
     parser.add_argument("--service")
+    parser.add_argument("--answered")
     parser.add_argument("--silent", action="store_true")
     parser.add_argument("--windowless", action="store_true")
     parser.add_argument("document", nargs="?")

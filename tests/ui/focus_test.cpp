@@ -167,7 +167,7 @@ TEST_F(FocusTest, LooksOtherwiseThanTheDefaultButton) {
     button.setDefault(isDefault);
     return button.grab().toImage();
   };
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&button));
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&button, kPatienceMillis));
   const QImage looks[] = {look(false, false), look(false, true), look(true, false), look(true, true)};
   for (std::size_t i = 0; i < std::size(looks); ++i) {
     for (std::size_t k = 0; k < i; ++k) EXPECT_NE(looks[i], looks[k]) << i << " " << k;
