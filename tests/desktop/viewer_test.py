@@ -157,16 +157,17 @@ class Viewer(DesktopTest):
         self.wait(lambda: SERVICE in names(), "the service is on the bus")
         return service
 
-    def wait_answered(self):
+    def wait_answered(self, service):
         """The service has answered, and in time: one that this machine stops meanwhile is a slow one to the window."""
         self.wait(self.answered.exists, "the service answers")
         if float(self.answered.read_text()) - self.begun > PATIENCE_SECONDS:
+            service.kill()
             self.skipTest("the machine stalled before the service answered")
 
     def test_the_window_of_a_service_is_waited_for_and_closed(self):
         service = self.with_service()
         window = self.join()
-        self.wait_answered()
+        self.wait_answered(service)
         self.wait_viewer_mode(window)
         window.click(CLOSE_VIEWER)
         self.wait_idle(window)
@@ -174,9 +175,9 @@ class Viewer(DesktopTest):
         self.assertFalse(self.commanded.exists())
 
     def test_a_service_whose_window_is_closed_ends_the_wait(self):
-        self.with_service()
+        service = self.with_service()
         window = self.join()
-        self.wait_answered()
+        self.wait_answered(service)
         (shown,) = self.plain_windows()
         self.wait_viewer_mode(window)
         self.screen.press_close_box(shown)
@@ -185,7 +186,7 @@ class Viewer(DesktopTest):
     def test_a_service_without_a_window_ends_the_wait(self):
         service = self.with_service("--windowless")
         window = self.join()
-        self.wait_answered()
+        self.wait_answered(service)
         window.wait_finished()
         self.wait_idle(window)
         self.assertFalse(self.commanded.exists())
