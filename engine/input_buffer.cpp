@@ -37,6 +37,13 @@ SystemError InputBuffer::Read(std::int64_t offset, char* bytes, std::int64_t cou
   return view.Error();
 }
 
+std::int64_t InputBuffer::CopyTo(WindowsAPI::Handle to, std::int64_t toOffset, std::int64_t offset,
+                                 std::int64_t count) {
+  const auto copied = RetryInterrupted(
+      [&] { return system_.CopyFileBytes(file_, offset, to, toOffset, static_cast<std::size_t>(count)); });
+  return copied.Ok() ? static_cast<std::int64_t>(copied.Value()) : 0;
+}
+
 SystemError InputBuffer::Fill(std::int64_t offset, std::int64_t count) {
   std::int64_t from = offset;
   std::int64_t wanted = kSmallWindow;

@@ -43,6 +43,10 @@ class InputBuffer {
   /// Copies `count` bytes from `offset` out. A few come from the window, many straight from the system.
   SystemError Read(std::int64_t offset, char* bytes, std::int64_t count);
 
+  /// Copies from `offset` to `toOffset` of an open file without reading; how many of the `count` bytes, none
+  /// where only `Read` can do it or tells why it cannot be done.
+  std::int64_t CopyTo(WindowsAPI::Handle to, std::int64_t toOffset, std::int64_t offset, std::int64_t count);
+
  private:
   SystemError Fill(std::int64_t offset, std::int64_t count);
 

@@ -10,6 +10,10 @@ namespace folioweld {
 namespace {
 /// Copied ranges are read in steps, so that whoever copies can look around in between.
 constexpr std::int64_t kLongestRange = 1024 * 1024;
+/// So many bytes are worth copying from file to file: whole blocks, as file systems take those in with less
+/// work, with the bytes before and after them gathered.
+constexpr std::int64_t kLongRange = 256 * 1024;
+constexpr std::int64_t kBlock = 64 * 1024;
 /// So few bytes are no part of a long range: when they are in memory, they are copied there and then.
 constexpr std::int64_t kAtOnce = 512;
 }  // namespace
@@ -82,17 +86,32 @@ SystemError OutputBuffer::WriteGathered() {
 
 SystemError OutputBuffer::SettleRange() {
   Range range = std::exchange(range_, {});
-  while (range.Count > 0) {
-    SystemError error = MakeRoom();
-    if (error) return error;
-    const std::span<char> room = Room(static_cast<std::size_t>(range.Count));
-    const auto count = static_cast<std::int64_t>(room.size());
-    error = range.Source->Read(range.FromOffset, room.data(), count);
-    if (error) return error;
-    size_ += room.size();
-    range.FromOffset += count;
-    range.Count -= count;
+  SystemError error = range.Count >= kLongRange ? CopyBlocks(range) : SystemError{};
+  while (!error && range.Count > 0) {
+    error = MakeRoom();
+    if (!error) error = GatherFrom(range, Room(static_cast<std::size_t>(range.Count)));
   }
+  return error;
+}
+
+SystemError OutputBuffer::CopyBlocks(Range& range) {
+  const std::size_t gap = (kBlock - static_cast<std::size_t>(End()) % kBlock) % kBlock;
+  SystemError error = gap > 0 ? GatherFrom(range, {gathered_.get() + size_, gap}) : SystemError{};
+  if (!error) error = WriteGathered();
+  if (error) return error;
+  const std::int64_t whole = range.Count - range.Count % kBlock;
+  const std::int64_t copied = range.Source->CopyTo(file_, start_, range.FromOffset, whole);
+  start_ += copied;
+  range.Skip(copied);
+  return {};
+}
+
+SystemError OutputBuffer::GatherFrom(Range& range, std::span<char> room) {
+  const auto count = static_cast<std::int64_t>(room.size());
+  const SystemError error = range.Source->Read(range.FromOffset, room.data(), count);
+  if (error) return error;
+  size_ += room.size();
+  range.Skip(count);
   return {};
 }
 

@@ -13,7 +13,8 @@
 namespace folioweld {
 
 /// Gathers what is written to an open file into large writes. Copied ranges stay descriptions until they
-/// end, so that long streams are read straight into those writes.
+/// end, so that streams are read straight into those writes, and most of a long one is copied from file to
+/// file.
 class OutputBuffer {
  public:
   /// The handle stays the caller's. The spare buffers have to outlive this.
@@ -42,6 +43,11 @@ class OutputBuffer {
     InputBuffer* Source = nullptr;
     std::int64_t FromOffset = 0;
     std::int64_t Count = 0;
+
+    void Skip(std::int64_t count) {
+      FromOffset += count;
+      Count -= count;
+    }
   };
 
   /// What is gathered ends where the file's offset is a multiple of this: file systems take in large aligned
@@ -63,6 +69,10 @@ class OutputBuffer {
   SystemError Gather(std::string_view bytes);
   SystemError WriteGathered();
   SystemError SettleRange();
+  /// Copies what it can of a long range from file to file.
+  SystemError CopyBlocks(Range& range);
+  /// Reads the range's next bytes to the room after the gathered ones.
+  SystemError GatherFrom(Range& range, std::span<char> room);
 
   WindowsAPI& system_;
   WindowsAPI::Handle file_;

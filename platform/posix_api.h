@@ -4,7 +4,8 @@
 
 namespace folioweld {
 
-/// `WindowsAPI` on POSIX: each call is one system call, errors are errno values.
+/// `WindowsAPI` on POSIX: each call is one system call or a few that belong together, errors are errno
+/// values.
 class PosixApi : public WindowsAPI {
  public:
   /// From here on a write beyond a size limit or into a closed pipe is an error of that write. The signals
@@ -18,6 +19,8 @@ class PosixApi : public WindowsAPI {
   SystemResult<std::size_t> ReadNext(Handle file, char* bytes, std::size_t count) override;
   SystemResult<std::size_t> WriteFile(Handle file, std::int64_t offset, const char* bytes,
                                       std::size_t count) override;
+  SystemResult<std::size_t> CopyFileBytes(Handle from, std::int64_t fromOffset, Handle to,
+                                          std::int64_t toOffset, std::size_t count) override;
   SystemResult<FileInformation> GetFileInformationByHandle(Handle file) override;
   SystemError SetEndOfFile(Handle file, std::int64_t size) override;
   SystemError FlushFileBuffers(Handle file) override;

@@ -122,6 +122,12 @@ class WindowsAPI {
   /// May write less than asked for.
   virtual SystemResult<std::size_t> WriteFile(Handle file, std::int64_t offset, const char* bytes,
                                               std::size_t count) = 0;
+  /// Writes the `count` bytes from `fromOffset` of one file, at least one, to `toOffset` of the other, and
+  /// spares the way through this program's memory. May write less than asked for. Fails where a file cannot
+  /// be read like this, where reading or writing fails and where the first file is too short; `ReadFile` and
+  /// `WriteFile` then do it or tell why not.
+  virtual SystemResult<std::size_t> CopyFileBytes(Handle from, std::int64_t fromOffset, Handle to,
+                                                  std::int64_t toOffset, std::size_t count) = 0;
   virtual SystemResult<FileInformation> GetFileInformationByHandle(Handle file) = 0;
   virtual SystemError SetEndOfFile(Handle file, std::int64_t size) = 0;
   virtual SystemError FlushFileBuffers(Handle file) = 0;

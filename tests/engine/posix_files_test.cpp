@@ -1,5 +1,6 @@
 // The real system's files, paths and folders.
 
+#include <array>
 #include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
@@ -177,6 +178,35 @@ TEST_F(PosixFilesTest, AWriteBeyondTheUsersLimitIsAnErrorAndNotTheEndOfTheProgra
   EXPECT_EQ(partly.Value(), 4U) << "a short write";
   EXPECT_EQ(beyond.Error().Code, EFBIG);
   EXPECT_FALSE(System.CloseHandle(file));
+}
+
+TEST_F(PosixFilesTest, CopiesFromFileToFileAtAnyOffset) {
+  std::string bytes;
+  while (bytes.size() < 20000) bytes += std::to_string(bytes.size()) + " ";
+  const auto from = Open(Folder.Write("from", bytes), OpenMode::ReadExisting);
+  const auto to = Open(Folder.Write("to", "<>"), OpenMode::ReadWriteExisting);
+  EXPECT_EQ(System.CopyFileBytes(from, 4097, to, 1, 9001).Value(), 9001U);
+  EXPECT_EQ(Read(to, 0, 20000), "<" + bytes.substr(4097, 9001));
+  EXPECT_EQ(System.CopyFileBytes(from, 0, to, 0, 1).Value(), 1U);
+  EXPECT_EQ(Read(to, 0, 2), bytes.substr(0, 1) + bytes.substr(4097, 1));
+  EXPECT_FALSE(System.CloseHandle(from));
+  EXPECT_FALSE(System.CloseHandle(to));
+}
+
+TEST_F(PosixFilesTest, ACopyThatCannotBeMadeIsAnErrorAndNoSignal) {
+  const auto from = Open(Folder.Write("from", std::string(5000, 'f')), OpenMode::ReadExisting);
+  const auto to = Open(Folder.File("to"), OpenMode::WriteKeep);
+  EXPECT_EQ(System.CopyFileBytes(from, 0, to, 0, 5001).Error().Code, EIO) << "a byte more than there is";
+  EXPECT_FALSE(System.CopyFileBytes(from, 0, to, 0, 9000).Ok()) << "a page more";
+  EXPECT_FALSE(System.CopyFileBytes(from, 8192, to, 0, 1).Ok()) << "nothing but pages that are not there";
+  EXPECT_EQ(System.CopyFileBytes(from, 0, from, 0, 1).Error().Code, EBADF) << "not open for writing";
+  EXPECT_EQ(System.CopyFileBytes(to, 0, to, 0, 1).Error().Code, EACCES) << "not open for reading";
+  std::array<int, 2> pipe{};
+  ASSERT_EQ(::pipe(pipe.data()), 0);
+  EXPECT_EQ(System.CopyFileBytes(pipe[0], 0, to, 0, 1).Error().Code, ENODEV) << "no pages";
+  for (const int end : pipe) EXPECT_FALSE(System.CloseHandle(end));
+  EXPECT_FALSE(System.CloseHandle(from));
+  EXPECT_FALSE(System.CloseHandle(to));
 }
 
 TEST_F(PosixFilesTest, FlushesAndLocks) {

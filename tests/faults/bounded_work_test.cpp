@@ -63,6 +63,12 @@ class CountingSystem : public PosixApi {
     Bytes += count;
     return PosixApi::WriteFile(file, offset, bytes, count);
   }
+  SystemResult<std::size_t> CopyFileBytes(Handle from, std::int64_t fromOffset, Handle to,
+                                          std::int64_t toOffset, std::size_t count) override {
+    ++Calls;
+    Bytes += 2 * count;
+    return PosixApi::CopyFileBytes(from, fromOffset, to, toOffset, count);
+  }
   std::size_t Calls = 0;
   std::size_t Bytes = 0;
 };

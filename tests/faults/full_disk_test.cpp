@@ -67,7 +67,7 @@ class FullDisk : public ::testing::Test {
 
 TEST_F(FullDisk, FailsTheMergeAndLeavesNothing) {
   OnSmallDisk("size=256k", [this] {
-    const std::string first = testing::DocumentWithLongStream("first", 200000);
+    const std::string first = testing::DocumentWithLongStream("first", 400000);
     const std::string second = testing::DocumentWithLongStream("second", 200000);
     MergeRun merge(first, second);
     merge.State.DocFileName(3) = disk_ + "/out.pdf";
@@ -171,7 +171,7 @@ TEST_F(FullDisk, KeepsTheOldSettings) {
 
 TEST_F(FullDisk, AFileSizeLimitFailsTheMergeAndDoesNotEndTheProgram) {
   const testing::ChildEnd end = InChild([] {
-    const std::string first = testing::DocumentWithLongStream("first", 200000);
+    const std::string first = testing::DocumentWithLongStream("first", 400000);
     MergeRun merge(first, testing::SimpleDocument(2));
     const struct rlimit limit { 100000, 100000 };
     EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
@@ -242,7 +242,7 @@ class ChangedMeanwhile : public ::testing::Test {
   }
 
   static constexpr const char* kForeign = "somebody else's";
-  const std::string first_ = testing::DocumentWithLongStream("first", 150000);
+  const std::string first_ = testing::DocumentWithLongStream("first", 400000);
   const std::string second_ = testing::DocumentWithLongStream("second", 150000);
   const std::string whole_ = testing::Joined(first_, second_);
   const std::string alone_ = testing::Joined(first_, "");

@@ -205,7 +205,7 @@ TEST_F(Safety, TwoProcessesThatMergeIntoOneFolderDoEachOtherNoHarm) {
 }
 
 TEST_F(Safety, TwoProcessesThatWriteOneOutputLeaveNoMixture) {
-  const std::string first = testing::DocumentWithLongStream("first", 300000);
+  const std::string first = testing::DocumentWithLongStream("first", 400000);
   const std::string second = testing::DocumentWithLongStream("second", 200000);
   const std::string output = folder_.File("out.pdf");
   const std::string wholes[] = {testing::Joined(first, ""), testing::Joined(second, "")};

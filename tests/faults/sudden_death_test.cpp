@@ -85,7 +85,7 @@ class SuddenDeath : public ::testing::Test {
 };
 
 TEST_F(SuddenDeath, OfATwoDocumentMergeLeavesNothingThatPassesForADocument) {
-  const std::string first = testing::DocumentWithLongStream("first", 150000);
+  const std::string first = testing::DocumentWithLongStream("first", 400000);
   const std::string second = testing::SimpleDocument(4, "second");
   const std::string whole = testing::Joined(first, second);
   const std::string firstPath = folder_.Write("a.pdf", first);

@@ -20,13 +20,14 @@ using testing::Exists;
 using testing::FaultTrial;
 using testing::ReadFile;
 
-const std::set<std::string> kCallsOfAMerge = {"CloseHandle",       "CreateFile", "GetFileInformationByHandle",
-                                              "GetLinkAttributes", "ReadFile",   "SetEndOfFile",
-                                              "TryLockFile",       "WriteFile"};
+const std::set<std::string> kCallsOfAMerge = {
+    "CloseHandle",       "CopyFileBytes", "CreateFile",   "GetFileInformationByHandle",
+    "GetLinkAttributes", "ReadFile",      "SetEndOfFile", "TryLockFile",
+    "WriteFile"};
 
 class TwoDocumentsFault : public ::testing::Test {
  protected:
-  const std::string firstBytes = testing::DocumentWithLongStream("first", 150000);
+  const std::string firstBytes = testing::DocumentWithLongStream("first", 400000);
   const std::string secondBytes = testing::SimpleDocument(3, "second");
   const std::string both = testing::Joined(firstBytes, secondBytes);
   const std::string firstAlone = testing::Joined(firstBytes, "");

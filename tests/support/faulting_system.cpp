@@ -69,6 +69,13 @@ SystemResult<std::size_t> FaultingSystem::WriteFile(Handle file, std::int64_t of
   return PosixApi::WriteFile(file, offset, bytes, Shortened(count, fault.ShortBy));
 }
 
+SystemResult<std::size_t> FaultingSystem::CopyFileBytes(Handle from, std::int64_t fromOffset, Handle to,
+                                                        std::int64_t toOffset, std::size_t count) {
+  const Fault fault = Count("CopyFileBytes");
+  if (fault.Error != 0) return SystemError{fault.Error};
+  return PosixApi::CopyFileBytes(from, fromOffset, to, toOffset, Shortened(count, fault.ShortBy));
+}
+
 SystemResult<FileInformation> FaultingSystem::GetFileInformationByHandle(Handle file) {
   const Fault fault = Count("GetFileInformationByHandle");
   if (fault.Error != 0) return SystemError{fault.Error};

@@ -45,6 +45,8 @@ class FaultingSystem : public PosixApi {
   SystemResult<std::size_t> ReadNext(Handle file, char* bytes, std::size_t count) override;
   SystemResult<std::size_t> WriteFile(Handle file, std::int64_t offset, const char* bytes,
                                       std::size_t count) override;
+  SystemResult<std::size_t> CopyFileBytes(Handle from, std::int64_t fromOffset, Handle to,
+                                          std::int64_t toOffset, std::size_t count) override;
   SystemResult<FileInformation> GetFileInformationByHandle(Handle file) override;
   SystemError SetEndOfFile(Handle file, std::int64_t size) override;
   SystemError FlushFileBuffers(Handle file) override;

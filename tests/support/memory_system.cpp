@@ -47,6 +47,13 @@ SystemResult<std::size_t> MemorySystem::WriteFile(Handle file, std::int64_t offs
   return count;
 }
 
+SystemResult<std::size_t> MemorySystem::CopyFileBytes(Handle from, std::int64_t fromOffset, Handle to,
+                                                      std::int64_t toOffset, std::size_t count) {
+  std::string bytes(count, '\0');
+  const auto read = ReadFile(from, fromOffset, bytes.data(), count);
+  return read.Ok() ? WriteFile(to, toOffset, bytes.data(), read.Value()) : read;
+}
+
 FileInformation MemorySystem::InformationOf(const File& file) {
   FileInformation information;
   information.Kind = FileKind::Regular;
