@@ -176,7 +176,7 @@ class Running(DesktopTest):
         window.choose("Options", "Log window...", "Hide")
         self.wait(lambda: not window.log_window(), "the log is hidden")
         window.choose("Options", "Sorting order...", "By Date")
-        self.wait(lambda: window.settings()["MenuSort"] == "2", "the order is stored")
+        self.wait(lambda: window.settings().get("MenuSort") == "2", "the order is stored")
         window.choose("About", "Ambrose Varnel")
         self.assertIn("ambrose.varnel@folioweld.example", window.box_text("Folioweld"))
         window.close_dialog("Folioweld", "Enter")

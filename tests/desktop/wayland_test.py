@@ -84,40 +84,40 @@ class Using(WaylandTest):
 class Looks(WaylandTest):
     """On an output whose own scale is 1."""
 
-    def shown(self, factor):
+    def check(self, factor, face=lambda colour: True):
+        """Shown, filled, whole, and below the buttons of a colour that is such a face."""
         self.store(DisplayOutputAfterMerge=0, MenuShowLogWindow=0)
         self.environment["QT_SCALE_FACTOR"] = str(factor)
         window = self.open()
-        self.check_size(factor * self.scale)
+        self.wait_shown(factor * self.scale)
         window.fill(LETTER, REPORT, self.folder / "joined.pdf")
         self.wait(lambda: not faults(window.main), lambda: f"no faults in the layout; {faults(window.main)}")
-        return self.check_size(factor * self.scale)
+        self.wait_shown(factor * self.scale, face)
 
-    def check_size(self, scale):
-        def size():
+    def wait_shown(self, scale, face=lambda colour: True):
+        def shown():
             rows = self.desktop.picture()
             left, top, width, height = drawn(rows) or (0, 0, 0, 0)
-            fits = (0 <= width - WIDTH * scale <= FRAME * scale and 0 <= height - HEIGHT * scale <= FRAME * scale)
-            sizes.append((width, height))
-            return (rows, left + width // 2, top + height - int(8 * scale)) if fits else None
+            colour = pixel(rows, left + width // 2, top + height - int(8 * scale))
+            seen.append((width, height, colour))
+            return (0 <= width - WIDTH * scale <= FRAME * scale and 0 <= height - HEIGHT * scale <= FRAME * scale
+                    and face(colour))
 
-        sizes = []
-        return self.wait(size, lambda: f"the window is shown at scale {scale}; its sizes were {sizes}")
+        seen = []
+        self.wait(shown, lambda: f"the window is shown at scale {scale}; its sizes and colours were {seen}")
 
     def test_at_scale_1(self):
-        rows, x, y = self.shown(1)
-        self.assertGreater(min(pixel(rows, x, y)), 200)
+        self.check(1, lambda colour: min(colour) > 200)
 
     def test_at_scale_1_and_a_half(self):
-        self.shown(1.5)
+        self.check(1.5)
 
     def test_at_scale_2(self):
-        self.shown(2)
+        self.check(2)
 
     def test_in_a_dark_palette(self):
         make_dark(self.environment)
-        rows, x, y = self.shown(1)
-        self.assertEqual(pixel(rows, x, y), DARK_WINDOW)
+        self.check(1, lambda colour: colour == DARK_WINDOW)
 
 
 class LooksOnAFineScreen(Looks):
