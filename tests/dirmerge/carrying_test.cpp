@@ -29,7 +29,6 @@ using testing::Exists;
 using testing::FaultingSystem;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::Not;
 using testing::ReadFile;
 
 constexpr char kWithout[] = "The output is the joined file without what --carry adds: ";
