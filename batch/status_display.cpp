@@ -16,6 +16,20 @@ constexpr std::int64_t kMillisecondsBetween = 100;
 constexpr int kColumnsForAllRows = 60;
 constexpr std::string_view kDots = "...";
 
+/// A stop comes before or after what is done meanwhile. In between, the terminal that was looked at would be
+/// somebody else's when it is written to.
+class NoStopMeanwhile {
+ public:
+  explicit NoStopMeanwhile(WindowsAPI& system) : system_(system), before_(system.PutOffStops(true)) {}
+  NoStopMeanwhile(const NoStopMeanwhile&) = delete;
+  NoStopMeanwhile& operator=(const NoStopMeanwhile&) = delete;
+  ~NoStopMeanwhile() { system_.PutOffStops(before_); }
+
+ private:
+  WindowsAPI& system_;
+  bool before_;
+};
+
 /// A terminal that says it is "dumb", or nothing at all, does not move its cursor.
 bool CanMoveCursor(WindowsAPI& system) {
   const auto terminal = system.GetEnvironmentVariable("TERM");
@@ -67,7 +81,10 @@ void StatusDisplay::Update(const MergeShell& shell) {
 }
 
 void StatusDisplay::Draw(const MergeShell& shell) {
+  // Most often nothing is drawn for a reason that no stop changes.
   if (headline_.empty() || !MayDraw()) return;
+  const NoStopMeanwhile together(system_);
+  if (!MayDraw()) return;
   LeaveRowsOfBeforeAStop();
   const std::vector<std::string> rows = Rows(shell);
   if (drawn_ != rows.size()) Clear();
@@ -79,6 +96,8 @@ void StatusDisplay::Draw(const MergeShell& shell) {
 }
 
 bool StatusDisplay::Clear() {
+  if (drawn_ == 0) return false;
+  const NoStopMeanwhile together(system_);
   LeaveRowsOfBeforeAStop();
   const std::size_t rows = std::exchange(drawn_, 0);
   // In the background the rows are left where they are: the terminal is somebody else's by now.

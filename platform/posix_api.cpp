@@ -380,6 +380,16 @@ int PosixApi::TimesContinued() {
   return ContinuationCount();
 }
 
+bool PosixApi::PutOffStops(bool putOff) {
+  sigset_t stop;
+  sigset_t before;
+  ::sigemptyset(&stop);
+  ::sigemptyset(&before);
+  ::sigaddset(&stop, SIGTSTP);
+  static_cast<void>(::sigprocmask(putOff ? SIG_BLOCK : SIG_UNBLOCK, &stop, &before));
+  return ::sigismember(&before, SIGTSTP) == 1;
+}
+
 int PosixApi::TerminalColumns() {
   struct winsize size {};
   if (::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) < 0 || size.ws_col == 0) return 80;

@@ -64,6 +64,7 @@ class PosixApi : public WindowsAPI {
   bool ErrorOutputIsTerminal() override;
   bool ErrorOutputIsInForeground() override;
   int TimesContinued() override;
+  bool PutOffStops(bool putOff) override;
   int TerminalColumns() override;
   SystemResult<std::size_t> WriteErrorOutput(const char* bytes, std::size_t count) override;
   SystemError CatchStopSignals(StopRule rule) override;

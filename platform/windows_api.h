@@ -209,6 +209,8 @@ class WindowsAPI {
   /// How often the program was stopped and went on since stop signals are caught to end it: each time
   /// somebody else may have written to the terminal.
   virtual int TimesContinued() = 0;
+  /// Whether the key that stops the program (Ctrl-Z) waits from now on; returns what was so before.
+  virtual bool PutOffStops(bool putOff) = 0;
   /// Columns of the terminal, or 80 when they cannot be had.
   virtual int TerminalColumns() = 0;
   /// Waits until there is room; EAGAIN when there is none and a stop signal came. May write less than asked

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <csignal>
 #include <string>
+#include <utility>
 
 #include "tests/support/faulting_system.h"
 
@@ -13,11 +14,21 @@ namespace folioweld::testing {
 class ScreenSystem : public FaultingSystem {
  public:
   bool ErrorOutputIsTerminal() override { return IsTerminal; }
-  bool ErrorOutputIsInForeground() override { return IsInForeground; }
+  bool ErrorOutputIsInForeground() override {
+    const bool is = IsInForeground;
+    if (++Looks == StopAtLook) StopComes();
+    return is;
+  }
+  bool PutOffStops(bool putOff) override {
+    const bool before = std::exchange(StopsArePutOff, putOff);
+    if (StopIsPending && !putOff) StopComes();
+    return before;
+  }
   int TimesContinued() override { return Continued; }
   int TerminalColumns() override { return Columns; }
   SystemResult<std::size_t> WriteErrorOutput(const char* bytes, std::size_t count) override {
     ++Writes;
+    WroteInBackground = WroteInBackground || !IsInForeground;
     if (Interruptions > 0) {
       --Interruptions;
       return SystemError{EINTR};
@@ -51,6 +62,10 @@ class ScreenSystem : public FaultingSystem {
 
   bool IsTerminal = false;
   bool IsInForeground = true;
+  int Looks = 0;        ///< at whether it is
+  int StopAtLook = -1;  ///< after which the program is stopped and goes on in the background
+  bool StopsArePutOff = false;
+  bool WroteInBackground = false;
   int Continued = 0;
   int Columns = 80;
   std::string Written;
@@ -62,6 +77,16 @@ class ScreenSystem : public FaultingSystem {
   bool CatchesSignals = false;
   int EndedBy = 0;
   volatile std::sig_atomic_t Signal = 0;
+
+ private:
+  void StopComes() {
+    StopIsPending = StopsArePutOff;
+    if (StopIsPending) return;
+    ++Continued;
+    IsInForeground = false;
+  }
+
+  bool StopIsPending = false;
 };
 
 }  // namespace folioweld::testing

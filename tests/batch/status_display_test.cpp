@@ -186,6 +186,21 @@ TEST_F(StatusDisplayTest, RowsOfBeforeAStopAreLeftAsTheyAre) {
   EXPECT_EQ(system_.Take(), "");
 }
 
+TEST_F(StatusDisplayTest, AStopBetweenTheLookAndTheDrawingLeavesTheTerminalToOthers) {
+  for (int look = 1; look <= 6; ++look) {
+    StatusDisplay display = Display();
+    system_.IsInForeground = true;
+    system_.Looks = 0;
+    system_.StopAtLook = look;
+    display.Draw(shell_);
+    display.Clear();
+    display.Draw(shell_);
+    EXPECT_FALSE(system_.WroteInBackground) << "a stop after look " << look;
+    EXPECT_FALSE(system_.StopsArePutOff);
+  }
+  EXPECT_NE(system_.Take(), "");
+}
+
 TEST_F(StatusDisplayTest, HeadlineShortensTheNameInFront) {
   system_.Columns = 46;
   EXPECT_EQ(HeadlineOf("chapter-07.pdf"), "Merge 7 of 11 (round 2 of 4): chapter-07.pdf");

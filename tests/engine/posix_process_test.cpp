@@ -259,6 +259,21 @@ TEST(PosixSignalsDeathTest, ContinuationsAreCountedWhereStopSignalsEndTheProgram
       ExitedWithCode(0), "");
 }
 
+TEST(PosixSignalsDeathTest, AStopThatIsPutOffComesWhenItMay) {
+  EXPECT_EXIT(
+      {
+        PosixApi system;
+        static volatile std::sig_atomic_t stops = 0;
+        std::signal(SIGTSTP, [](int) { stops = stops + 1; });
+        const bool free = !system.PutOffStops(true) && system.PutOffStops(true);
+        ::raise(SIGTSTP);
+        const bool waits = stops == 0;
+        const bool wasPutOff = system.PutOffStops(false);
+        ExitWithFirstFailure({free, waits, wasPutOff, stops == 1, !system.PutOffStops(false)});
+      },
+      ExitedWithCode(0), "");
+}
+
 TEST(PosixSignalsDeathTest, TheEndOfTheTerminalIsAStopSignalToo) {
   EXPECT_EXIT(
       {
