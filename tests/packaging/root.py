@@ -44,6 +44,8 @@ class Root:
 
     def _make(self):
         fetching = [line for line in run("apt-config", "dump").splitlines() if _FETCHING.match(line)]
+        # A source that is busy for a moment is asked again.
+        fetching.append('Acquire::Retries "5";')
         (self.folder / "fetching").write_text("\n".join(fetching) + "\n")
         run("mmdebstrap", "--mode=root", "--variant=minbase", "--skip=cleanup/apt/lists",
             f"--aptopt={self.folder / 'fetching'}", RELEASE, self.path, *sources())
