@@ -25,17 +25,28 @@ if ! (cd "$build" && cpack --config CPackConfig.cmake -B "$build/cpack") >"$log"
   cat "$log" >&2
   exit 1
 fi
-cp "$build"/cpack/folioweld*.deb "$folder"
-# CPack names the debug symbols by their places in the build folder, and leaves out what every package has to hold.
-for symbols in "$build"/cpack/folioweld*.ddeb; do
-  name=$(basename "$symbols" .ddeb)
+# Compresses a package of CPack's. CPack names debug symbols by their places in the build folder, and leaves out what every
+# package has to hold.
+finish() {
+  local made=$1 name tree
+  name=$(basename "${made%.*}")
   tree=$build/cpack/$name
   rm -rf "$tree"
-  dpkg-deb --raw-extract "$symbols" "$tree"
-  mkdir -p "$tree/usr/share/doc"
-  ln -s "${name%%-dbgsym_*}" "$tree/usr/share/doc/${name%%_*}"
-  (cd "$tree" && find usr -type f -exec md5sum {} + | sort -k 2 >DEBIAN/md5sums)
-  sed -i '/^Package-Type:/d' "$tree/DEBIAN/control"
-  dpkg-deb --root-owner-group -Zxz --build "$tree" "$folder/debug/$name.deb" >>"$log"
+  dpkg-deb --raw-extract "$made" "$tree"
+  if [[ $made == *.ddeb ]]; then
+    mkdir -p "$tree/usr/share/doc"
+    ln -s "${name%%-dbgsym_*}" "$tree/usr/share/doc/${name%%_*}"
+    (cd "$tree" && find usr -type f -exec md5sum {} + | sort -k 2 >DEBIAN/md5sums)
+    sed -i '/^Package-Type:/d' "$tree/DEBIAN/control"
+    name=debug/$name
+  fi
+  dpkg-deb --root-owner-group --threads-max=1 -Zxz --build "$tree" "$folder/$name.deb"
+}
+
+finishing=()
+for made in "$build"/cpack/folioweld*.*deb; do
+  finish "$made" >>"$log" &
+  finishing+=($!)
 done
+for job in "${finishing[@]}"; do wait "$job"; done
 ls "$folder"/folioweld*.deb

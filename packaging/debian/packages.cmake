@@ -6,13 +6,13 @@ set(CPACK_PACKAGE_CONTACT "The Folioweld developers <maintainers@folioweld.examp
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 # The desktop entry is written with the final prefix: it is installed into a staging folder, not under another prefix.
 set(CPACK_SET_DESTDIR ON)
-set(CPACK_THREADS 1)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_COMPONENTS_ALL command window extras)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+# They are compressed at the end, side by side.
+set(CPACK_DEBIAN_COMPRESSION_TYPE none)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE https://folioweld.example/)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
