@@ -2,8 +2,10 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QStyleOptionButton>
 #include <QStylePainter>
+#include <utility>
 
 #include "ui/held_keys.h"
 
@@ -40,8 +42,14 @@ void CaptionButton::ShowGuardedCaption(const QString& caption) {
 
 void CaptionButton::TakePress() {
   pressedCaption_ = text();
-  pressBelongs_ = !guard_.isValid() || guard_.hasExpired(QApplication::doubleClickInterval());
+  pressBelongs_ =
+      !guard_.isValid() || (guard_.hasExpired(QApplication::doubleClickInterval()) && !WasQuick());
   if (!pressBelongs_) guard_.restart();
+}
+
+bool CaptionButton::WasQuick() const {
+  if (pressTime_ == 0 || timeBefore_ == 0 || pressTime_ < timeBefore_) return false;
+  return pressTime_ - timeBefore_ <= static_cast<quint64>(QApplication::doubleClickInterval());
 }
 
 bool CaptionButton::Fits(const QString& caption, QSize size) const {
@@ -70,7 +78,13 @@ void CaptionButton::paintEvent(QPaintEvent* /*event*/) {
   guard_.restart();
 }
 
+void CaptionButton::mousePressEvent(QMouseEvent* event) {
+  timeBefore_ = std::exchange(pressTime_, event->timestamp());
+  QPushButton::mousePressEvent(event);
+}
+
 void CaptionButton::keyPressEvent(QKeyEvent* event) {
+  if (!event->isAutoRepeat()) timeBefore_ = std::exchange(pressTime_, event->timestamp());
   if (!IsEnter(*event)) {
     QPushButton::keyPressEvent(event);
     return;

@@ -18,7 +18,8 @@ class CaptionButton : public QPushButton {
 
   void ShowCaption(const QString& caption);
   /// A caption under which the button does what nobody must do by accident: a press within the system's
-  /// double-click time after it appeared, or after another such press, belongs to the caption before.
+  /// double-click time after it appeared, or after the press before, belongs to the caption before; also one
+  /// that is seen late, because the program could not look at its events.
   void ShowGuardedCaption(const QString& caption);
 
   /// Whether the press that led to the present click belongs to the caption that the button has now.
@@ -27,13 +28,18 @@ class CaptionButton : public QPushButton {
  protected:
   void paintEvent(QPaintEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
 
  private:
   void TakePress();
+  /// Whether the last two presses were made so soon one after the other.
+  [[nodiscard]] bool WasQuick() const;
 
   QString pressedCaption_;
   bool pressBelongs_ = false;
   bool captionSeen_ = true;  ///< the guarded caption was painted
+  quint64 pressTime_ = 0;    ///< when the press was made, in milliseconds of the screen's clock; 0 = unknown
+  quint64 timeBefore_ = 0;   ///< of the press before
   QElapsedTimer guard_;      ///< runs from the last moment when a press was too early; invalid = no guard
 };
 

@@ -32,10 +32,24 @@ class ExitGuardTest : public WindowFixture {
   void WhenRunning(std::function<void()> step) { WhenItSays("CANCEL (abort)", std::move(step)); }
   /// Waits until a press counts again, and presses.
   void PressLater() {
+    WaitUntilAPressCounts();
+    Click("cmdCancel");
+  }
+
+  /// Clicks as if it were done at that time of the screen's clock.
+  void ClickAt(quint64 time) {
+    const QPointF middle = Button("cmdCancel")->rect().center();
+    for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+      QMouseEvent event(type, middle, Button("cmdCancel")->mapToGlobal(middle), Qt::LeftButton,
+                        type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+      event.setTimestamp(time);
+      QApplication::sendEvent(Button("cmdCancel"), &event);
+    }
+  }
+  void WaitUntilAPressCounts() {
     QElapsedTimer quiet;
     quiet.start();
     ASSERT_TRUE(WaitFor([&] { return quiet.hasExpired(2 * QApplication::doubleClickInterval()); }));
-    Click("cmdCancel");
   }
 
   /// Cancels a job and clicks again and again, well beyond the time in which a press does not count. False
@@ -108,6 +122,19 @@ TEST_F(ExitGuardTest, APressOfItsOwnCounts) {
   WhenRunning([this] { Click("cmdCancel"); });
   Click("cmdOK");
   PressLater();
+  EXPECT_TRUE(ended_);
+}
+
+TEST_F(ExitGuardTest, AQuickClickThatIsSeenLateDoesNotEndTheProgram) {
+  QApplication::setDoubleClickInterval(20);
+  WhenRunning([this] { ClickAt(5000); });
+  Click("cmdOK");
+  ASSERT_EQ(Caption("cmdCancel"), "Exit");
+  WaitUntilAPressCounts();
+  ClickAt(5020);
+  EXPECT_FALSE(ended_);
+  WaitUntilAPressCounts();
+  ClickAt(5041);
   EXPECT_TRUE(ended_);
 }
 
