@@ -41,15 +41,17 @@ void CaptionButton::ShowGuardedCaption(const QString& caption) {
 }
 
 void CaptionButton::TakePress() {
+  // A press runs what it starts to the end: presses meanwhile have times of their own.
+  const quint64 time = std::exchange(eventTime_, 0);
+  const bool wasQuick = WasQuick(time, std::exchange(pressTime_, time));
   pressedCaption_ = text();
-  pressBelongs_ =
-      !guard_.isValid() || (guard_.hasExpired(QApplication::doubleClickInterval()) && !WasQuick());
+  pressBelongs_ = !guard_.isValid() || (guard_.hasExpired(QApplication::doubleClickInterval()) && !wasQuick);
   if (!pressBelongs_) guard_.restart();
 }
 
-bool CaptionButton::WasQuick() const {
-  if (pressTime_ == 0 || timeBefore_ == 0 || pressTime_ < timeBefore_) return false;
-  return pressTime_ - timeBefore_ <= static_cast<quint64>(QApplication::doubleClickInterval());
+bool CaptionButton::WasQuick(quint64 time, quint64 before) {
+  if (time == 0 || before == 0 || time < before) return false;
+  return time - before <= static_cast<quint64>(QApplication::doubleClickInterval());
 }
 
 bool CaptionButton::Fits(const QString& caption, QSize size) const {
@@ -79,18 +81,26 @@ void CaptionButton::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void CaptionButton::mousePressEvent(QMouseEvent* event) {
-  timeBefore_ = std::exchange(pressTime_, event->timestamp());
+  eventTime_ = event->timestamp();
   QPushButton::mousePressEvent(event);
+  eventTime_ = 0;
 }
 
 void CaptionButton::keyPressEvent(QKeyEvent* event) {
-  if (!event->isAutoRepeat()) timeBefore_ = std::exchange(pressTime_, event->timestamp());
-  if (!IsEnter(*event)) {
-    QPushButton::keyPressEvent(event);
+  if (IsEnter(*event)) {
+    // Held down, it presses once.
+    if (!event->isAutoRepeat()) PressBy(*event);
     return;
   }
-  // Held down, it presses once.
-  if (!event->isAutoRepeat()) click();
+  eventTime_ = event->timestamp();
+  QPushButton::keyPressEvent(event);
+  eventTime_ = 0;
+}
+
+void CaptionButton::PressBy(const QKeyEvent& event) {
+  eventTime_ = event.timestamp();
+  click();
+  eventTime_ = 0;
 }
 
 }  // namespace folioweld

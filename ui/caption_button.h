@@ -22,6 +22,9 @@ class CaptionButton : public QPushButton {
   /// that is seen late, because the program could not look at its events.
   void ShowGuardedCaption(const QString& caption);
 
+  /// Presses the button for a key, at the time when the key was pressed.
+  void PressBy(const QKeyEvent& event);
+
   /// Whether the press that led to the present click belongs to the caption that the button has now.
   [[nodiscard]] bool PressBelongsToCaption() const { return pressBelongs_ && pressedCaption_ == text(); }
 
@@ -32,15 +35,16 @@ class CaptionButton : public QPushButton {
 
  private:
   void TakePress();
-  /// Whether the last two presses were made so soon one after the other.
-  [[nodiscard]] bool WasQuick() const;
+  /// Whether a press was made so soon after the one before; where a time is unknown, it was not.
+  [[nodiscard]] static bool WasQuick(quint64 time, quint64 before);
 
   QString pressedCaption_;
   bool pressBelongs_ = false;
   bool captionSeen_ = true;  ///< the guarded caption was painted
-  quint64 pressTime_ = 0;    ///< when the press was made, in milliseconds of the screen's clock; 0 = unknown
-  quint64 timeBefore_ = 0;   ///< of the press before
-  QElapsedTimer guard_;      ///< runs from the last moment when a press was too early; invalid = no guard
+  /// Of the event that is looked at, in milliseconds of the screen's clock; 0 = unknown.
+  quint64 eventTime_ = 0;
+  quint64 pressTime_ = 0;  ///< of the last press, likewise
+  QElapsedTimer guard_;    ///< runs from the last moment when a press was too early; invalid = no guard
 };
 
 }  // namespace folioweld

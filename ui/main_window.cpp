@@ -330,7 +330,7 @@ void Folioweld::keyPressEvent(QKeyEvent* event) {
   if (event->isAutoRepeat()) return;
   for (CaptionButton* button : {cmdOK_, cmdCancel_}) {
     if (!button->isDefault() || !button->isEnabled()) continue;
-    button->click();
+    button->PressBy(*event);
     return;
   }
 }

@@ -138,6 +138,29 @@ TEST_F(ExitGuardTest, AQuickClickThatIsSeenLateDoesNotEndTheProgram) {
   EXPECT_TRUE(ended_);
 }
 
+TEST_F(ExitGuardTest, APressWithoutATimeCountsAfterADoubleClick) {
+  QApplication::setDoubleClickInterval(20);
+  WhenRunning([this] { ClickAt(5000); });
+  Click("cmdOK");
+  ClickAt(5001);
+  WaitUntilAPressCounts();
+  // So do assistive programs and the window's own Enter key.
+  Button("cmdCancel")->click();
+  EXPECT_TRUE(ended_);
+}
+
+TEST_F(ExitGuardTest, AKeyThatPressesNothingIsNoPressBefore) {
+  QApplication::setDoubleClickInterval(20);
+  WhenRunning([this] { Click("cmdCancel"); });
+  Click("cmdOK");
+  WaitUntilAPressCounts();
+  QKeyEvent shift(QEvent::KeyPress, Qt::Key_Shift, Qt::ShiftModifier);
+  shift.setTimestamp(900000);
+  QApplication::sendEvent(Button("cmdCancel"), &shift);
+  ClickAt(900001);
+  EXPECT_TRUE(ended_);
+}
+
 TEST_F(ExitGuardTest, CancelIsHeardAtOnce) {
   // "Exit" was shown just before, while a question was open.
   FileName(3) = folder_.File("joined.pdf");
