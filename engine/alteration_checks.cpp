@@ -11,9 +11,14 @@ namespace {
 
 /// The first input, when the texts of all inputs are kept.
 ReadInput FirstInput(MergeState& state, MergeShell& shell) {
-  const auto hasPercent = [](std::string_view texts) { return texts.find('%') != std::string_view::npos; };
-  const TextPool& texts = state.Texts;
-  return {state, shell, 1, texts.Any(HasOtherWhiteSpace), texts.Any(hasPercent), texts.Any(HasLongNumber)};
+  ReadInput input{state, shell, 1, false, false, false};
+  // All of one part before the next, while it is at hand.
+  state.Texts.ForEachPart([&](std::string_view part) {
+    input.MayHaveOtherWhiteSpace |= HasOtherWhiteSpace(part);
+    input.MayHavePercent |= part.find('%') != std::string_view::npos;
+    input.MayHaveLongNumber |= HasLongNumber(part);
+  });
+  return input;
 }
 
 /// The last "startxref" of the file is the one that others take.

@@ -1,5 +1,7 @@
 #include "engine/lexer.h"
 
+#include <algorithm>
+
 namespace folioweld {
 
 namespace {
@@ -7,14 +9,19 @@ namespace {
 constexpr CharacterSet kOpaqueMarks{"(<%"};
 
 std::int32_t IndexOfKeyword(std::string_view word, std::span<const std::string_view> keywords) {
+  // Character by character: for so few, a call of the library's comparison takes longer.
+  const auto same = [](char first, char second) { return first == second; };
   for (std::size_t i = 0; i < keywords.size(); ++i) {
-    if (word == keywords[i]) return static_cast<std::int32_t>(i);
+    if (std::ranges::equal(word, keywords[i], same)) return static_cast<std::int32_t>(i);
   }
   return -1;
 }
 
-/// Index after white space or another delimiter, and after the string, name or comment that it opens.
-std::size_t SkipDelimiter(std::string_view text, std::size_t index) {
+/// Delimiters that open nothing.
+constexpr CharacterSet kSeparatorSet{" )>[]{}\r\n"};
+
+/// Index after the string, name, comment, "<<" or other token that begins at `index`.
+std::size_t SkipToken(std::string_view text, std::size_t index) {
   switch (text[index]) {
     case '(':
       return SkipLiteralString(text, index);
@@ -25,7 +32,7 @@ std::size_t SkipDelimiter(std::string_view text, std::size_t index) {
     case '/':
       return SkipName(text, index);
     default:
-      return index + 1;
+      return kDelimiterSet.Find(text, index);
   }
 }
 
@@ -132,11 +139,8 @@ bool ReadNumberPair(std::string_view text, std::size_t index, std::span<const st
 
 bool FindReference(std::string_view text, std::size_t index, std::span<const std::string_view> keywords,
                    NumberPair& found) {
-  while (index < text.size()) {
-    if (kDelimiterSet.Has(text[index])) {
-      index = SkipDelimiter(text, index);
-      continue;
-    }
+  const auto nextToken = [&] { return kSeparatorSet.Skip(text, index); };
+  for (index = nextToken(); index < text.size(); index = nextToken()) {
     if (kDigitSet.Has(text[index])) {
       if (ReadNumberPair(text, index, keywords, found)) return true;
       // The second number may be the first one of a reference.
@@ -145,7 +149,7 @@ bool FindReference(std::string_view text, std::size_t index, std::span<const std
         continue;
       }
     }
-    index = kDelimiterSet.Find(text, index);
+    index = SkipToken(text, index);
   }
   found = {};
   return false;

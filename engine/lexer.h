@@ -49,9 +49,14 @@ inline constexpr CharacterSet kOtherWhiteSpaceSet{std::string_view(" \r\n\t\f\0"
 /// refused on purpose.
 [[nodiscard]] constexpr std::int32_t ReadNumber(std::string_view text, std::size_t index, std::size_t& end) {
   const std::size_t limit = std::min(text.size(), index + 11);
-  std::int64_t value = 0;
-  for (end = index; end < limit && kDigitSet.Has(text[end]); ++end) value = value * 10 + (text[end] - '0');
-  const bool isNumber = end > index && end - index <= 10 && value < std::numeric_limits<std::int32_t>::max();
+  const auto digitAt = [&](std::size_t i) {
+    return static_cast<unsigned char>(text[i]) - std::uint64_t{'0'};
+  };
+  std::uint64_t value = 0;
+  std::size_t i = index;
+  for (; i < limit && digitAt(i) <= 9; ++i) value = value * 10 + digitAt(i);
+  end = i;
+  const bool isNumber = i > index && i - index <= 10 && value < std::numeric_limits<std::int32_t>::max();
   return isNumber ? static_cast<std::int32_t>(value) : -1;
 }
 

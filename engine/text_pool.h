@@ -41,16 +41,14 @@ class TextPool {
     return longer.substr(longer.size() - text.size());
   }
 
-  /// Whether `has` is true of any part of the pool, in which texts stand one after the other. Much cheaper
-  /// than to ask for every text by itself.
-  template <typename Has>
-  [[nodiscard]] bool Any(Has has) const {
+  /// Gives `take` the pool part by part, in which texts stand one after the other. Much cheaper than to look
+  /// at every text by itself.
+  template <typename Take>
+  void ForEachPart(Take take) const {
     for (std::size_t i = 0; i < blocks_.size(); ++i) {
       const bool isInUse = i == inUse_ && next_ != nullptr;
-      if (has(std::string_view(blocks_[i].Start, isInUse ? kBlockSize - left_ : blocks_[i].Used)))
-        return true;
+      take(std::string_view(blocks_[i].Start, isInUse ? kBlockSize - left_ : blocks_[i].Used));
     }
-    return false;
   }
 
   void Reset();

@@ -44,7 +44,9 @@ TEST(TextPoolTest, TextsStayWhereTheyAreWhileOthersAreAdded) {
 }
 
 bool Holds(const TextPool& pool, char c) {
-  return pool.Any([c](std::string_view texts) { return texts.find(c) != std::string_view::npos; });
+  bool holds = false;
+  pool.ForEachPart([&](std::string_view texts) { holds |= texts.find(c) != std::string_view::npos; });
+  return holds;
 }
 
 TEST(TextPoolTest, HoldsTheCharactersOfItsTextsAndNoOthers) {
