@@ -20,7 +20,7 @@ std::int32_t IndexOfKeyword(std::string_view word, std::span<const std::string_v
 /// Delimiters that open nothing.
 constexpr CharacterSet kSeparatorSet{" )>[]{}\r\n"};
 
-/// Index after the string, name, comment, "<<" or other token that begins at `index`.
+/// Index after the token that begins at `index`: a string, a comment, a "<<", a name or any other word.
 std::size_t SkipToken(std::string_view text, std::size_t index) {
   switch (text[index]) {
     case '(':
@@ -29,10 +29,8 @@ std::size_t SkipToken(std::string_view text, std::size_t index) {
       return index + 1 < text.size() && text[index + 1] == '<' ? index + 2 : SkipHexString(text, index);
     case '%':
       return SkipComment(text, index);
-    case '/':
-      return SkipName(text, index);
     default:
-      return kDelimiterSet.Find(text, index);
+      return kDelimiterSet.Find(text, index + 1);
   }
 }
 

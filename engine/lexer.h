@@ -49,6 +49,7 @@ inline constexpr CharacterSet kOtherWhiteSpaceSet{std::string_view(" \r\n\t\f\0"
 /// refused on purpose.
 [[nodiscard]] constexpr std::int32_t ReadNumber(std::string_view text, std::size_t index, std::size_t& end) {
   const std::size_t limit = std::min(text.size(), index + 11);
+  // Its value tells a digit as well: cross-reference tables are nothing but numbers.
   const auto digitAt = [&](std::size_t i) {
     return static_cast<unsigned char>(text[i]) - std::uint64_t{'0'};
   };
