@@ -47,6 +47,15 @@ class OutputBufferTest : public ::testing::Test {
     EXPECT_TRUE(written == expected);
   }
 
+  /// The source's bytes between two texts, as the file is to hold them.
+  void WriteStream(OutputBuffer& buffer, InputBuffer& source, std::int64_t offset, std::int64_t count) {
+    ASSERT_FALSE(buffer.Write(0, "stream\n"));
+    ASSERT_FALSE(buffer.Copy(7, source, offset, count));
+    ASSERT_FALSE(buffer.Write(7 + count, "endstream\r\n"));
+    ASSERT_FALSE(buffer.Flush());
+    ExpectWritten("stream\n" + Part(offset, count) + "endstream\r\n");
+  }
+
   [[nodiscard]] long CountOf(const std::string& call) const {
     return std::count_if(System.Calls.begin(), System.Calls.end(),
                          [&](const FaultingSystem::Call& made) { return made.Name == call; });
@@ -198,11 +207,7 @@ TEST_F(OutputBufferTest, AnInterruptedCopyIsMadeAgainAndAShortOneGoneOnWith) {
   };
   OutputBuffer buffer(System, To, Spare);
   InputBuffer source(System, From, kSourceSize, Spare);
-  ASSERT_FALSE(buffer.Write(0, "stream\n"));
-  ASSERT_FALSE(buffer.Copy(7, source, 5, 1000000));
-  ASSERT_FALSE(buffer.Write(1000007, "endstream\r\n"));
-  ASSERT_FALSE(buffer.Flush());
-  ExpectWritten("stream\n" + Part(5, 1000000) + "endstream\r\n");
+  WriteStream(buffer, source, 5, 1000000);
   EXPECT_EQ(CountOf("CopyFileBytes"), 2) << "what is left out is read and written";
 }
 
@@ -228,11 +233,7 @@ TEST_F(OutputBufferTest, AFewBytesArriveWhetherTheyAreInMemoryOrNotOrInPart) {
       OutputBuffer buffer(System, To, Spare);
       InputBuffer source(System, From, kSourceSize, Spare);
       ASSERT_TRUE(source.View(0, 1).Ok());
-      ASSERT_FALSE(buffer.Write(0, "stream\n"));
-      ASSERT_FALSE(buffer.Copy(7, source, from, count));
-      ASSERT_FALSE(buffer.Write(7 + count, "endstream\r\n"));
-      ASSERT_FALSE(buffer.Flush());
-      ExpectWritten("stream\n" + Part(from, count) + "endstream\r\n");
+      WriteStream(buffer, source, from, count);
     }
   }
 }
@@ -282,11 +283,7 @@ TEST_F(OutputBufferTest, ShortAndInterruptedReadsDuringACopyAreGoneOnWith) {
   };
   OutputBuffer buffer(System, To, Spare);
   InputBuffer source(System, From, kSourceSize, Spare);
-  ASSERT_FALSE(buffer.Write(0, "stream\n"));
-  ASSERT_FALSE(buffer.Copy(7, source, 5, 200000));
-  ASSERT_FALSE(buffer.Write(200007, "endstream\r\n"));
-  ASSERT_FALSE(buffer.Flush());
-  ExpectWritten("stream\n" + Part(5, 200000) + "endstream\r\n");
+  WriteStream(buffer, source, 5, 200000);
   EXPECT_GT(reads, 3);
 }
 
