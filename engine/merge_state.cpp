@@ -1,6 +1,8 @@
 #include "engine/merge_state.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <string>
 
 #include "engine/lexer.h"
@@ -121,11 +123,14 @@ std::int32_t TableIndexOf(const MergeState& state, std::int32_t objectNumber, st
 }
 
 std::string HeaderLine(std::int32_t number, std::int32_t generation) {
-  std::string line = std::to_string(number);
-  line += ' ';
-  line += std::to_string(generation);
-  line += " obj\r";
-  return line;
+  // Put together in place: every object gets one, and those of the second input another one.
+  constexpr std::ptrdiff_t kLongestNumber = 11;
+  constexpr std::string_view kEnd = " obj\r";
+  std::array<char, 2 * kLongestNumber + 1 + kEnd.size()> line;
+  char* end = std::to_chars(line.begin(), line.begin() + kLongestNumber, number).ptr;
+  *end++ = ' ';
+  end = std::to_chars(end, end + kLongestNumber, generation).ptr;
+  return {line.begin(), std::ranges::copy(kEnd, end).out};
 }
 
 std::int32_t AppendObjLine(MergeState& state, std::string_view line) {
