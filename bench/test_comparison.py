@@ -211,7 +211,8 @@ class Rounds(unittest.TestCase):
         self.addCleanup(scratch.cleanup)
         self.work = Path(scratch.name)
         (self.work / "time-command").symlink_to(TIME_COMMAND)
-        self.settings = {**os.environ, "XDG_CONFIG_HOME": scratch.name, "HOME": scratch.name, "TMPDIR": scratch.name}
+        self.settings = {**os.environ, "XDG_CONFIG_HOME": scratch.name, "HOME": scratch.name,
+                         "TMPDIR": str(self.work / "temporaries")}
         self.runner = measure.Runner(self.work, self.settings)
         subprocess.run([HERE / "make-loads.py", "--tiny", self.work / "loads", "folder"], check=True)
         self.load = json.loads((self.work / "loads" / "loads.json").read_text())[0]
@@ -239,10 +240,19 @@ class Rounds(unittest.TestCase):
         documents = sorted(str(file) for file in (self.work / "loads" / "folder").iterdir())
         for count in range(1, len(documents) + 1):
             output = self.work / "copied"
-            subprocess.run(programs.copy_in_rounds(documents[:count], str(output)), check=True)
+            self.runner.renew_temporaries()
+            subprocess.run(programs.copy_in_rounds(documents[:count], str(output)), env=self.settings, check=True)
             self.assertEqual(output.read_bytes(), b"".join(Path(name).read_bytes() for name in documents[:count]))
             output.unlink()
             self.assertEqual([name.name for name in self.work.glob("copied*")], ["copied.sh"])
+            self.assertEqual(os.listdir(self.settings["TMPDIR"]), [])
+
+    def test_every_run_gets_an_empty_folder_for_temporary_files(self):
+        temporaries = Path(self.settings["TMPDIR"])
+        for _ in range(2):
+            self.runner.renew_temporaries()
+            self.assertEqual(os.listdir(temporaries), [])
+            (temporaries / "left").touch()
 
 
 if __name__ == "__main__":

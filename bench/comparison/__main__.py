@@ -42,8 +42,12 @@ def environment(work):
     scratch = work / "scratch"
     shutil.rmtree(scratch, ignore_errors=True)
     scratch.mkdir()
+    if shutil.which("chattr"):
+        # The folders in this one are laid out in different parts of the file system, where it has such.
+        subprocess.run(["chattr", "+T", scratch], capture_output=True, check=False)
     kept = {name: value for name, value in os.environ.items() if not name.startswith("LC_")}
-    return {**kept, "LANG": "C.UTF-8", "HOME": str(scratch), "XDG_CONFIG_HOME": str(scratch), "TMPDIR": str(scratch)}
+    return {**kept, "LANG": "C.UTF-8", "HOME": str(scratch), "XDG_CONFIG_HOME": str(scratch),
+            "TMPDIR": str(scratch / "temporaries")}
 
 
 def count_calls(loads, program, runner):
@@ -52,6 +56,7 @@ def count_calls(loads, program, runner):
         if load["series"] or load["name"] in ("mixed", "plain") or shutil.which("strace") is None:
             continue
         command = [program, runner.output, str(runner.work / "loads" / load["name"])]
+        runner.renew_temporaries()
         calls[load["name"]] = system_calls.count(command, runner.work, runner.environment)
         runner.remove_output()
     return calls

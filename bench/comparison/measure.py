@@ -1,7 +1,9 @@
 """Runs programs over loads in interleaved rounds and keeps what was measured."""
 
 import os
+import shutil
 import subprocess
+import tempfile
 from dataclasses import dataclass, field
 from pathlib import Path
 
@@ -35,6 +37,7 @@ class Runner:
         A run that does not count goes before it: what the program before left in caches and in the system's free
         memory would decide about the time otherwise, a virtual machine's most of all.
         """
+        self.renew_temporaries()
         try:
             self.run_once(program, documents)
             self.remove_output()
@@ -44,6 +47,16 @@ class Runner:
             return seconds, peak_kib
         finally:
             self.remove_output()
+
+    def renew_temporaries(self):
+        """Puts a new folder in the place of the one for temporary files.
+
+        ext4 leaves the places of files that were deleted in the last minutes unused, and passes over them one by
+        one: in one folder, every run would be slower than the one before.
+        """
+        temporaries = Path(self.environment["TMPDIR"])
+        shutil.rmtree(temporaries, ignore_errors=True)
+        Path(tempfile.mkdtemp(dir=temporaries.parent)).rename(temporaries)
 
     def run_once(self, program, documents):
         command = program.command(documents, self.output)

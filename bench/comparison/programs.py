@@ -27,21 +27,21 @@ class Program:
 
 def copy_in_rounds(documents, output):
     """A shell script that copies documents together pairwise, round after round, as a directory merge joins them;
-    the temporary files go at the end."""
+    the temporary files, where those of the other programs are, go at the end."""
     lines = []
     temporaries = []
-    pieces = list(documents)
+    pieces = [shlex.quote(document) for document in documents]
     while len(pieces) > 2:
         joined = []
         for i in range(0, len(pieces) - 1, 2):
-            temporary = f"{output}.{len(temporaries)}"
+            temporary = f'"$TMPDIR"/{len(temporaries)}'
             temporaries.append(temporary)
-            lines.append(f"cat {shlex.join(pieces[i:i + 2])} > {shlex.quote(temporary)}")
+            lines.append(f"cat {' '.join(pieces[i:i + 2])} > {temporary}")
             joined.append(temporary)
         pieces = joined + pieces[len(pieces) - len(pieces) % 2:]
-    lines.append(f"cat {shlex.join(pieces)} > {shlex.quote(output)}")
+    lines.append(f"cat {' '.join(pieces)} > {shlex.quote(output)}")
     if temporaries:
-        lines.append(f"rm {shlex.join(temporaries)}")
+        lines.append(f"rm {' '.join(temporaries)}")
     script = Path(f"{output}.sh")
     script.write_text("\n".join(lines) + "\n")
     return ["sh", str(script)]
