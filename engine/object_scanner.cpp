@@ -121,8 +121,12 @@ class ObjectScan {
     offset_ = state_.Objects[index].OutOffset;
     const ObjectEnd objectEnd = GatherText(index);
     const std::string_view text = text_.View();
-    std::int32_t generation = -1;
-    const std::int32_t bodyPosition = ParseObjectHeader(text, 1, number_, generation);
+    std::int32_t generation = state_.Objects[index].Generation;
+    const std::string header = HeaderLine(number_, generation);
+    // Most headers are written as they will be in the output: those need not be read.
+    const std::int32_t bodyPosition = text.starts_with(header)
+                                          ? static_cast<std::int32_t>(header.size())
+                                          : ParseObjectHeader(text, 1, number_, generation);
     if (bodyPosition < 1) {
       Fail("the object does not begin with its header \"" + std::to_string(number_) + " generation obj\"");
     }
@@ -137,7 +141,7 @@ class ObjectScan {
     text_.Put(bodyOffset + body.size(), objectEnd.HasStream ? '\n' : '\r');
     const std::string_view kept =
         state_.Texts.KeepOnce(text.substr(bodyOffset, body.size() + 1), longestKept_);
-    StoreLines(index, kept, objectEnd.HasStream);
+    StoreLines(index, header, kept, objectEnd.HasStream);
     if (objectEnd.HasStream) LocateStream(index, objectEnd.KeywordOffset);
     DescribeBody(index, kept.substr(0, body.size()));
     if (objectEnd.HasStream) TakeStreamLength(index);
@@ -191,9 +195,9 @@ class ObjectScan {
              : "the objects of the document run into each other");
   }
 
-  /// The header line is made anew from its numbers; `body` is a text that is kept.
-  void StoreLines(std::int32_t index, std::string_view body, bool hasStream) {
-    const std::int32_t first = AppendObjLine(state_, HeaderLine(number_, state_.Objects[index].Generation));
+  /// `header` is the one made anew from its numbers, and `body` a text that is kept.
+  void StoreLines(std::int32_t index, std::string_view header, std::string_view body, bool hasStream) {
+    const std::int32_t first = AppendObjLine(state_, header);
     const std::int32_t last = AppendKeptObjLine(state_, body);
     ObjectEntry& entry = state_.Objects[index];
     entry.FirstLine = first;

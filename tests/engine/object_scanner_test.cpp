@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <gtest/gtest.h>
+#include <random>
 #include <vector>
 
 #include "tests/support/reader_setup.h"
@@ -301,6 +302,25 @@ TEST(ParseObjectHeader, GivesThePositionBehindTheKeyword) {
   EXPECT_EQ(ParseObjectHeader("12 3 obj<<", 1, 12, generation), 9);
   EXPECT_EQ(generation, 3);
   EXPECT_EQ(ParseObjectHeader("xx 12 3 obj\r", 3, 12, generation), 12);
+}
+
+/// The scanner does not read headers that are written like this.
+TEST(ParseObjectHeader, ReadsWhatTheOutputWillHoldWhateverFollows) {
+  std::mt19937 random(12);
+  const auto upTo = [&](std::int32_t highest) {
+    return std::uniform_int_distribution<std::int32_t>(0, highest)(random);
+  };
+  for (int i = 0; i < 20000; ++i) {
+    const std::int32_t number = upTo(i % 2 == 0 ? 20 : 70000);
+    const std::int32_t listed = upTo(i % 3 == 0 ? 99999 : 2);
+    const std::string header = HeaderLine(number, listed);
+    std::string text = header;
+    for (int rest = upTo(6); rest > 0; --rest) text += " \r\n0R/(<%obj\t"[upTo(13)];
+    std::int32_t generation = -1;
+    ASSERT_EQ(ParseObjectHeader(text, 1, number, generation), static_cast<std::int32_t>(header.size()))
+        << text;
+    ASSERT_EQ(generation, listed) << text;
+  }
 }
 
 TEST(ParseObjectHeader, TheKeywordMayEndTheText) {
